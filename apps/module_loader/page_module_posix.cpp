@@ -1,0 +1,38 @@
+#include <dlfcn.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "module_loader/page_module.h"
+
+namespace {
+
+constexpr const char* kCreateSetting = "CreateSetting";
+constexpr const char* kCloseWnd = "_Z8CloseWndv";  // void CloseWnd(), as the compiler decorates it
+
+void* Lookup(void* library, const char* name, const std::filesystem::path& file) {
+    void* const address = dlsym(library, name);
+    if (address == nullptr) throw std::runtime_error(file.string() + ": the module does not export " + name);
+    return address;
+}
+
+}  // namespace
+
+PageModule::PageModule(const std::filesystem::path& file) {
+    void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) throw std::runtime_error(file.string() + ": the module cannot be loaded: " + dlerror());
+    m_create = reinterpret_cast<CreateFunction>(Lookup(library, kCreateSetting, file));
+    m_close = reinterpret_cast<CloseFunction>(Lookup(library, kCloseWnd, file));
+}
+
+void PageModule::CreateSetting(DuiLib::CPaintManagerUI* paintManager, DuiLib::CNotifyPump* notifyPump,
+                               DuiLib::CContainerUI* parent) const {
+    m_create(paintManager, notifyPump, parent);
+}
+
+void PageModule::CloseWnd() const { m_close(); }
+
+std::filesystem::path PageModule::DefaultPath() {
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    return program.parent_path() / "lib" / "libAccessoriesUpgrade.so";
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+namespace settings_host {
+
+// Programs of the host's own folder, started and stopped by scripts. What still runs at the end is stopped.
+class ChildPrograms {
+public:
+    ~ChildPrograms();
+
+    // Returns once the program runs. Throws std::runtime_error, naming the program and the reason.
+    void Start(const std::string& program);
+
+    // Returns once the program has ended. Throws std::runtime_error when it was not started.
+    void Stop(const std::string& program);
+
+private:
+    std::map<std::string, int> m_running;  // process ids by program
+};
+
+}  // namespace settings_host

@@ -1,0 +1,59 @@
+#include "host_channel.h"
+
+#include <charconv>
+
+#include "ipc/channel.h"
+#include "transcript.h"
+
+namespace settings_host {
+
+namespace {
+
+std::string Payload(const TagIPCMessageItem& item) {
+    return item.data == nullptr ? std::string() : std::string(item.data, static_cast<std::size_t>(item.dataLen));
+}
+
+std::string DeviceKey(const TagIPCMessageItem& item) { return item.data == nullptr ? "" : item.data; }
+
+}  // namespace
+
+HostChannel::HostChannel()
+    : m_layout(IPC_ENDPOINT_HOST_LAYOUT, true, false, IPC_PIPE_ASSISTANT),
+      m_status(IPC_ENDPOINT_HOST_STATUS, true, false, IPC_PIPE_ASSISTANT),
+      m_plugin(IPC_ENDPOINT_HOST_PLUGIN, true, false, IPC_PIPE_ASSISTANT) {
+    m_layout.RegisterMessageCallback(IPC_MSG_CONTENT_HEIGHT, [this](TagIPCMessageItem& item) { OnHeight(item); });
+    m_status.RegisterMessageCallback(IPC_MSG_NO_UPDATES_LEFT, [this](TagIPCMessageItem&) { OnNothingLeft(); });
+    m_plugin.RegisterMessageCallback(IPC_MSG_PLUGIN_UPDATE, [this](TagIPCMessageItem& item) { OnUpdate(item); });
+    m_plugin.RegisterMessageCallback(IPC_MSG_PLUGIN_UPDATE_FINISH,
+                                     [this](TagIPCMessageItem& item) { OnUpdateFinish(item); });
+}
+
+void HostChannel::OnHeight(const TagIPCMessageItem& item) {
+    const std::string digits = Payload(item);
+    int height = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), height);
+    if (error != std::errc() || end != digits.data() + digits.size()) {
+        Say("host: a height message holds \"" + digits + "\", which is no number; ignored");
+        return;
+    }
+    m_news.contentHeight = height;
+    m_news.heightReported = true;
+    Say("host: content height " + digits);
+}
+
+void HostChannel::OnNothingLeft() {
+    m_news.nothingLeft = true;
+    Say("host: no update is left");
+}
+
+void HostChannel::OnUpdate(const TagIPCMessageItem& item) {
+    m_news.running.insert(DeviceKey(item));
+    Say("host: update of " + DeviceKey(item) + " runs");
+}
+
+void HostChannel::OnUpdateFinish(const TagIPCMessageItem& item) {
+    m_news.running.erase(DeviceKey(item));
+    Say("host: update of " + DeviceKey(item) + " has stopped");
+}
+
+}  // namespace settings_host

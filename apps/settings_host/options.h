@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace settings_host {
+
+struct CommandLine {
+    std::filesystem::path module;      // the accessory page's module
+    std::filesystem::path components;  // folder that holds brindle/res
+    std::filesystem::path companions;  // accessory update configuration; empty: none
+    std::filesystem::path script;      // empty: none; "-": standard input
+    std::filesystem::path logFile;     // empty: standard error alone
+    std::filesystem::path reportFile;  // empty: usage events are dropped
+    std::string language = "en-US";
+    unsigned scale = 100;  // [percent]
+    bool headless = false;
+    bool trace = false;
+    bool quietLog = false;
+};
+
+// Reads the command line. When the program is to end at once (--help, or an error, which has been told on standard
+// error), returns nothing and sets `exitCode`.
+std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, int& exitCode);
+
+}  // namespace settings_host

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "ipc_client/ipc_message_client.h"
+#include "log.h"
+#include "page_link.h"
+
+namespace update_service {
+
+// The accessory page at the other end of the pipe. Texts become what the channel has: device keys the ANSI code page,
+// everything else wide strings.
+class IpcPageLink final : public PageLink {
+public:
+    // `client` is the service's, made for IPC_ENDPOINT_UPDATE_SERVICE, and must outlive the link.
+    IpcPageLink(IPCMessageClient& client, Log log);
+
+    void SendList(const std::vector<Accessory>& accessories) override;
+    void SendProgress(const std::string& deviceKey, int percent) override;
+    void SendEnded(const std::string& deviceKey) override;
+    void SendFailed(const std::string& deviceKey) override;
+
+private:
+    template <typename Record>
+    void PostRecord(int msgId, const Record& record, std::uint32_t blockSize);
+    void PostKey(int msgId, const std::string& deviceKey);
+    void Post(TagIPCMessageItem& item, int msgId);
+
+    IPCMessageClient& m_client;
+    const Log m_log;
+};
+
+// Hands what the page asks for to `requests`, on the client's delivery thread, until the client's callbacks are
+// unregistered.
+void ReceiveRequests(IPCMessageClient& client, PageRequests& requests);
+
+}  // namespace update_service

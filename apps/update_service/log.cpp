@@ -1,0 +1,13 @@
+#include "log.h"
+
+#include "text.h"
+
+namespace update_service {
+
+void LogToQxLogger(LOG_MESSAGE_LEVEL level, const std::string& line) {
+    std::wstringstream stream;
+    stream << L"[UpdateService]" << WideFromUtf8(line);
+    QxLogger::GetInstance()->Log(level, stream);
+}
+
+}  // namespace update_service

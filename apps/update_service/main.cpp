@@ -1,0 +1,68 @@
+// The update service: owns the broker of the assistant pipe, lists what the catalogue has, fetches and installs it.
+
+#include <exception>
+#include <iostream>
+
+#include "catalogue.h"
+#include "ipc/channel.h"
+#include "ipc_client/ipc_broker.h"
+#include "ipc_client/ipc_log.h"
+#include "ipc_page_link.h"
+#include "log.h"
+#include "options.h"
+#include "stop_signal.h"
+#include "text.h"
+#include "update_service.h"
+
+namespace update_service {
+namespace {
+
+void OpenLog(const std::filesystem::path& file) {
+    if (!file.empty()) QxLogger::GetInstance()->Open({.file = file});
+    SetIpcLogSink(
+        [](int level, const std::string& line) { LogToQxLogger(static_cast<LOG_MESSAGE_LEVEL>(level), line); });
+}
+
+void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
+    IPCBroker broker(IPC_PIPE_ASSISTANT);
+    broker.Start();
+    IPCMessageClient client(IPC_ENDPOINT_UPDATE_SERVICE, true, false, IPC_PIPE_ASSISTANT);
+    IpcPageLink page(client, LogToQxLogger);
+    ServiceOptions options;
+    options.workFolder = commandLine.workFolder;
+    options.bytesPerSecond = commandLine.bytesPerSecond;
+    options.failAt = commandLine.failAt;
+    UpdateService service(catalogue, options, page, LogToQxLogger);
+    service.GoOn();
+    ReceiveRequests(client, service);
+    LogToQxLogger(LOG_LEVEL_EVENT, "ready " + Utf8FromWide(IPC_PIPE_ASSISTANT));
+
+    LogToQxLogger(LOG_LEVEL_EVENT, std::string("stops: ") + WaitForStopSignal());
+    client.UnRegisterMessageCallbackAll();
+    service.Stop();
+}
+
+int Main(int argc, const char* const* argv) {
+    HoldStopSignals();
+    int exitCode = 0;
+    const auto commandLine = ReadCommandLine(argc, argv, exitCode);
+    if (!commandLine) return exitCode;
+    try {
+        const Catalogue catalogue = ReadCatalogue(commandLine->catalogue);
+        CheckFailKeys(*commandLine, catalogue);
+        std::filesystem::create_directories(commandLine->workFolder);
+        OpenLog(commandLine->logFile);
+        Serve(catalogue, *commandLine);
+    } catch (const std::exception& error) {
+        std::cerr << "update_service: " << error.what() << "\n";
+        exitCode = 1;
+    }
+    SetIpcLogSink({});
+    QxLogger::GetInstance()->Flush();
+    return exitCode;
+}
+
+}  // namespace
+}  // namespace update_service
+
+int main(int argc, char** argv) { return update_service::Main(argc, argv); }

@@ -1,0 +1,68 @@
+#include "service_state.h"
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "durable_file.h"
+
+namespace update_service {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr Phase kPhases[] = {Phase::kIdle,       Phase::kDownloading, Phase::kPaused,
+                             Phase::kInstalling, Phase::kInstalled,   Phase::kFailed};
+
+Phase PhaseOf(const std::string& name) {
+    for (const Phase phase : kPhases) {
+        if (name == NameOf(phase)) return phase;
+    }
+    throw std::runtime_error("\"" + name + "\" is no phase");
+}
+
+}  // namespace
+
+const char* NameOf(Phase phase) {
+    switch (phase) {
+        case Phase::kIdle:
+            return "idle";
+        case Phase::kDownloading:
+            return "downloading";
+        case Phase::kPaused:
+            return "paused";
+        case Phase::kInstalling:
+            return "installing";
+        case Phase::kInstalled:
+            return "installed";
+        case Phase::kFailed:
+            return "failed";
+    }
+    return "";
+}
+
+ServiceState ReadState(const std::filesystem::path& file) {
+    if (!std::filesystem::exists(file)) return {};
+    try {
+        std::ifstream stream(file, std::ios::binary);
+        const Json json = Json::parse(stream);
+        ServiceState state;
+        for (const auto& device : json.at("devices").items()) {
+            state[device.key()] = {PhaseOf(device.value().at("phase").get<std::string>()),
+                                   device.value().at("sha256").get<std::string>()};
+        }
+        return state;
+    } catch (const std::exception& error) {
+        throw std::runtime_error(file.string() + ": " + error.what());
+    }
+}
+
+void WriteState(const std::filesystem::path& file, const ServiceState& state) {
+    Json devices = Json::object();
+    for (const auto& [key, device] : state) {
+        devices[key] = {{"phase", NameOf(device.phase)}, {"sha256", device.sha256}};
+    }
+    ReplaceFile(file, Json{{"devices", std::move(devices)}}.dump(2) + "\n");
+}
+
+}  // namespace update_service

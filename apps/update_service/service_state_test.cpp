@@ -1,0 +1,40 @@
+#include "service_state.h"
+
+#include <gmock/gmock.h>
+
+#include "test_folder.h"
+
+namespace update_service {
+namespace {
+
+TEST(ServiceState, SurvivesTheRoundTrip) {
+    const TestFolder folder;
+    const ServiceState state = {
+        {"a", {Phase::kDownloading, "1"}}, {"b", {Phase::kPaused, "2"}}, {"c", {Phase::kInstalling, "3"}},
+        {"d", {Phase::kInstalled, "4"}},   {"e", {Phase::kFailed, "5"}}, {"\xC3\xA9\"", {Phase::kIdle, ""}},
+    };
+    WriteState(folder / "state.json", state);
+    EXPECT_EQ(ReadState(folder / "state.json"), state);
+    WriteState(folder / "state.json", {});
+    EXPECT_EQ(ReadState(folder / "state.json"), ServiceState());
+}
+
+TEST(ServiceState, IsEmptyWithoutAFile) {
+    const TestFolder folder;
+    EXPECT_EQ(ReadState(folder / "state.json"), ServiceState());
+}
+
+TEST(ServiceState, AFileThatCannotBeUnderstoodIsNamed) {
+    const TestFolder folder;
+    for (const char* text :
+         {"", "{", "[]", "{}", R"({"devices": {"a": {}}})", R"({"devices": {"a": {"phase": "odd", "sha256": ""}}})",
+          R"({"devices": {"a": {"phase": 7, "sha256": ""}}})"}) {
+        WriteFile(folder / "state.json", text);
+        EXPECT_THAT([&] { ReadState(folder / "state.json"); },
+                    testing::ThrowsMessage<std::runtime_error>(testing::HasSubstr((folder / "state.json").string())))
+            << text;
+    }
+}
+
+}  // namespace
+}  // namespace update_service

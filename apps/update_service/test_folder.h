@@ -1,0 +1,47 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace update_service {
+
+// A folder for one test, removed at its end.
+class TestFolder {
+public:
+    TestFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "update_service_XXXXXX").string();
+        m_path = mkdtemp(name.data());
+    }
+    ~TestFolder() { std::filesystem::remove_all(m_path); }
+    TestFolder(const TestFolder&) = delete;
+    TestFolder& operator=(const TestFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+    std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+inline void WriteFile(const std::filesystem::path& file, const std::string& content) {
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+inline std::string ReadFile(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+// Bytes that do not repeat with any power of two.
+inline std::string Bytes(std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * i % 251);
+    return bytes;
+}
+
+}  // namespace update_service

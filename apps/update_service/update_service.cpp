@@ -1,0 +1,153 @@
+#include "update_service.h"
+
+#include <system_error>
+
+namespace update_service {
+
+UpdateService::UpdateService(const Catalogue& catalogue, ServiceOptions options, PageLink& page, Log log)
+    : m_catalogue(catalogue), m_options(std::move(options)), m_page(page), m_log(std::move(log)) {
+    for (const Accessory& accessory : m_catalogue.accessories) m_devices[accessory.deviceKey].accessory = &accessory;
+    ReadDevices();
+}
+
+UpdateService::~UpdateService() { Stop(); }
+
+void UpdateService::ReadDevices() {
+    ServiceState state;
+    try {
+        state = ReadState(StateFile());
+    } catch (const std::exception& error) {
+        std::filesystem::path aside = StateFile();
+        aside += ".bad";
+        std::error_code ignored;
+        std::filesystem::rename(StateFile(), aside, ignored);
+        m_log(LOG_LEVEL_EVENT, std::string("the state file is put aside: ") + error.what());
+    }
+    for (auto& [key, device] : m_devices) {
+        const auto remembered = state.find(key);
+        if (remembered == state.end()) continue;
+        if (remembered->second.sha256 == device.accessory->sha256) {
+            device.phase = remembered->second.phase;
+        } else {
+            RemoveWorkFiles(WorkFilesOf(m_options.workFolder, key));
+            WriteLog(LOG_LEVEL_EVENT, device, "the catalogue has another package now");
+        }
+    }
+}
+
+void UpdateService::GoOn() {
+    for (auto& [key, device] : m_devices) {
+        // Only a device's own worker changes its phase meanwhile, and this one has none yet.
+        if (device.phase != Phase::kDownloading && device.phase != Phase::kInstalling) continue;
+        WriteLog(LOG_LEVEL_EVENT, device, std::string("goes on: it was ") + NameOf(device.phase));
+        Launch(device);
+    }
+}
+
+void UpdateService::OnReady() {
+    std::vector<Accessory> list;
+    {
+        const std::lock_guard guard(m_mutex);
+        for (const Accessory& accessory : m_catalogue.accessories) {
+            if (m_devices.at(accessory.deviceKey).phase != Phase::kInstalled) list.push_back(accessory);
+        }
+    }
+    m_log(LOG_LEVEL_DETAIL, "a page is ready: " + std::to_string(list.size()) + " accessories");
+    m_page.SendList(list);
+}
+
+void UpdateService::OnStart(const std::string& deviceKey) {
+    Device* const device = FindDevice(deviceKey);
+    if (!device) {
+        m_log(LOG_LEVEL_EVENT, deviceKey + ": start refused: the catalogue does not have it");
+        m_page.SendFailed(deviceKey);
+        return;
+    }
+    std::unique_lock guard(m_mutex);
+    switch (device->phase) {
+        case Phase::kDownloading:
+        case Phase::kInstalling:
+            WriteLog(LOG_LEVEL_DETAIL, *device, "runs already");
+            m_page.SendProgress(deviceKey, device->percent);
+            return;
+        case Phase::kInstalled:
+            WriteLog(LOG_LEVEL_DETAIL, *device, "is installed already");
+            m_page.SendEnded(deviceKey);
+            return;
+        case Phase::kIdle:
+        case Phase::kPaused:
+        case Phase::kFailed:
+            break;
+    }
+    guard.unlock();
+    Launch(*device);
+}
+
+void UpdateService::OnPause(const std::string& deviceKey) {
+    Device* const device = FindDevice(deviceKey);
+    if (!device) {
+        m_log(LOG_LEVEL_EVENT, deviceKey + ": pause ignored: the catalogue does not have it");
+        return;
+    }
+    const std::lock_guard guard(m_mutex);
+    if (device->phase != Phase::kDownloading) {
+        WriteLog(LOG_LEVEL_EVENT, *device, std::string("pause ignored: it is ") + NameOf(device->phase));
+        return;
+    }
+    SetPhase(*device, Phase::kPaused);
+    device->worker.request_stop();
+    WriteLog(LOG_LEVEL_DETAIL, *device, "paused at " + std::to_string(device->percent) + " percent");
+}
+
+void UpdateService::Stop() {
+    for (auto& [key, device] : m_devices) device.worker.request_stop();
+    m_stopInstallers.request_stop();
+    for (auto& [key, device] : m_devices) {
+        if (device.worker.joinable()) device.worker.join();
+    }
+}
+
+UpdateService::Device* UpdateService::FindDevice(const std::string& deviceKey) {
+    const auto found = m_devices.find(deviceKey);
+    return found == m_devices.end() ? nullptr : &found->second;
+}
+
+// An earlier worker of the device has come to its end, or does so within one chunk.
+void UpdateService::Launch(Device& device) {
+    if (device.worker.joinable()) device.worker.join();
+    {
+        const std::lock_guard guard(m_mutex);
+        SetPhase(device, Phase::kDownloading);
+    }
+    WriteLog(LOG_LEVEL_DETAIL, device, "started" + FromWhere(device));
+    device.worker = std::jthread([this, &device](std::stop_token stop) { Update(device, stop); });
+}
+
+// What an earlier download has left, for the log.
+std::string UpdateService::FromWhere(const Device& device) const {
+    std::error_code missing;
+    const auto size = std::filesystem::file_size(
+        WorkFilesOf(m_options.workFolder, device.accessory->deviceKey).part, missing);
+    return missing ? "" : ", goes on from byte " + std::to_string(size);
+}
+
+void UpdateService::SetPhase(Device& device, Phase phase) {
+    device.phase = phase;
+    ServiceState state;
+    for (const auto& [key, each] : m_devices) {
+        if (each.phase != Phase::kIdle) state[key] = {each.phase, each.accessory->sha256};
+    }
+    try {
+        WriteState(StateFile(), state);
+    } catch (const std::exception& error) {
+        m_log(LOG_LEVEL_EVENT, std::string("the state cannot be written: ") + error.what());
+    }
+}
+
+void UpdateService::WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) const {
+    m_log(level, device.accessory->deviceKey + ": " + text);
+}
+
+std::filesystem::path UpdateService::StateFile() const { return m_options.workFolder / "state.json"; }
+
+}  // namespace update_service

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <mutex>
+#include <stop_token>
+#include <string>
+#include <thread>
+
+#include "catalogue.h"
+#include "installer.h"
+#include "log.h"
+#include "package_transfer.h"
+#include "page_link.h"
+#include "service_state.h"
+#include "work_files.h"
+
+namespace update_service {
+
+struct ServiceOptions {
+    std::filesystem::path workFolder;            // part files, packages and the state file; must exist
+    std::uint64_t bytesPerSecond = 0;            // of each transfer; 0: no limit
+    std::map<std::string, int> failAt;           // [percent] by device key: the first transfer to get there fails
+    std::chrono::milliseconds stopGrace{10000};  // for installers that run while the service stops
+};
+
+// The updates of all accessories of a catalogue. Each one that runs has a thread of its own:
+//
+//                  start                     hash is right               exit status 0
+//     idle, paused, failed --> downloading ----------------> installing ---------------> installed
+//                                  | | pause                      |
+//              any failure: failed +-+----> paused                +--> failed
+//
+// The installed ones are not listed any more, until the catalogue brings another package. A pause while the installer
+// runs changes nothing: it cannot be stopped half-way, and its end is told as ever. Whatever is asked twice is answered
+// with where the update stands.
+//
+// Each change of a phase is written to the state file before it is told, so that a service that was killed goes on.
+class UpdateService final : public PageRequests {
+public:
+    // Reads the state file. One that cannot be understood is put aside, with a log line. `catalogue`, `page` and `log`
+    // must outlive the service.
+    UpdateService(const Catalogue& catalogue, ServiceOptions options, PageLink& page, Log log);
+    ~UpdateService() override;  // stops
+
+    // Starts again what ran when the last service ended. Call once, before requests come in.
+    void GoOn();
+
+    void OnReady() override;
+    void OnStart(const std::string& deviceKey) override;
+    void OnPause(const std::string& deviceKey) override;
+
+    // Ends the transfers, which go on when the next service starts, and waits for installers as long as the options
+    // say. Nothing is sent afterwards. No request may come in any more.
+    void Stop();
+
+private:
+    struct Device {
+        const Accessory* accessory = nullptr;
+        Phase phase = Phase::kIdle;
+        int percent = 0;      // told last
+        std::jthread worker;  // touched by requests alone
+    };
+
+    void ReadDevices();
+    Device* FindDevice(const std::string& deviceKey);
+    void Launch(Device& device);
+
+    // On the worker's thread.
+    void Update(Device& device, const std::stop_token& stop);
+    bool Fetch(Device& device, const WorkFiles& files, const std::stop_token& stop);
+    void Install(Device& device, const WorkFiles& files);
+    InstallerCall CallOf(const Accessory& accessory, const WorkFiles& files) const;
+    void TellProgress(Device& device, int percent, const std::stop_token& stop);
+
+    // With m_mutex held.
+    void SetPhase(Device& device, Phase phase);
+    void Fail(Device& device, const std::string& reason);
+
+    std::string FromWhere(const Device& device) const;
+    void WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) const;
+    Transfer TransferOf(const Device& device, const WorkFiles& files);
+    std::filesystem::path StateFile() const;
+
+    const Catalogue& m_catalogue;
+    ServiceOptions m_options;
+    PageLink& m_page;
+    const Log m_log;
+    std::stop_source m_stopInstallers;
+
+    std::mutex m_mutex;                       // guards the devices' phases and percentages, the state file and failAt
+    std::map<std::string, Device> m_devices;  // by device key; the map itself never changes
+};
+
+}  // namespace update_service

@@ -1,0 +1,220 @@
+// The built program in a process of its own, over a real pipe.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "sha256.h"
+#include "test_folder.h"
+#include "test_pipe.h"
+
+extern char** environ;
+
+namespace update_service {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using testing::HasSubstr;
+
+constexpr std::size_t kSize = 500 * 1000;  // [bytes] of a package
+
+class ServiceProcess : public testing::Test {
+protected:
+    // A service that still runs ends cleanly, which says also that no sanitizer has found anything in it.
+    ~ServiceProcess() override {
+        if (m_process <= 0) return;
+        kill(m_process, SIGTERM);
+        EXPECT_EQ(Wait(), 0) << Errors();
+    }
+
+    void AddAccessory(const std::string& key) {
+        WriteFile(m_folder / (key + ".source"), Bytes(kSize));
+        m_entries.push_back({{"deviceKey", key},
+                             {"modelId", "IDS_" + key},
+                             {"image", key + ".png"},
+                             {"version", "2"},
+                             {"driver", true},
+                             {"package", key + ".source"},
+                             {"sha256", *Sha256OfFile(m_folder / (key + ".source"))},
+                             {"installer", "cp \"$1\" \"$ACCESSORY_KEY.installed\""}});
+        WriteFile(m_folder / "catalogue.json", Json{{"accessories", m_entries}}.dump());
+    }
+
+    // Starts the program; its standard error goes to the file "stderr".
+    void Start(std::vector<std::string> options = {}) {
+        options.insert(options.begin(), {UPDATE_SERVICE_PROGRAM, "--catalogue", (m_folder / "catalogue.json").string(),
+                                         "--work-dir", (m_folder / "work").string()});
+        std::vector<char*> arguments;
+        for (std::string& option : options) arguments.push_back(option.data());
+        arguments.push_back(nullptr);
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, 2, (m_folder / "stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                         0644);
+        ASSERT_EQ(posix_spawn(&m_process, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
+        posix_spawn_file_actions_destroy(&actions);
+    }
+
+    // Waits for the process's end and returns its exit status, or minus the signal that ended it.
+    int Wait() {
+        int status = 0;
+        waitpid(m_process, &status, 0);
+        m_process = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+    int Kill() {
+        kill(m_process, SIGKILL);
+        return Wait();
+    }
+
+    std::string Errors() const { return ReadFile(m_folder / "stderr"); }
+
+    bool WaitForError(const std::string& text) const {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (Errors().find(text) == std::string::npos) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
+    bool WaitForPercent(const std::string& key, int percent) {
+        return m_page.Wait([&](const auto& messages) {
+            const std::vector<int> told = Percentages(messages, key);
+            return !told.empty() && told.back() >= percent;
+        });
+    }
+
+    // What the page was told of one accessory's progress.
+    static std::vector<int> Percentages(const std::vector<PipePage::Message>& messages, const std::string& key) {
+        std::vector<int> percentages;
+        for (const PipePage::Message& message : messages) {
+            if (message.msgId != IPC_MSG_DOWNLOAD_PROCESS) continue;
+            const auto progress = DecodePayload<PkgDownloadProcess>(message.data);
+            if (progress.deviceKey == key) percentages.push_back(progress.progress);
+        }
+        return percentages;
+    }
+
+    std::vector<std::string> ListedKeys() {
+        EXPECT_TRUE(m_page.Wait([](const auto& messages) { return HasList(messages); }));
+        std::vector<std::string> keys;
+        for (const PipePage::Message& message : m_page.Messages()) {
+            if (message.msgId != IPC_MSG_ALL_UPDATE_DATA) continue;
+            for (const auto& record : DecodePayload<std::vector<AccessoryVersionDataInfo>>(message.data)) {
+                keys.push_back(record.deviceKey);
+            }
+        }
+        return keys;
+    }
+
+    static bool HasList(const std::vector<PipePage::Message>& messages) {
+        return std::any_of(messages.begin(), messages.end(),
+                           [](const auto& message) { return message.msgId == IPC_MSG_ALL_UPDATE_DATA; });
+    }
+
+    bool IsInstalled(const std::string& key) const { return ReadFile(m_folder / (key + ".installed")) == Bytes(kSize); }
+
+    TestFolder m_folder;
+    TestPipe m_pipe;
+    PipePage m_page;
+    Json m_entries = Json::array();
+    pid_t m_process = 0;
+};
+
+TEST_F(ServiceProcess, APageThatWasThereFirstGetsItsListAndItsUpdate) {
+    AddAccessory("pen");
+    AddAccessory("dock");
+    m_page.Ready();
+    Start();
+    EXPECT_THAT(ListedKeys(), testing::ElementsAre("pen", "dock"));
+    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
+    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FINISH, "pen"));
+    EXPECT_EQ(Percentages(m_page.Messages(), "pen").size(), 101u);
+    EXPECT_TRUE(IsInstalled("pen"));
+}
+
+TEST_F(ServiceProcess, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAgain) {
+    AddAccessory("pen");
+    Start({"--rate", "200000"});
+    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
+    ASSERT_TRUE(WaitForPercent("pen", 10));
+    EXPECT_EQ(Kill(), -SIGKILL);
+    const auto part = std::filesystem::file_size(m_folder / "work" / "pen.part");
+    EXPECT_GE(part, kSize / 10);
+    EXPECT_LT(part, kSize);
+
+    Start();
+    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FINISH, "pen"));
+    EXPECT_TRUE(IsInstalled("pen"));
+    const std::vector<int> told = Percentages(m_page.Messages(), "pen");
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));  // it did not begin anew
+    EXPECT_EQ(told.back(), 100);
+    EXPECT_THAT(Errors(), HasSubstr("pen: goes on: it was downloading"));
+}
+
+TEST_F(ServiceProcess, SignalsThatAskForItStopItCleanly) {
+    AddAccessory("pen");
+    for (const int number : {SIGTERM, SIGINT}) {
+        Start({"--rate", "100000"});
+        m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
+        ASSERT_TRUE(WaitForError("ready"));
+        ASSERT_TRUE(WaitForPercent("pen", 1));
+        kill(m_process, number);
+        EXPECT_EQ(Wait(), 0);
+        EXPECT_GT(std::filesystem::file_size(m_folder / "work" / "pen.part"), 0u);
+        EXPECT_THAT(Errors(), HasSubstr(number == SIGTERM ? "stops: SIGTERM" : "stops: SIGINT"));
+    }
+}
+
+TEST_F(ServiceProcess, SaysWhenItIsReadyOnTheConsoleAndInTheLogFile) {
+    AddAccessory("pen");
+    Start({"--log-file", (m_folder / "service.log").string()});
+    const std::string ready = "[4] [UpdateService]ready \\\\.\\Pipe\\iKorvelAssistant\n";
+    ASSERT_TRUE(WaitForError(ready));
+    EXPECT_THAT(ReadFile(m_folder / "service.log"), HasSubstr(ready));
+}
+
+TEST_F(ServiceProcess, ADownloadThatIsToFailDoesSoOnce) {
+    AddAccessory("pen");
+    Start({"--fail", "pen:30"});
+    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
+    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FAIL, "pen"));
+    EXPECT_EQ(Percentages(m_page.Messages(), "pen").back(), 30);
+    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
+    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FINISH, "pen"));
+    EXPECT_TRUE(IsInstalled("pen"));
+}
+
+TEST_F(ServiceProcess, ErrorsAtItsStartAreToldAndGiveExitCodeOne) {
+    AddAccessory("pen");
+    Start({"--fail", "pencil:30"});
+    EXPECT_EQ(Wait(), 1);
+    EXPECT_THAT(Errors(), HasSubstr("has no accessory \"pencil\""));
+
+    WriteFile(m_folder / "catalogue.json", R"({"accessories": [{"deviceKey": 7}]})");
+    Start();
+    EXPECT_EQ(Wait(), 1);
+    EXPECT_THAT(Errors(), HasSubstr("catalogue.json: accessories[0].deviceKey: must be a text"));
+}
+
+TEST_F(ServiceProcess, ASecondOneOnThePipeEndsAndLeavesTheFirstAlone) {
+    AddAccessory("pen");
+    Start();
+    ASSERT_TRUE(WaitForError("ready"));
+    const pid_t first = m_process;
+    Start();
+    EXPECT_EQ(Wait(), 1);
+    m_process = first;
+    m_page.Ready();
+    EXPECT_THAT(ListedKeys(), testing::ElementsAre("pen"));
+}
+
+}  // namespace
+}  // namespace update_service

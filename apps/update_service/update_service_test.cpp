@@ -1,0 +1,337 @@
+#include "update_service.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "service_test_support.h"
+
+namespace update_service {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+std::vector<int> Percentages(int first, int last) {
+    std::vector<int> all(static_cast<std::size_t>(last - first + 1));
+    std::iota(all.begin(), all.end(), first);
+    return all;
+}
+
+TEST_F(ServiceTest, AReadyPageGetsTheListInTheOrderOfTheCatalogue) {
+    for (const char* key : {"pen", "mouse", "dock"}) AddAccessory(key);
+    Start();
+    m_service->OnReady();
+    EXPECT_TRUE(Told("list pen mouse dock"));
+}
+
+TEST_F(ServiceTest, AStartFetchesInstallsAndTellsTheEnd) {
+    AddAccessory("pen");
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    EXPECT_EQ(Progress("pen"), Percentages(0, 100));
+    EXPECT_TRUE(IsInstalled("pen"));
+    EXPECT_EQ(ReadFile(WorkFilesOf(m_options.workFolder, "pen").package), Bytes(kSize));
+    EXPECT_TRUE(m_log.Has("pen: installed version 2"));
+}
+
+TEST_F(ServiceTest, WhatIsInstalledIsNotListedAgain) {
+    for (const char* key : {"pen", "mouse"}) AddAccessory(key);
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    m_service->OnReady();
+    EXPECT_TRUE(Told("list mouse"));
+    Start();
+    m_service->OnReady();
+    EXPECT_TRUE(Told("list mouse", 2));
+}
+
+TEST_F(ServiceTest, AStartOfWhatIsInstalledIsAnsweredWithTheEnd) {
+    AddAccessory("pen");
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("ended pen", 2));
+}
+
+TEST_F(ServiceTest, AnotherPackageInTheCatalogueMakesAnAccessoryNewAgain) {
+    AddAccessory("pen");
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    const WorkFiles files = WorkFilesOf(m_options.workFolder, "pen");
+    WriteFile(files.part, "of the old package");
+
+    WriteFile(m_catalogue.accessories[0].package, "new");
+    m_service.reset();
+    m_catalogue.accessories[0].sha256 = *Sha256OfFile(m_catalogue.accessories[0].package);
+    Start();
+    EXPECT_FALSE(std::filesystem::exists(files.part));
+    m_service->OnReady();
+    EXPECT_TRUE(Told("list pen"));
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("ended pen", 2));
+    EXPECT_EQ(ReadFile(m_folder / "pen.installed"), "new");
+}
+
+TEST_F(ServiceTest, APauseKeepsThePartFileAndAStartGoesOnFromIt) {
+    AddAccessory("pen");
+    m_options.bytesPerSecond = kSlow;
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("progress pen 5"));
+    m_service->OnPause("pen");
+    EXPECT_EQ(Remembered("pen"), Phase::kPaused);
+    const std::vector<int> before = Progress("pen");
+    EXPECT_LT(before.back(), 100);
+    m_service->Stop();  // the worker has come to its end
+    EXPECT_EQ(Progress("pen"), before);
+    EXPECT_GE(PartSize("pen"), kSize / 20);
+
+    m_options.bytesPerSecond = 0;
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    std::vector<int> after = Progress("pen");
+    after.erase(after.begin(), after.begin() + static_cast<std::ptrdiff_t>(before.size()));
+    EXPECT_GE(after.front(), before.back());
+    EXPECT_EQ(after, Percentages(after.front(), 100));
+    EXPECT_TRUE(IsInstalled("pen"));
+}
+
+TEST_F(ServiceTest, PausesAndStartsInQuickSuccessionLoseNothing) {
+    AddAccessory("pen");
+    m_options.bytesPerSecond = 4 * kSlow;
+    Start();
+    for (int i = 0; i < 50; ++i) {
+        m_service->OnStart("pen");
+        m_service->OnPause("pen");
+    }
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    EXPECT_TRUE(IsInstalled("pen"));
+    EXPECT_THAT(m_page.told.Lines(), Not(Contains("failed pen")));
+}
+
+TEST_F(ServiceTest, AStartWhileItRunsIsAnsweredWithThePresentProgress) {
+    AddAccessory("pen");
+    m_options.bytesPerSecond = kSlow;
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("progress pen 5"));
+    m_service->OnStart("pen");
+    const std::vector<int> progress = Progress("pen");
+    EXPECT_NE(std::adjacent_find(progress.begin(), progress.end()), progress.end());
+    EXPECT_TRUE(m_log.Has("pen: runs already"));
+}
+
+TEST_F(ServiceTest, APauseDuringTheInstallationIsIgnoredAndItsEndIsTold) {
+    AddAccessory("pen");
+    m_catalogue.accessories[0].installer = WaitingInstaller();
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(m_log.Has("pen: the installer starts"));
+    m_service->OnPause("pen");
+    EXPECT_TRUE(m_log.Has("pen: pause ignored: it is installing"));
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("progress pen 100", 2));
+    LetInstall();
+    EXPECT_TRUE(Told("ended pen"));
+}
+
+TEST_F(ServiceTest, APauseOfWhatDoesNotRunIsIgnored) {
+    AddAccessory("pen");
+    Start();
+    m_service->OnPause("pen");
+    EXPECT_TRUE(m_log.Has("pen: pause ignored: it is idle"));
+    m_service->OnPause("unknown");
+    EXPECT_TRUE(m_log.Has("unknown: pause ignored: the catalogue does not have it"));
+    EXPECT_TRUE(m_page.told.Lines().empty());
+}
+
+TEST_F(ServiceTest, AStartOfAnUnknownAccessoryFails) {
+    Start();
+    m_service->OnStart("unknown");
+    EXPECT_TRUE(Told("failed unknown"));
+    EXPECT_TRUE(m_log.Has("unknown: start refused: the catalogue does not have it"));
+}
+
+TEST_F(ServiceTest, AMissingPackageFailsAndARetrySucceedsOnceItIsThere) {
+    AddAccessory("pen");
+    const auto package = m_catalogue.accessories[0].package;
+    std::filesystem::remove(package);
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("failed pen"));
+    EXPECT_THAT(m_log.Lines(), Contains(testing::AllOf(HasSubstr("pen: failed: "), HasSubstr("No such file"),
+                                                       HasSubstr(package.string()))));
+    EXPECT_EQ(Remembered("pen"), Phase::kFailed);
+    WriteFile(package, Bytes(kSize));
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("ended pen"));
+}
+
+TEST_F(ServiceTest, ADamagedPackageFailsBeforeItsInstallation) {
+    AddAccessory("pen");
+    WriteFile(m_catalogue.accessories[0].package, "damaged");
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("failed pen"));
+    EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("is damaged: its SHA-256 is")));
+    EXPECT_FALSE(IsInstalled("pen"));
+    EXPECT_THAT(m_page.told.Lines(), Not(Contains("progress pen 100")));
+    WriteFile(m_catalogue.accessories[0].package, Bytes(kSize));
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("ended pen"));
+    EXPECT_TRUE(IsInstalled("pen"));
+}
+
+TEST_F(ServiceTest, AFailingInstallerIsToldAndARetryDoesNotFetchAgain) {
+    AddAccessory("pen");
+    m_catalogue.accessories[0].installer = Shell("test -e allowed || exit 7");
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("failed pen"));
+    EXPECT_TRUE(m_log.Has("pen: failed: installer: exit status 7"));
+    std::filesystem::remove(m_catalogue.accessories[0].package);
+    WriteFile(m_folder / "allowed", "");
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("ended pen"));
+    EXPECT_EQ(Progress("pen").back(), 100);
+}
+
+TEST_F(ServiceTest, AFullDiskFailsAndTheLogSaysSo) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device here";
+    AddAccessory("pen");
+    std::filesystem::create_symlink("/dev/full", WorkFilesOf(m_options.workFolder, "pen").part);
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("failed pen"));
+    EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("No space left on device")));
+}
+
+TEST_F(ServiceTest, ADownloadThatIsToFailDoesSoOnce) {
+    AddAccessory("pen");
+    m_options.failAt["pen"] = 40;
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("failed pen"));
+    EXPECT_EQ(Progress("pen"), Percentages(0, 40));
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    EXPECT_TRUE(IsInstalled("pen"));
+    EXPECT_TRUE(m_log.Has("pen: failed: at 40 percent, as asked for"));
+}
+
+TEST_F(ServiceTest, SeveralAccessoriesAreUpdatedAtOnce) {
+    const std::vector<std::string> keys = {"a", "b", "c", "d", "e"};
+    for (const std::string& key : keys) AddAccessory(key);
+    m_options.bytesPerSecond = kSlow;
+    Start();
+    for (const std::string& key : keys) m_service->OnStart(key);
+    for (const std::string& key : keys) EXPECT_TRUE(Told("progress " + key + " 5"));
+    EXPECT_THAT(m_page.told.Lines(), Not(Contains(testing::StartsWith("ended"))));  // none waited for another one
+    m_service->OnPause("c");
+    m_options.bytesPerSecond = 0;
+    Start();
+    for (const std::string key : {"a", "b", "d", "e"}) {
+        EXPECT_TRUE(Told("ended " + key));
+        EXPECT_TRUE(IsInstalled(key));
+    }
+    EXPECT_THAT(m_page.told.Lines(), Not(Contains("ended c")));
+    m_service->OnStart("c");
+    EXPECT_TRUE(Told("ended c"));
+    EXPECT_TRUE(IsInstalled("c"));
+    m_service->OnReady();
+    EXPECT_TRUE(Told("list"));
+}
+
+TEST_F(ServiceTest, AnInstallerThatRunsHoldsUpNobodyElse) {
+    AddAccessory("slow");
+    AddAccessory("quick");
+    m_catalogue.accessories[0].installer = WaitingInstaller();
+    Start();
+    m_service->OnStart("slow");
+    ASSERT_TRUE(m_log.Has("slow: the installer starts"));
+    m_service->OnStart("quick");
+    EXPECT_TRUE(Told("ended quick"));
+    EXPECT_THAT(m_page.told.Lines(), Not(Contains("ended slow")));
+    LetInstall();
+    EXPECT_TRUE(Told("ended slow"));
+}
+
+TEST_F(ServiceTest, ADownloadThatRanWhenTheServiceStoppedGoesOnByItself) {
+    AddAccessory("pen");
+    m_options.bytesPerSecond = kSlow;
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("progress pen 5"));
+    m_service->Stop();
+    EXPECT_EQ(Remembered("pen"), Phase::kDownloading);
+    const std::vector<int> before = Progress("pen");
+
+    m_options.bytesPerSecond = 0;
+    Start();
+    ASSERT_TRUE(Told("ended pen"));
+    const std::vector<int> all = Progress("pen");
+    EXPECT_GE(all.at(before.size()), before.back());
+    EXPECT_TRUE(IsInstalled("pen"));
+    EXPECT_TRUE(m_log.Has("pen: goes on: it was downloading"));
+}
+
+TEST_F(ServiceTest, APausedDownloadStaysPausedInTheNextService) {
+    AddAccessory("pen");
+    m_options.bytesPerSecond = kSlow;
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("progress pen 5"));
+    m_service->OnPause("pen");
+    Start();
+    m_service->OnPause("pen");
+    EXPECT_TRUE(m_log.Has("pen: pause ignored: it is paused"));
+}
+
+TEST_F(ServiceTest, AnInstallationThatWasCutOffIsDoneAgain) {
+    AddAccessory("pen");
+    m_catalogue.accessories[0].installer = WaitingInstaller();
+    m_options.stopGrace = std::chrono::milliseconds(0);
+    Start();
+    m_service->OnStart("pen");
+    ASSERT_TRUE(m_log.Has("pen: the installer starts"));
+    m_service->Stop();
+    EXPECT_TRUE(m_log.Has("pen: the installer still runs while the service stops"));
+    EXPECT_EQ(Remembered("pen"), Phase::kInstalling);
+    LetInstall();  // ends the abandoned one
+
+    m_service.reset();
+    m_catalogue.accessories[0].installer = Shell("cp \"$1\" pen.installed");
+    Start();
+    ASSERT_TRUE(Told("ended pen"));
+    EXPECT_TRUE(m_log.Has("pen: goes on: it was installing"));
+    EXPECT_TRUE(IsInstalled("pen"));
+}
+
+TEST_F(ServiceTest, AStateFileThatCannotBeUnderstoodIsPutAside) {
+    AddAccessory("pen");
+    WriteFile(m_options.workFolder / "state.json", "rubbish");
+    Start();
+    EXPECT_EQ(ReadFile(m_options.workFolder / "state.json.bad"), "rubbish");
+    EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("the state file is put aside")));
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("ended pen"));
+}
+
+TEST_F(ServiceTest, AStateThatCannotBeWrittenIsLoggedAndTheUpdateGoesOn) {
+    AddAccessory("pen");
+    std::filesystem::create_directory(m_options.workFolder / "state.json.new");
+    Start();
+    m_service->OnStart("pen");
+    EXPECT_TRUE(Told("ended pen"));
+    EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("the state cannot be written")));
+}
+
+}  // namespace
+}  // namespace update_service

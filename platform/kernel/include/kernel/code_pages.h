@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+#include "kernel/export.h"
+
+// Text conversion between narrow code pages and wide strings, as Windows does it with flags 0. On Windows the system's
+// own functions are called; elsewhere this library converts.
+//
+// Both functions: `length` is explicit (no terminator is looked for, embedded zeros are converted); a destination
+// capacity of 0 asks for the needed length and writes nothing. The result is the number of characters or bytes, or 0
+// for an empty source, a negative length, an unknown code page, flags other than 0, or a destination that is too small
+// (what fits may have been written). Any thread.
+namespace kernel {
+
+inline constexpr unsigned kCodePageAnsi = 0;      // CP_ACP: the process's ANSI page
+inline constexpr unsigned kCodePageUtf8 = 65001;  // CP_UTF8
+
+// Invalid bytes become the page's default character; in UTF-8 one U+FFFD for each maximal ill-formed subpart. The bytes
+// that 1252 and its relatives leave free between 80 and 9F are the control characters of those numbers. Where wchar_t
+// has 32 bits, a character beyond the basic plane is one wide character.
+KERNEL_API int MultiByteToWideChar(unsigned codePage, std::uint32_t flags, const char* source, int length,
+                                   wchar_t* destination, int capacity);
+
+// Characters that the page lacks become the page's default character ('?'), two of them beyond the basic plane, which
+// takes two UTF-16 units; outside Windows no similar character ("best fit") is looked for. `defaultCharacter` and
+// `usedDefaultCharacter` must be null, as the module passes them: the result is 0 otherwise. Unpaired surrogates become
+// U+FFFD in UTF-8; pairs are joined.
+KERNEL_API int WideCharToMultiByte(unsigned codePage, std::uint32_t flags, const wchar_t* source, int length,
+                                   char* destination, int capacity, const char* defaultCharacter,
+                                   bool* usedDefaultCharacter);
+
+// Chooses the page that kCodePageAnsi stands for in this process: 65001 (the default where the system has no code
+// pages), 1252 or 936, or any page of one- or two-byte characters that the system converts. Returns false, and changes
+// nothing, for any other. Any thread. Not on Windows, where the system decides.
+KERNEL_API bool SetAnsiCodePage(unsigned codePage);
+
+}  // namespace kernel

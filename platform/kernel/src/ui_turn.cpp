@@ -1,0 +1,97 @@
+#include "kernel/ui_turn.h"
+
+#include <condition_variable>
+#include <mutex>
+
+#include "waiting_turns.h"
+
+namespace kernel {
+namespace {
+
+// How deep this thread holds the turn; 0 on a thread that does not hold it.
+thread_local unsigned t_depth = 0;
+
+// A lock that is handed from its holder straight to whoever has waited longest, so nobody can overtake. Waiters stand
+// on their own stacks: taking the turn allocates nothing and cannot fail.
+class FairLock {
+public:
+    void Acquire() {
+        std::unique_lock guard(m_mutex);
+        if (!m_held) {
+            m_held = true;
+            return;
+        }
+        Waiter self;
+        (m_last ? m_last->next : m_first) = &self;
+        m_last = &self;
+        ++m_waiting;
+        self.wake.wait(guard, [&self] { return self.granted; });
+    }
+
+    void Release() {
+        const std::lock_guard guard(m_mutex);
+        if (!m_first) {
+            m_held = false;
+            return;
+        }
+        Waiter& next = *m_first;
+        m_first = next.next;
+        if (!m_first) m_last = nullptr;
+        --m_waiting;
+        next.granted = true;
+        next.wake.notify_one();  // under the mutex: once it is free, `next` may be gone
+    }
+
+    std::size_t Waiting() {
+        const std::lock_guard guard(m_mutex);
+        return m_waiting;
+    }
+
+private:
+    struct Waiter {
+        std::condition_variable wake;
+        bool granted = false;
+        Waiter* next = nullptr;
+    };
+
+    std::mutex m_mutex;
+    bool m_held = false;
+    Waiter* m_first = nullptr;  // has waited longest
+    Waiter* m_last = nullptr;
+    std::size_t m_waiting = 0;
+};
+
+// Never destroyed: delivery threads may still ask for the turn while the process exits.
+FairLock& Turn() {
+    static FairLock& lock = *new FairLock;
+    return lock;
+}
+
+}  // namespace
+
+UiTurn::UiTurn() {
+    if (t_depth == 0) Turn().Acquire();
+    ++t_depth;
+}
+
+UiTurn::~UiTurn() {
+    if (--t_depth == 0) Turn().Release();
+}
+
+bool UiTurn::IsHeld() { return t_depth != 0; }
+
+UiTurnPause::UiTurnPause() : m_depth(t_depth) {
+    if (m_depth == 0) return;
+    t_depth = 0;
+    Turn().Release();
+}
+
+UiTurnPause::~UiTurnPause() {
+    if (m_depth == 0) return;
+    Turn().Acquire();
+    t_depth = m_depth;
+}
+
+std::size_t WaitingTurns() { return Turn().Waiting(); }
+
+}  // namespace kernel

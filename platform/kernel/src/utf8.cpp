@@ -1,0 +1,61 @@
+#include "utf8.h"
+
+namespace kernel {
+namespace {
+
+// What may follow a first byte. The limits of the second byte exclude overlong forms, surrogates and what is beyond
+// U+10FFFF; later bytes are 80..BF.
+struct Sequence {
+    std::size_t size;  // 0: the byte cannot begin a character
+    unsigned char secondLow;
+    unsigned char secondHigh;
+    char32_t firstBits;
+};
+
+Sequence SequenceOf(unsigned char first) {
+    if (first < 0x80) return {1, 0, 0, first};
+    if (first < 0xC2) return {0, 0, 0, 0};
+    if (first < 0xE0) return {2, 0x80, 0xBF, first & 0x1Fu};
+    if (first < 0xF0) {
+        const unsigned char low = first == 0xE0 ? 0xA0 : 0x80;
+        const unsigned char high = first == 0xED ? 0x9F : 0xBF;
+        return {3, low, high, first & 0x0Fu};
+    }
+    if (first < 0xF5) {
+        const unsigned char low = first == 0xF0 ? 0x90 : 0x80;
+        const unsigned char high = first == 0xF4 ? 0x8F : 0xBF;
+        return {4, low, high, first & 0x07u};
+    }
+    return {0, 0, 0, 0};
+}
+
+}  // namespace
+
+DecodedCharacter DecodeUtf8(std::string_view text) {
+    const Sequence sequence = SequenceOf(static_cast<unsigned char>(text[0]));
+    if (sequence.size == 0) return {kReplacementCharacter, 1};
+    char32_t character = sequence.firstBits;
+    for (std::size_t i = 1; i < sequence.size; ++i) {
+        if (i == text.size()) return {kReplacementCharacter, i};
+        const unsigned char low = i == 1 ? sequence.secondLow : 0x80;
+        const unsigned char high = i == 1 ? sequence.secondHigh : 0xBF;
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte < low || byte > high) return {kReplacementCharacter, i};
+        character = (character << 6) | (byte & 0x3Fu);
+    }
+    return {character, sequence.size};
+}
+
+std::size_t EncodeUtf8(char32_t character, char (&bytes)[4]) {
+    if (character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) character = kReplacementCharacter;
+    const std::size_t size = character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
+    static constexpr unsigned char kMark[] = {0, 0x00, 0xC0, 0xE0, 0xF0};
+    for (std::size_t i = size - 1; i > 0; --i) {
+        bytes[i] = static_cast<char>(0x80 | (character & 0x3F));
+        character >>= 6;
+    }
+    bytes[0] = static_cast<char>(kMark[size] | character);
+    return size;
+}
+
+}  // namespace kernel

@@ -1,0 +1,105 @@
+#include "qx_logger/qx_logger.h"
+
+#include <spdlog/logger.h>
+#include <spdlog/sinks/rotating_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <memory>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "kernel/code_pages.h"
+
+namespace {
+
+using Sinks = std::vector<spdlog::sink_ptr>;
+
+// The sinks are the unlocked kind: the logger's own mutex is held around every line.
+std::unique_ptr<spdlog::logger> MakeBackEnd(const Sinks& sinks) {
+    auto backEnd = std::make_unique<spdlog::logger>("qx", sinks.begin(), sinks.end());
+    backEnd->set_pattern("%Y-%m-%d %H:%M:%S.%e %v");
+    backEnd->set_level(spdlog::level::trace);
+    backEnd->flush_on(spdlog::level::warn);
+    backEnd->set_error_handler([](const std::string&) {});
+    return backEnd;
+}
+
+spdlog::level::level_enum BackEndLevel(LOG_MESSAGE_LEVEL level) {
+    return level >= LOG_LEVEL_EVENT ? spdlog::level::warn : spdlog::level::info;
+}
+
+std::string Utf8(const std::wstring& text) {
+    const int size = static_cast<int>(text.size());
+    const auto convert = [&](char* to, int capacity) {
+        return kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, text.data(), size, to, capacity, nullptr, nullptr);
+    };
+    std::string bytes(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
+    convert(bytes.data(), static_cast<int>(bytes.size()));
+    return bytes;
+}
+
+// One line whatever the text holds: line breaks inside it are written as escapes.
+std::string Line(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
+    std::string line = "[";
+    line += std::to_string(level) + "] ";
+    for (const char byte : Utf8(text)) {
+        if (byte == '\n') {
+            line += "\\n";
+        } else if (byte == '\r') {
+            line += "\\r";
+        } else {
+            line += byte;
+        }
+    }
+    return line;
+}
+
+}  // namespace
+
+struct QxLogger::State {
+    std::mutex mutex;  // guards what follows, and keeps lines apart
+    std::unique_ptr<spdlog::logger> backEnd = MakeBackEnd({std::make_shared<spdlog::sinks::stderr_sink_st>()});
+};
+
+QxLogger::QxLogger() : m_state(new State) {}
+QxLogger::~QxLogger() { delete m_state; }
+
+// Never destroyed: delivery threads may still log while the process exits. The C library writes out what is buffered.
+QxLogger* QxLogger::GetInstance() {
+    static QxLogger* const instance = new QxLogger;
+    return instance;
+}
+
+void QxLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line) {
+    try {
+        const std::string text = Line(level, line.str());
+        const std::lock_guard guard(m_state->mutex);
+        m_state->backEnd->log(BackEndLevel(level), text);
+    } catch (const std::exception&) {
+        // Out of memory: the line is dropped.
+    }
+}
+
+void QxLogger::Open(const Options& options) {
+    Sinks sinks;
+    if (options.console) sinks.push_back(std::make_shared<spdlog::sinks::stderr_sink_st>());
+    if (!options.file.empty()) {
+        try {
+            sinks.push_back(std::make_shared<spdlog::sinks::rotating_file_sink_st>(
+                options.file.string(), options.maxFileBytes, options.maxFiles));
+        } catch (const spdlog::spdlog_ex& error) {
+            throw std::runtime_error("cannot open the log file \"" + options.file.string() + "\": " + error.what());
+        }
+    }
+    auto backEnd = MakeBackEnd(sinks);
+    const std::lock_guard guard(m_state->mutex);
+    m_state->backEnd->flush();
+    m_state->backEnd = std::move(backEnd);
+}
+
+void QxLogger::Flush() {
+    const std::lock_guard guard(m_state->mutex);
+    m_state->backEnd->flush();
+}

@@ -1,0 +1,169 @@
+#include "qx_logger/qx_logger.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+class Logger : public testing::Test {
+protected:
+    Logger() {
+        std::string name = (std::filesystem::temp_directory_path() / "qx_logger_XXXXXX").string();
+        m_folder = mkdtemp(name.data());
+    }
+    ~Logger() override {
+        QxLogger::GetInstance()->Open({});
+        std::filesystem::remove_all(m_folder);
+    }
+
+    void OpenFile() { QxLogger::GetInstance()->Open({.file = File(), .console = false}); }
+    std::filesystem::path File() const { return m_folder / "page.log"; }
+
+    static void Log(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
+        std::wstringstream line;
+        line << text;
+        QxLogger::GetInstance()->Log(level, line);
+    }
+
+    std::vector<std::string> Lines() const {
+        QxLogger::GetInstance()->Flush();
+        std::ifstream file(File());
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(file, line);) lines.push_back(line);
+        return lines;
+    }
+
+    std::filesystem::path m_folder;
+};
+
+TEST_F(Logger, ALineHasTheTimeAndTheLevelNumberBesideTheText) {
+    OpenFile();
+    Log(LOG_LEVEL_DETAIL, L"[AccessoryLog]InitItemLayout enter(F)");
+    Log(LOG_LEVEL_EVENT, L"[AccessoryLog]init access(G)");
+    const std::string time = "[0-9]+-[0-9][0-9]-[0-9][0-9] [0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9][0-9][0-9]";
+    EXPECT_THAT(Lines(), ElementsAre(MatchesRegex(time + " \\[3\\] \\[AccessoryLog\\]InitItemLayout enter\\(F\\)"),
+                                     MatchesRegex(time + " \\[4\\] \\[AccessoryLog\\]init access\\(G\\)")));
+}
+
+TEST_F(Logger, TextIsWrittenAsUtf8) {
+    OpenFile();
+    Log(LOG_LEVEL_EVENT, L"\u00E9\u6F22\U0001F5B1");
+    EXPECT_THAT(Lines(), ElementsAre(EndsWith("] \xC3\xA9\xE6\xBC\xA2\xF0\x9F\x96\xB1")));
+}
+
+TEST_F(Logger, AnUnpairedSurrogateIsReplacedAndTheRestOfTheLineArrives) {
+    OpenFile();
+    Log(LOG_LEVEL_EVENT, L"a" + std::wstring(1, wchar_t{0xD83D}) + L"z");
+    EXPECT_THAT(Lines(), ElementsAre(EndsWith("] a\xEF\xBF\xBDz")));
+}
+
+TEST_F(Logger, AStreamInFailedStateDeliversWhatWasWrittenUpToThere) {
+    OpenFile();
+    std::wstringstream line;
+    line << L"before";
+    line.setstate(std::ios::failbit | std::ios::badbit);
+    line << L"after";
+    QxLogger::GetInstance()->Log(LOG_LEVEL_EVENT, line);
+    EXPECT_THAT(Lines(), ElementsAre(EndsWith("] before")));
+    EXPECT_TRUE(line.bad());
+    EXPECT_EQ(line.str(), L"before");
+}
+
+TEST_F(Logger, AnEmptyTextIsALineOfItsOwn) {
+    OpenFile();
+    Log(LOG_LEVEL_EVENT, L"");
+    EXPECT_THAT(Lines(), ElementsAre(EndsWith(" [4] ")));
+}
+
+TEST_F(Logger, LineBreaksInsideATextDoNotMakeASecondLine) {
+    OpenFile();
+    Log(LOG_LEVEL_EVENT, L"one\r\ntwo");
+    EXPECT_THAT(Lines(), ElementsAre(EndsWith("] one\\r\\ntwo")));
+}
+
+TEST_F(Logger, BracesInATextAreText) {
+    OpenFile();
+    Log(LOG_LEVEL_EVENT, L"{0} {} %s %v");
+    EXPECT_THAT(Lines(), ElementsAre(EndsWith("] {0} {} %s %v")));
+}
+
+TEST_F(Logger, WritesToTheConsoleUntilAFileIsChosen) {
+    QxLogger::GetInstance()->Open({});
+    testing::internal::CaptureStderr();
+    Log(LOG_LEVEL_DETAIL, L"seen");
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), EndsWith(" [3] seen\n"));
+}
+
+TEST_F(Logger, TheConsoleCanBeKeptBesideTheFileOrLeftOut) {
+    for (const bool console : {true, false}) {
+        QxLogger::GetInstance()->Open({.file = File(), .console = console});
+        testing::internal::CaptureStderr();
+        Log(LOG_LEVEL_EVENT, L"seen");
+        EXPECT_EQ(testing::internal::GetCapturedStderr().find("seen") != std::string::npos, console);
+    }
+    EXPECT_EQ(Lines().size(), 2u);
+}
+
+TEST_F(Logger, AFileThatReachesItsSizeIsRotatedAndOldOnesAreDropped) {
+    QxLogger::GetInstance()->Open({.file = File(), .maxFileBytes = 200, .maxFiles = 2, .console = false});
+    for (int i = 0; i < 20; ++i) Log(LOG_LEVEL_EVENT, L"line " + std::to_wstring(i) + std::wstring(40, L'-'));
+    EXPECT_THAT(Lines().back(), HasSubstr("line 19-"));
+    EXPECT_LE(std::filesystem::file_size(File()), 200u);
+    std::size_t files = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_folder)) ++files;
+    EXPECT_EQ(files, 3u);
+}
+
+TEST_F(Logger, AFileThatCannotBeOpenedIsNamedAndTheOldSinksStay) {
+    OpenFile();
+    std::ofstream(m_folder / "plain") << "no folder";
+    const auto bad = m_folder / "plain" / "page.log";
+    try {
+        QxLogger::GetInstance()->Open({.file = bad, .console = false});
+        FAIL() << "opened";
+    } catch (const std::runtime_error& error) {
+        EXPECT_THAT(error.what(), HasSubstr(bad.string()));
+        EXPECT_THAT(error.what(), HasSubstr("Not a directory"));
+    }
+    Log(LOG_LEVEL_EVENT, L"still here");
+    EXPECT_THAT(Lines(), ElementsAre(EndsWith("still here")));
+}
+
+TEST_F(Logger, ALineThatCannotBeWrittenIsDropped) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device here";
+    QxLogger::GetInstance()->Open({.file = "/dev/full", .console = false});
+    testing::internal::CaptureStderr();
+    Log(LOG_LEVEL_EVENT, L"lost");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(Logger, LinesOfSeveralThreadsStayWhole) {
+    OpenFile();
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([thread] {
+                for (int i = 0; i < 200; ++i) Log(LOG_LEVEL_DETAIL, std::wstring(60, L'a' + thread) + L".");
+            });
+        }
+    }
+    const auto lines = Lines();
+    EXPECT_EQ(lines.size(), 800u);
+    for (const std::string& line : lines) {
+        EXPECT_THAT(line, MatchesRegex(".* \\[3\\] (a+|b+|c+|d+)\\."));
+        EXPECT_THAT(line, testing::SizeIs(23 + 5 + 60 + 1));
+    }
+}
+
+}  // namespace

@@ -1,0 +1,121 @@
+#include "entry/accessories_upgrade.h"
+
+#include <gmock/gmock.h>
+
+#include "ipc/channel.h"
+#include "kernel/ui_turn.h"
+#include "nothrow_failure.h"
+#include "page_fixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Entry : public PageFixture {
+protected:
+    ~Entry() override {
+        Close();
+        m_page.Discard();
+    }
+    void Create() {
+        const kernel::UiTurn turn;
+        CreateSetting(m_page.Manager(), m_page.Pump(), m_page.Parent());
+    }
+    void Close() {
+        const kernel::UiTurn turn;
+        CloseWnd();
+    }
+};
+
+TEST_F(Entry, CreateSettingLogsTwiceAndBuildsThePage) {
+    Create();
+    EXPECT_EQ(Logged()[0], L"[AccessoryLog]init access(CreateSetting)");
+    EXPECT_EQ(Logged()[1], L"[AccessoryLog]init access(AccessSetting::CreateSetting)");
+    EXPECT_EQ(Logged(4).size(), 3u) << "and the ready message's";
+    EXPECT_EQ(m_page.Parent()->GetCount(), 1);
+}
+
+TEST_F(Entry, CloseWndBeforeAnyCreateSettingReturnsAtOnce) {
+    Close();
+    EXPECT_TRUE(seam::Get().events.empty());
+}
+
+TEST_F(Entry, ASecondCloseWndIsHarmless) {
+    Create();
+    Close();
+    Forget();
+    Close();
+    EXPECT_TRUE(seam::Get().events.empty());
+}
+
+TEST_F(Entry, CloseWndLogsNothingAndLeavesThePageToTheHost) {
+    Create();
+    Forget();
+    Close();
+    EXPECT_THAT(Logged(), IsEmpty());
+    EXPECT_EQ(Count(seam::Kind::kClientDestroyed), 1u);
+    EXPECT_EQ(m_page.Parent()->GetCount(), 1);
+}
+
+TEST_F(Entry, WithANullArgumentTheReceiversAreWiredAndNothingIsShown) {
+    for (int null = 0; null < 3; ++null) {
+        Forget();
+        CreateSetting(null == 0 ? nullptr : m_page.Manager(), null == 1 ? nullptr : m_page.Pump(),
+                      null == 2 ? nullptr : m_page.Parent());
+        EXPECT_EQ(Count(seam::Kind::kRegister), 4u);
+        EXPECT_THAT(Posted(), IsEmpty());
+        EXPECT_EQ(m_page.Parent()->GetCount(), 0);
+        Close();
+        EXPECT_EQ(Count(seam::Kind::kClientDestroyed), 1u);
+    }
+}
+
+TEST_F(Entry, AfterCloseWndCreateSettingBuildsAFreshWindow) {
+    Create();
+    DeliverList({Accessory("X1")});
+    Close();
+    m_page.Discard();
+    Create();
+    Forget();
+    DeliverList({Accessory("X2")});
+    EXPECT_TRUE(Shown(L"X2hor")) << "the first list of the new window";
+}
+
+TEST_F(Entry, ASecondCreateSettingLeavesTheFirstWindowAliveAndCloseWndDestroysTheSecond) {
+    Create();
+    Create();
+    EXPECT_EQ(seam::Get().callbacks[IPC_MSG_ALL_UPDATE_DATA].size(), 2u);
+    Close();
+    EXPECT_EQ(seam::Get().callbacks[IPC_MSG_ALL_UPDATE_DATA].size(), 1u);
+    Forget();
+    Close();
+    EXPECT_TRUE(seam::Get().events.empty()) << "nobody reaches the first one";
+}
+
+TEST_F(Entry, AWindowThatCannotBeAllocatedLeavesTheTwoLinesAlone) {
+    {
+        const NothrowFailure failure(1);
+        Create();
+        EXPECT_TRUE(failure.Happened());
+    }
+    EXPECT_THAT(Logged(), ElementsAre(L"[AccessoryLog]init access(CreateSetting)",
+                                      L"[AccessoryLog]init access(AccessSetting::CreateSetting)"));
+    EXPECT_EQ(seam::Get().events.size(), 2u);
+    Forget();
+    Close();
+    EXPECT_TRUE(seam::Get().events.empty()) << "the slot is null";
+}
+
+TEST_F(Entry, AssignmentCopiesTheOneMemberAndReturnsTheDestination) {
+    int thing = 0;
+    AccessoriesUpgradeImp a{&thing};
+    AccessoriesUpgradeImp b{nullptr};
+    EXPECT_EQ(&(b = a), &b);
+    EXPECT_EQ(b.value, &thing);
+    AccessoriesUpgradeImp& self = a;
+    a = self;
+    EXPECT_EQ(a.value, &thing);
+}
+
+}  // namespace

@@ -1,0 +1,154 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "duilib/container.h"
+#include "duilib/control.h"
+#include "duilib/notify_pump.h"
+#include "duilib/paint_manager.h"
+#include "firmware_item/firmware_item_desc.h"
+#include "ipc/ipc_post.h"
+#include "ipc/ipc_server.h"
+
+namespace DuiLib {
+
+// What m_progressRecord holds beside percent texts.
+inline constexpr const wchar_t* UPDATE_STATUS_INSTALLING = L"1001";
+inline constexpr const wchar_t* UPDATE_STATUS_INSTALLEND = L"2001";
+
+// Called when the panel's height changes: (change in design pixels, grew, first report). The first report carries the
+// whole height.
+using HeightCallBack = std::function<void(int, bool, bool)>;
+using FinishCallBack = std::function<void()>;
+
+// One accessory of the page: its picture, name, version and information, its update button and progress, and the small
+// state machine behind them (firmware_state.cpp has the table).
+//
+// Made and laid out by the list window. Click handlers run on the UI thread, ShowDownloadProgress, SetRetryBtn and
+// SetFinishProcess on the delivery thread, all under the UI turn. The controls belong to the host's tree. Every
+// operation survives missing controls. "Firware", "Resigter", "Rlush" and "Modifiy" are misspelt on purpose: log lines
+// carry the names. The two callbacks are called unguarded: an empty one throws std::bad_function_call.
+class AccessoriesFirwareWnd final : public CNotifyPump {
+public:
+    AccessoriesFirwareWnd() = default;
+    ~AccessoriesFirwareWnd();
+
+    const DUI_MSGMAP* GetMessageMap() const override;
+    void OnClick(TNotifyUI& message) override;
+
+    // Set-up (firmware_form.cpp), by the list window.
+    void InitFirmwareLayout(CPaintManagerUI* paintManager, CNotifyPump* host, CContainerUI* parent,
+                            FirmwareItemDesc desc);
+    void SetRowName(const std::wstring& rowName);  // the name of this row in g_updateItemList
+    void SetHeightCallBack(HeightCallBack callBack);
+    void SetFinishCallBack(FinishCallBack callBack);
+    void InitForm();
+    void SetImagePath(const std::wstring& path);
+    void SettingDevInfo(CTextUI* devInfoText);
+
+    // Looks (firmware_presentation.cpp).
+    void InitUpdateButton();
+    void RlushAccessries();
+    void ShowDownloadProgress(int percent);
+    void ModifiyPullDownStatus();
+    void UpdateDownloadForm();
+
+    // States (firmware_state.cpp).
+    void SetResume();
+    void SetResumeClick();
+    void SetRetryBtn();
+    void SetRetryClick();
+    void SetFinishProcess();
+    void ControlDownload(const std::wstring& deviceKey);
+    void ControlRetry(const std::wstring& deviceKey);
+    void PostPauseDownload(const std::string& deviceKey);
+    void PostStartDownload(const std::string& deviceKey);
+
+    // Notices and tips (firmware_notices.cpp).
+    void ResigterFirmwareCallBacks();
+    void AppRunningTipUpdateBtn();
+    void AppRunningTipStopBtn();
+    void SendUIPluginUpdate(const std::string& deviceKey);
+    void SendUIPluginUpdateFinish(const std::string& deviceKey);
+
+    // Usage report (firmware_report.cpp): one event a click on the update button.
+    void BigDataReportSettingCenterUpdatePlugin(const AccessoriesFirwareWnd& device);
+
+private:
+    friend struct PanelInspector;  // tests read the fields
+    friend struct PanelLayout;     // compile-time check of the field order
+
+    // firmware_form.cpp
+    void BindControls();
+    bool BindControl(const wchar_t* name, CControlUI*& control);
+    bool BindContainer(const wchar_t* name, CContainerUI*& container);
+    void BuildDevInfo();
+
+    // firmware_presentation.cpp
+    int WidestLabel();
+    void ShowDownloadLook(int percent, const CDuiString& text);
+    void ShowInstallingLook();
+    void ShowDevInfo(bool visible);
+    bool HasName(CControlUI* control, const wchar_t* suffix) const;
+    void Resolve(std::wstring_view bindText);  // into m_bindText and m_bindValue
+
+    // firmware_state.cpp
+    bool IsCompanionRunning() const;
+    void RestoreProgress();
+    void ShowEndedLook();
+    void CollapseRow();
+    void LeaveRowList();
+
+    // firmware_notices.cpp
+    void ShowAppRunningTip(CControlUI* hot, CControlUI* tipped);
+
+    std::string NarrowKey() const;
+
+    HeightCallBack m_heightCallBack;
+    FinishCallBack m_finishCallBack;
+    CControlUI* m_root = nullptr;
+    CPaintManagerUI* m_paintManager = nullptr;
+    CNotifyPump* m_host = nullptr;
+    std::wstring m_virtualWndName;  // this object's address in decimal digits
+    CContainerUI* m_parent = nullptr;
+    IPCMessageClient* m_ipcClient = nullptr;  // owned; posts only
+    IPCClientHandle* m_ipcSender = nullptr;   // never released, on purpose
+    std::unique_ptr<IPCServer> m_callbacks;   // without receivers: messages come through the list window
+    std::wstring m_devKey;
+    std::wstring m_imagePath;
+    bool m_isDriver = false;
+    std::wstring m_nameId;
+    std::wstring m_version;
+    std::wstring m_devInfo;
+    std::uint64_t m_devInfoLines = 0;
+    bool m_downloadControlled = false;  // nobody sets it
+    CDuiString m_bindText;
+    CDuiString m_bindValue;
+    int m_panelHeight = 0;  // [design px]
+    bool m_isPaused = false;
+    CControlUI* m_updateBtn = nullptr;
+    CControlUI* m_stopBtn = nullptr;
+    CControlUI* m_progress = nullptr;
+    CControlUI* m_progressLayout = nullptr;
+    CControlUI* m_progressBtn = nullptr;
+    CControlUI* m_progressLabel = nullptr;
+    CControlUI* m_updateBtnText = nullptr;  // measures the labels
+    CContainerUI* m_hor = nullptr;
+    CContainerUI* m_ver = nullptr;
+    CControlUI* m_pulldown = nullptr;
+    CTextUI* m_devInfoText = nullptr;
+    CLabelUI* m_divider = nullptr;
+    int m_devInfoHeight = 0;  // [device px]
+    bool m_needRetry = false;
+    bool m_isInstalling = false;
+    int m_percent = 0;
+    std::wstring m_rowName;
+    int m_barWidth = 0;  // [design px]
+    std::wstring m_progressRecord = L"0%";
+    std::wstring m_posRecord = L"0,0,0,0";
+};
+
+}  // namespace DuiLib

@@ -1,0 +1,57 @@
+// The panel's IPC client, its notices to the host, and the tip that says that the companion program runs.
+#include <new>
+
+#include "duilib/ui_culture.h"
+#include "firmware_item/accessories_firware_wnd.h"
+#include "firmware_item/panel_controls.h"
+#include "ipc/channel.h"
+#include "support/log_line.h"
+#include "support/text.h"
+
+namespace DuiLib {
+
+void AccessoriesFirwareWnd::ResigterFirmwareCallBacks() {
+    m_ipcClient = NewPageClient();
+    if (m_ipcClient == nullptr) {
+        LogLine(kLogEvent) << "InitIpcCallBack new objIPCClientPtr failed,objIPCClientPtr is nullptr";
+        return;
+    }
+    m_ipcSender = NewClientHandle(m_ipcClient);
+    if (m_ipcSender == nullptr) {
+        LogLine(kLogEvent) << "InitIpcCallBack new ipcClient failed,ipcClient is nullptr";
+        return;
+    }
+    m_callbacks.reset(new (std::nothrow) IPCServer(m_ipcClient));
+    if (!m_callbacks) {
+        LogLine(kLogEvent) << "InitIpcCallBack new ipcReciever failed,ipcReciever is nullptr";  // misspelt on purpose
+    }
+}
+
+void AccessoriesFirwareWnd::AppRunningTipStopBtn() {
+    LogLine(kLogDetail) << "update app running stop";
+    ShowAppRunningTip(m_progress, m_stopBtn);
+}
+
+void AccessoriesFirwareWnd::AppRunningTipUpdateBtn() {
+    LogLine(kLogDetail) << "update app running";
+    ShowAppRunningTip(m_updateBtn, m_updateBtn);
+}
+
+void AccessoriesFirwareWnd::ShowAppRunningTip(CControlUI* hot, CControlUI* tipped) {
+    SetLook(hot, {{L"hottextcolor", L"#660A59F7"}});
+    const CDuiString tipTemplate = UICulture::GetInstance()->GetString(L"IDS_ACCESSORIES_APP_STARTING");
+    Resolve(BindText(m_nameId));
+    SetToolTip(tipped, ReplaceFirst(tipTemplate.Str(), m_bindValue.Str(), L"{0}"));
+}
+
+void AccessoriesFirwareWnd::SendUIPluginUpdate(const std::string& deviceKey) {
+    LogLine(kLogDetail) << "update : " << deviceKey;
+    PostDeviceKey(m_ipcClient, IPC_ENDPOINT_HOST_PLUGIN, IPC_MSG_PLUGIN_UPDATE, deviceKey);
+}
+
+void AccessoriesFirwareWnd::SendUIPluginUpdateFinish(const std::string& deviceKey) {
+    LogLine(kLogDetail) << "update finish: " << deviceKey;
+    PostDeviceKey(m_ipcClient, IPC_ENDPOINT_HOST_PLUGIN, IPC_MSG_PLUGIN_UPDATE_FINISH, deviceKey);
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,20 @@
+#include "firmware_item/panel_controls.h"
+
+#include <limits>
+
+#include "duilib/resource_manager.h"
+
+namespace DuiLib {
+
+float ScaleDivisor() {
+    const float scale = static_cast<float>(CResourceManager::GetInstance()->GetScale()) / 100.0f;
+    return scale < 1.0f ? 100.0f : scale;
+}
+
+int Truncate(double value) {
+    using Limits = std::numeric_limits<int>;
+    const bool fits = value > Limits::min() - 1.0 && value < Limits::max() + 1.0;
+    return fits ? static_cast<int>(value) : Limits::min();
+}
+
+}  // namespace DuiLib

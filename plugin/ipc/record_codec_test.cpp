@@ -1,0 +1,212 @@
+#include "ipc/record_codec.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+
+namespace {
+
+using namespace std::string_literals;
+
+template <class Record>
+struct Decoded {
+    Record record{};
+    std::uint32_t cursor = 0;
+};
+
+template <class Record>
+Decoded<Record> Decode(std::string payload) {
+    TagIPCMessageItem item;
+    item.dataLen = static_cast<std::int32_t>(payload.size());
+    item.data = payload.empty() ? nullptr : payload.data();
+    IPCDataIO reader(&item, 64, true, false);
+    Decoded<Record> decoded;
+    ReadRecord(reader, decoded.record);
+    decoded.cursor = reader.Position();
+    return decoded;
+}
+
+template <class Record>
+std::string Encode(const Record& record) {
+    TagIPCMessageItem item;
+    IPCDataIO writer(&item, 64, false, false);
+    WriteRecord(writer, record);
+    return {item.data, writer.Position()};
+}
+
+const std::string kProgressExample = "\x01\0\0\0\x02\0\0\0AB\x25\0\0\0"s;
+
+using List = std::vector<AccessoryVersionDataInfo>;
+
+List TwoRecords() {
+    AccessoryVersionDataInfo dock;
+    dock.deviceKey = "K1";
+    dock.modelId = L"M\u00e9";
+    dock.imagePath = L"p.svg";
+    dock.version = L"2.0";
+    dock.descLines = {L"one", L""};
+    dock.reserved = 0x1122334455667788u;
+    dock.isDriver = true;
+    AccessoryVersionDataInfo pen;
+    pen.deviceKey = "k";
+    return {dock, pen};
+}
+
+const std::string kTwoRecords =
+    "\x01\0\0\0\x02\0\0\0"
+    "\x02\0\0\0K1"
+    "\x02\0\0\0M\0\xE9\0"
+    "\x05\0\0\0p\0.\0s\0v\0g\0"
+    "\x03\0\0\0"
+    "2\0.\0"
+    "0\0"
+    "\x02\0\0\0\x03\0\0\0o\0n\0e\0\0\0\0\0"
+    "\x88\x77\x66\x55\x44\x33\x22\x11"
+    "\x01"
+    "\x01\0\0\0k\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"s;
+
+bool Same(const AccessoryVersionDataInfo& a, const AccessoryVersionDataInfo& b) {
+    return a.deviceKey == b.deviceKey && a.modelId == b.modelId && a.imagePath == b.imagePath &&
+           a.version == b.version && a.descLines == b.descLines && a.reserved == b.reserved && a.isDriver == b.isDriver;
+}
+
+TEST(RecordCodec, TheProgressExampleOf14BytesIsTwoLettersAt37Percent) {
+    ASSERT_EQ(kProgressExample.size(), 4u + 4 + 2 + 4);
+    const auto decoded = Decode<PkgDownloadProcess>(kProgressExample);
+    EXPECT_EQ(decoded.record.deviceKey, "AB");
+    EXPECT_EQ(decoded.record.progress, 37);
+    EXPECT_EQ(decoded.cursor, 14u);
+}
+
+TEST(RecordCodec, TheProgressExampleWithMarkerTwoIsADefaultRecord) {
+    std::string payload = kProgressExample;
+    payload[0] = 2;
+    const auto decoded = Decode<PkgDownloadProcess>(payload);
+    EXPECT_EQ(decoded.record.deviceKey, "");
+    EXPECT_EQ(decoded.record.progress, 0);
+    EXPECT_EQ(decoded.cursor, 4u);
+}
+
+TEST(RecordCodec, AListOfNoneAndAMarkerAloneAreEmptyLists) {
+    EXPECT_TRUE(Decode<List>("\x01\0\0\0\0\0\0\0"s).record.empty());
+    EXPECT_TRUE(Decode<List>("\x01\0\0\0"s).record.empty());
+}
+
+TEST(RecordCodec, AnEmptyPayloadIsAnEmptyKeyOrAnEmptyList) {
+    EXPECT_EQ(Decode<PkgDownloadProcess>("").record.deviceKey, "");
+    EXPECT_EQ(Decode<PkgDownloadProcess>("").record.progress, 0);
+    EXPECT_TRUE(Decode<List>("").record.empty());
+}
+
+TEST(RecordCodec, AWrongMarkerLeavesTheDestinationUntouched) {
+    std::string payload = "\x07\0\0\0\x01\0\0\0"s;
+    TagIPCMessageItem item;
+    item.dataLen = 8;
+    item.data = payload.data();
+    IPCDataIO reader(&item, 64, true, false);
+    List list = TwoRecords();
+    ReadRecord(reader, list);
+    EXPECT_EQ(list.size(), 2u);
+}
+
+TEST(RecordCodec, ATextOfFiveWithThreeBytesLeftIsFiveZerosAndTheCursorStaysBehindTheLength) {
+    std::string payload = "\x05\0\0\0xyz"s;
+    TagIPCMessageItem item;
+    item.dataLen = static_cast<std::int32_t>(payload.size());
+    item.data = payload.data();
+    IPCDataIO reader(&item, 64, true, false);
+    std::string text;
+    ReadString(reader, text);
+    EXPECT_EQ(text, std::string(5, '\0'));
+    EXPECT_EQ(reader.Position(), 4u);
+    std::uint32_t word = 9;
+    EXPECT_EQ(reader.ReadUInt32(&word), 0u);
+    std::uint8_t byte = 0;
+    EXPECT_EQ(reader.ReadUInt8(&byte), 1u);
+    EXPECT_EQ(byte, 'x');
+}
+
+std::wstring DecodeWide(std::string payload) {
+    TagIPCMessageItem item;
+    item.dataLen = static_cast<std::int32_t>(payload.size());
+    item.data = payload.data();
+    IPCDataIO reader(&item, 64, true, false);
+    std::wstring text;
+    ReadWString(reader, text);
+    return text;
+}
+
+TEST(RecordCodec, AWideTextOfTwoUnitsIsReadFromEightBytes) {
+    EXPECT_EQ(DecodeWide("\x02\0\0\0\xE9\0A\0"s), L"\u00e9A");
+}
+
+TEST(RecordCodec, AWideTextThatIsNotThereIsZerosOfTheAnnouncedLength) {
+    EXPECT_EQ(DecodeWide("\x03\0\0\0A\0"s), std::wstring(3, L'\0'));
+}
+
+TEST(RecordCodec, SurrogatePairsAreJoinedWhereWideCharactersAreWideEnough) {
+    if constexpr (sizeof(wchar_t) == 4) {
+        EXPECT_EQ(DecodeWide("\x04\0\0\0a\0\x3D\xD8\x00\xDE"
+                             "b\0"s),
+                  L"a\U0001F600b");
+        EXPECT_EQ(DecodeWide("\x03\0\0\0\x00\xDE\x3D\xD8z\0"s), (std::wstring{0xDE00, 0xD83D, L'z'}))
+            << "unpaired ones stay as they are";
+    }
+}
+
+TEST(RecordCodec, TextsLongerThanABlockKeepEveryUnit) {
+    for (const std::size_t length : {63u, 64u, 65u, 127u, 1000u}) {
+        std::wstring text;
+        for (std::size_t i = 0; i < length; ++i) text += static_cast<wchar_t>(0x100 + i % 0x5000);
+        TagIPCMessageItem item;
+        IPCDataIO writer(&item, 64, false, false);
+        WriteWString(writer, text);
+        EXPECT_EQ(DecodeWide({item.data, writer.Position()}), text) << length;
+    }
+}
+
+TEST(RecordCodec, EncodesTheGoldenBytes) {
+    EXPECT_EQ(Encode(PkgDownloadProcess{"AB", 37}), kProgressExample);
+    EXPECT_EQ(Encode(TwoRecords()), kTwoRecords);
+}
+
+TEST(RecordCodec, DecodesTheGoldenBytes) {
+    const auto decoded = Decode<List>(kTwoRecords);
+    const List expected = TwoRecords();
+    ASSERT_EQ(decoded.record.size(), 2u);
+    EXPECT_TRUE(Same(decoded.record[0], expected[0]));
+    EXPECT_TRUE(Same(decoded.record[1], expected[1]));
+    EXPECT_EQ(decoded.cursor, kTwoRecords.size());
+}
+
+TEST(RecordCodec, EveryMessageCutAtEveryLengthDecodesWithoutFailing) {
+    for (std::size_t length = 0; length <= kTwoRecords.size(); ++length) {
+        EXPECT_LE(Decode<List>(kTwoRecords.substr(0, length)).cursor, length);
+        EXPECT_LE(Decode<PkgDownloadProcess>(kTwoRecords.substr(0, length)).cursor, length);
+    }
+    for (std::size_t length = 0; length <= kProgressExample.size(); ++length) {
+        const auto decoded = Decode<PkgDownloadProcess>(kProgressExample.substr(0, length));
+        EXPECT_EQ(decoded.record.progress, length == 14 ? 37 : 0) << length;
+    }
+}
+
+TEST(RecordCodec, AnAbsurdCountThrowsAndIsNotCaughtHere) {
+    EXPECT_ANY_THROW(Decode<List>("\x01\0\0\0\xFF\xFF\xFF\xFF"s));
+}
+
+TEST(RecordCodec, DefaultRecordsAreEmpty) {
+    const AccessoryVersionDataInfo record;
+    EXPECT_TRUE(record.deviceKey.empty() && record.descLines.empty());
+    EXPECT_EQ(record.reserved, 0u);
+    EXPECT_FALSE(record.isDriver);
+    EXPECT_EQ(PkgDownloadProcess{}.progress, 0);
+}
+
+TEST(RecordCodec, NegativeAndLargePercentagesGoThrough) {
+    for (const int percent : {-5, 0, 250, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+        EXPECT_EQ(Decode<PkgDownloadProcess>(Encode(PkgDownloadProcess{"k", percent})).record.progress, percent);
+    }
+}
+
+}  // namespace

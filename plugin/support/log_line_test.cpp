@@ -1,0 +1,103 @@
+#include "support/log_line.h"
+
+#include <gtest/gtest.h>
+
+#include "seam.h"
+
+namespace DuiLib {
+
+// A class of the page's shape, for names.
+struct LoggingPanel {
+    void SetResume(const std::wstring& record, int) { LogLine(kLogDetail) << "resume progress record: " << record; }
+    void Tell(const std::string& key) { LogLine(kLogDetail) << "update : " << key; }
+    std::wstring* Find(int (*)(int), std::string) {
+        LogLine(kLogEvent) << "Send DownloadPkg Finished, ret = " << true << false;
+        return nullptr;
+    }
+    void OnClick(int&) {
+        const auto retry = [this] { LogLine(kLogDetail) << "update retry" << clicks; };
+        retry();
+    }
+
+    int clicks = 0;
+};
+
+}  // namespace DuiLib
+
+extern "C" void LogFromAPlainFunction() { LogLine(kLogEvent) << "init access"; }
+
+namespace {
+
+const seam::Event& Last() { return seam::Get().events.back(); }
+
+class Log : public testing::Test {
+protected:
+    Log() { seam::Get() = seam::Seam{}; }
+    DuiLib::LoggingPanel panel;
+};
+
+TEST_F(Log, AValueStandsBetweenTheTextAndTheName) {
+    panel.SetResume(L"37%", 0);
+    EXPECT_EQ(Last().line, L"[AccessoryLog]resume progress record: 37%(DuiLib::LoggingPanel::SetResume)");
+    EXPECT_EQ(Last().number, 3);
+}
+
+TEST_F(Log, ABoolIsANumber) {
+    panel.Find(nullptr, "");
+    EXPECT_EQ(Last().line, L"[AccessoryLog]Send DownloadPkg Finished, ret = 10(DuiLib::LoggingPanel::Find)");
+    EXPECT_EQ(Last().number, 4);
+}
+
+TEST_F(Log, ALambdaIsNamedAfterItsFunction) {
+    int unused = 0;
+    panel.OnClick(unused);
+    EXPECT_EQ(Last().line,
+              L"[AccessoryLog]update retry0(DuiLib::LoggingPanel::OnClick::<lambda>::operator ())");
+}
+
+TEST_F(Log, APlainFunctionHasItsPlainName) {
+    LogFromAPlainFunction();
+    EXPECT_EQ(Last().line, L"[AccessoryLog]init access(LogFromAPlainFunction)");
+}
+
+TEST_F(Log, NarrowAsciiComesOutUnchangedInTheWideLine) {
+    LogLine(kLogDetail) << "a ~!" << std::string("key") << L" wide\u00e9" << -5;
+    EXPECT_TRUE(Last().line.starts_with(L"[AccessoryLog]a ~!key wide\u00e9-5("));
+}
+
+TEST_F(Log, NarrowBytesBeyondAsciiDoNotCutTheLine) {
+    panel.Tell("pen\xE9\x80 X1");
+    const std::wstring& line = Last().line;
+    const std::wstring front = L"[AccessoryLog]update : pen";
+    const std::wstring back = L" X1(DuiLib::LoggingPanel::Tell)";
+    EXPECT_TRUE(line.starts_with(front)) << testing::PrintToString(line);
+    EXPECT_TRUE(line.ends_with(back)) << testing::PrintToString(line);
+    EXPECT_EQ(line.size(), front.size() + 2 + back.size()) << "a character each";
+}
+
+TEST_F(Log, EachLineIsBuiltInAFreshStream) {
+    LogLine(kLogDetail) << std::hex << 255;
+    LogLine(kLogDetail) << 255;
+    EXPECT_TRUE(Last().line.starts_with(L"[AccessoryLog]255("));
+}
+
+struct NameCase {
+    const char* pretty;
+    const char* expected;
+};
+
+TEST_F(Log, EveryCompilersTextOfAFunctionGivesTheSameName) {
+    const NameCase cases[] = {
+        {"void CreateSetting(DuiLib::CPaintManagerUI*, int)", "CreateSetting"},
+        {"void DuiLib::A::SetResume()", "DuiLib::A::SetResume"},
+        {"static DuiLib::B* DuiLib::A::Make(std::vector<int, X<int>>&) const", "DuiLib::A::Make"},
+        {"B *DuiLib::A::Make(int (*)(int))", "DuiLib::A::Make"},
+        {"std::map<int, long> & A::Get()", "A::Get"},
+        {"DuiLib::A::OnClick(DuiLib::TNotifyUI&)::<lambda()>", "DuiLib::A::OnClick::<lambda>::operator ()"},
+        {"auto DuiLib::A::OnClick(TNotifyUI &)::(anonymous class)::operator()() const",
+         "DuiLib::A::OnClick::<lambda>::operator ()"},
+    };
+    for (const NameCase& c : cases) EXPECT_STREQ(FunctionName(c.pretty).CStr(), c.expected) << c.pretty;
+}
+
+}  // namespace

@@ -1,0 +1,112 @@
+#include "update_list/accessories_update_wnd.h"
+
+#include <functional>
+#include <new>
+#include <type_traits>
+
+#include "duilib/dialog_builder.h"
+#include "ipc/channel.h"
+#include "ipc/field_order.h"
+#include "support/log_line.h"
+
+namespace DuiLib {
+
+static_assert(!std::has_virtual_destructor_v<AccessoriesUpdateWnd>);
+
+struct PageLayout {
+    static_assert(
+        InOrder({offsetof(AccessoriesUpdateWnd, m_root), offsetof(AccessoriesUpdateWnd, m_paintManager),
+                 offsetof(AccessoriesUpdateWnd, m_notifyPump), offsetof(AccessoriesUpdateWnd, m_objIPCClientPtr),
+                 offsetof(AccessoriesUpdateWnd, m_ipcClient), offsetof(AccessoriesUpdateWnd, m_ipcReciever),
+                 offsetof(AccessoriesUpdateWnd, m_virtualWndName), offsetof(AccessoriesUpdateWnd, m_buildIndex),
+                 offsetof(AccessoriesUpdateWnd, m_parent), offsetof(AccessoriesUpdateWnd, m_bindText),
+                 offsetof(AccessoriesUpdateWnd, m_bindValue), offsetof(AccessoriesUpdateWnd, m_panels),
+                 offsetof(AccessoriesUpdateWnd, m_lines), offsetof(AccessoriesUpdateWnd, m_listReceived),
+                 offsetof(AccessoriesUpdateWnd, m_totalHeight), offsetof(AccessoriesUpdateWnd, m_firmwareNum)}));
+};
+
+namespace {
+constexpr const wchar_t* kPageLayout = L"../components/brindle/res/layout/Tolvane.xml";
+}
+
+AccessoriesUpdateWnd::~AccessoriesUpdateWnd() {
+    if (m_ipcReciever) m_ipcReciever->UnregisterAll();
+    if (m_objIPCClientPtr != nullptr) {
+        m_objIPCClientPtr->UnRegisterMessageCallbackAll();
+        delete m_objIPCClientPtr;
+        m_objIPCClientPtr = nullptr;
+    }
+}
+
+const DUI_MSGMAP* AccessoriesUpdateWnd::GetMessageMap() const {
+    static constexpr DUI_MSGMAP_ENTRY kEntries[] = {{nullptr, nullptr, nullptr}};
+    static constexpr DUI_MSGMAP kMap{&CNotifyPump::s_messageMap, kEntries};
+    return &kMap;
+}
+
+void AccessoriesUpdateWnd::OnClick(TNotifyUI&) {}
+
+void AccessoriesUpdateWnd::InitItemLayout(CPaintManagerUI* paintManager, CNotifyPump* notifyPump,
+                                          CContainerUI* parent) {
+    LogLine(kLogDetail) << "InitItemLayout enter";
+    ResigterAccessMessageCallBacks();
+    m_totalHeight = 0;
+    m_buildIndex = 0;
+    m_virtualWndName.clear();
+    if (paintManager == nullptr || notifyPump == nullptr || parent == nullptr) return;
+
+    CDialogBuilder builder;
+    m_root = builder.Create(kPageLayout);
+    if (m_root == nullptr) {
+        LogLine(kLogEvent) << "update item fail to create control";
+        return;
+    }
+    m_virtualWndName = std::to_wstring(reinterpret_cast<std::uintptr_t>(this));
+    m_paintManager = paintManager;
+    m_notifyPump = notifyPump;
+    notifyPump->AddVirtualWnd(m_virtualWndName, this);
+    m_root->SetVirtualWnd(m_virtualWndName);
+    parent->Add(m_root);
+    m_parent = parent;
+    SendInitFinshed();
+}
+
+void AccessoriesUpdateWnd::ResigterAccessMessageCallBacks() {
+    m_objIPCClientPtr = NewPageClient();
+    if (m_objIPCClientPtr == nullptr) {  // the line has two blanks, on purpose
+        LogLine(kLogEvent) << "InitIpcCallBack new objIPCClientPtr failed,  objIPCClientPtr is nullptr.";
+        return;
+    }
+    m_ipcClient = NewClientHandle(m_objIPCClientPtr);
+    if (m_ipcClient == nullptr) {
+        LogLine(kLogEvent) << "InitIpcCallBack new ipcClient failed, ipcClient is nullptr.";
+        return;
+    }
+    m_ipcReciever.reset(new (std::nothrow) IPCServer(m_objIPCClientPtr));
+    if (!m_ipcReciever) {
+        LogLine(kLogEvent) << "InitIpcCallBack new ipcReciever failed, ipcReciever is nullptr.";
+        return;
+    }
+    AddReceiver(IPC_MSG_ALL_UPDATE_DATA, &AccessoriesUpdateWnd::RecAllUpdateData);
+    AddReceiver(IPC_MSG_DOWNLOAD_PROCESS, &AccessoriesUpdateWnd::RecPkgDownloadProcess);
+    using std::placeholders::_1;
+    m_objIPCClientPtr->RegisterMessageCallback(IPC_MSG_PKG_FINISH,
+                                               std::bind(&AccessoriesUpdateWnd::RecPkgFinish, this, _1));
+    m_objIPCClientPtr->RegisterMessageCallback(IPC_MSG_PKG_FAIL,
+                                               std::bind(&AccessoriesUpdateWnd::RecPkgFail, this, _1));
+}
+
+template <class Arg>
+void AccessoriesUpdateWnd::AddReceiver(std::int32_t msgId, void (AccessoriesUpdateWnd::*handler)(Arg)) {
+    auto* const proc = new (std::nothrow) IPCServerProc<AccessoriesUpdateWnd, Arg>(msgId, this, handler);
+    if (m_ipcReciever->Register(proc) < 0) delete proc;
+}
+
+void AccessoriesUpdateWnd::SendInitFinshed() {
+    if (m_objIPCClientPtr == nullptr) return;
+    const bool sent = PostEmpty(m_objIPCClientPtr, IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_ALL_UPDATE_DATA);
+    // The text speaks of a package although the message says that the page is ready: kept as it is.
+    LogLine(kLogEvent) << "Send DownloadPkg Finished, ret = " << sent;
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "duilib/container.h"
+#include "duilib/control.h"
+#include "duilib/notify_pump.h"
+#include "duilib/paint_manager.h"
+#include "firmware_item/accessories_firware_wnd.h"
+#include "ipc/ipc_post.h"
+#include "ipc/ipc_server.h"
+#include "ipc/records.h"
+
+namespace DuiLib {
+
+// The accessory page: builds its layout into the host's container, takes the first accessory list of the update
+// service, makes one panel a device with separators between, keeps the host informed of the content height, and routes
+// progress, end and failure messages to the panels by device key.
+//
+// Created on the host's UI thread and destroyed there; its receivers run on the client's delivery thread. Everything
+// runs under the UI turn. The host's control tree owns the controls; the panels are left to the process's end.
+//
+// ResigterAccessMessageCallBacks, SendInitFinshed and m_ipcReciever are misspelt on purpose: log lines carry the names.
+class AccessoriesUpdateWnd final : public CNotifyPump {
+public:
+    AccessoriesUpdateWnd() = default;
+
+    // Unregisters every callback before anything is released, so that no message reaches a half-destroyed window. Leaves
+    // the page's controls and the registration with the host's pump to the host.
+    ~AccessoriesUpdateWnd();
+
+    const DUI_MSGMAP* GetMessageMap() const override;
+    void OnClick(TNotifyUI& message) override;  // the page itself has nothing to click
+
+    // Once per window. Wires the IPC side in any case; builds the page and tells the service that it is ready when all
+    // three arguments are there. None of them is owned.
+    void InitItemLayout(CPaintManagerUI* paintManager, CNotifyPump* notifyPump, CContainerUI* parent);
+
+    // Makes client, handle and registry, and registers the receivers. A registry that was there goes; a client that was
+    // there is dropped, not deleted, on purpose.
+    void ResigterAccessMessageCallBacks();
+    void SendInitFinshed();
+
+    // Receivers.
+    void RecAllUpdateData(std::vector<AccessoryVersionDataInfo>& list);
+    void RecPkgDownloadProcess(PkgDownloadProcess& record);
+    void RecPkgFinish(TagIPCMessageItem& item);
+    void RecPkgFail(TagIPCMessageItem& item);
+
+    // What the panels call back.
+    void OnItemHeightChanged(int height, bool grow, bool extra);  // [design px]
+    void OnItemFinished();
+
+private:
+    friend struct PageInspector;  // tests read the fields
+    friend struct PageLayout;     // compile-time check of the field order
+
+    void InitFirmwareItems(std::vector<AccessoryVersionDataInfo>& list);
+    AccessoriesFirwareWnd* CreateFirmwareItem(FirmwareItemDesc& desc);
+    void AddItemLine(const std::wstring& deviceKey, int index, CContainerUI* list);
+    void RefreshFirmwareItems();
+    void PostContentHeight(int height);
+    AccessoriesFirwareWnd* FindPanel(const std::string& deviceKey) const;
+    template <class Arg>
+    void AddReceiver(std::int32_t msgId, void (AccessoriesUpdateWnd::*handler)(Arg));
+
+    CControlUI* m_root = nullptr;
+    CPaintManagerUI* m_paintManager = nullptr;
+    CNotifyPump* m_notifyPump = nullptr;
+    IPCMessageClient* m_objIPCClientPtr = nullptr;  // owned
+    IPCClientHandle* m_ipcClient = nullptr;         // never released, on purpose
+    std::unique_ptr<IPCServer> m_ipcReciever;
+    std::wstring m_virtualWndName;
+    int m_buildIndex = 0;
+    CContainerUI* m_parent = nullptr;
+    CDuiString m_bindText;   // not used
+    CDuiString m_bindValue;  // not used
+    std::map<std::string, AccessoriesFirwareWnd*> m_panels;  // by device key; not owned
+    std::map<std::string, CLabelUI*> m_lines;                // the separator below each row
+    bool m_listReceived = false;
+    int m_totalHeight = 0;  // [design px]
+    int m_firmwareNum = 0;  // rows still shown
+};
+
+}  // namespace DuiLib

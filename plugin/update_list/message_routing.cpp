@@ -1,0 +1,39 @@
+// Progress, end and failure messages on their way to the panel of the device.
+#include "support/log_line.h"
+#include "update_list/accessories_update_wnd.h"
+
+namespace DuiLib {
+
+namespace {
+
+// A raw payload is a text up to its first zero byte; dataLen is not looked at. No payload is the empty text.
+std::string PayloadText(const TagIPCMessageItem& item) { return item.data == nullptr ? "" : item.data; }
+
+}  // namespace
+
+AccessoriesFirwareWnd* AccessoriesUpdateWnd::FindPanel(const std::string& deviceKey) const {
+    const auto found = m_panels.find(deviceKey);
+    return found == m_panels.end() ? nullptr : found->second;
+}
+
+void AccessoriesUpdateWnd::RecPkgDownloadProcess(PkgDownloadProcess& record) {
+    LogLine(kLogDetail) << "AccessoriesUpdateWnd RecPkgDownloadProcess enter";
+    if (AccessoriesFirwareWnd* const panel = FindPanel(record.deviceKey)) panel->ShowDownloadProgress(record.progress);
+}
+
+void AccessoriesUpdateWnd::RecPkgFinish(TagIPCMessageItem& item) {
+    if (m_paintManager == nullptr) return;
+    const std::string key = PayloadText(item);
+    if (const auto line = m_lines.find(key); line != m_lines.end()) {
+        if (line->second == nullptr) return;
+        line->second->SetVisible(false);
+    }
+    if (AccessoriesFirwareWnd* const panel = FindPanel(key)) panel->SetFinishProcess();
+}
+
+void AccessoriesUpdateWnd::RecPkgFail(TagIPCMessageItem& item) {
+    LogLine(kLogEvent) << "AccessoriesUpdateWnd RecPkgFail enter";
+    if (AccessoriesFirwareWnd* const panel = FindPanel(PayloadText(item))) panel->SetRetryBtn();
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,151 @@
+#include <gmock/gmock.h>
+
+#include "ansi_page.h"
+#include "ipc/channel.h"
+#include "update_list/page_window_fixture.h"
+
+namespace {
+
+using DuiLib::PageInspector;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr const wchar_t* kProgressEntered =
+    L"[AccessoryLog]AccessoriesUpdateWnd RecPkgDownloadProcess enter"
+    L"(DuiLib::AccessoriesUpdateWnd::RecPkgDownloadProcess)";
+// At level 4.
+constexpr const wchar_t* kFailEntered =
+    L"[AccessoryLog]AccessoriesUpdateWnd RecPkgFail enter(DuiLib::AccessoriesUpdateWnd::RecPkgFail)";
+
+class MessageRouting : public PageWindowFixture {
+protected:
+    MessageRouting() { MakeWindow(); }
+};
+
+TEST_F(MessageRouting, ProgressReachesThePanelOfItsKey) {
+    DeliverList({Accessory("X1"), Accessory("X2")});
+    Forget();
+    DeliverProgress("X2", 37);
+    EXPECT_EQ(Text(L"X2progress"), L"37%");
+    EXPECT_EQ(Text(L"X1progress"), L"");
+    EXPECT_THAT(Logged(3), ElementsAre(kProgressEntered));
+}
+
+TEST_F(MessageRouting, ProgressForAnUnknownKeyIsLoggedAndIgnored) {
+    DeliverList({Accessory("X1")});
+    Forget();
+    DeliverProgress("nobody", 37);
+    EXPECT_THAT(Logged(), ElementsAre(kProgressEntered));
+    EXPECT_EQ(Text(L"X1progress"), L"");
+}
+
+TEST_F(MessageRouting, TheEndOfARowHidesItsSeparator) {
+    DeliverList({Accessory("X1"), Accessory("X2")});
+    DeliverFinish("X1");
+    EXPECT_FALSE(Shown(L"X1_0"));
+    EXPECT_FALSE(Shown(L"X1hor"));
+}
+
+TEST_F(MessageRouting, TheEndReachesTheLastRowWhichHasNoSeparator) {
+    DeliverList({Accessory("X1"), Accessory("X2")});
+    DeliverFinish("X2");
+    EXPECT_FALSE(Shown(L"X2hor"));
+}
+
+// Deliberate: nothing remembers that the row has ended.
+TEST_F(MessageRouting, ASecondEndOfTheSameRowCountsDownOnceMore) {
+    DeliverList({Accessory("X1"), Accessory("X2")});
+    DeliverFinish("X1");
+    EXPECT_EQ(PageInspector::FirmwareNum(*window), 1);
+    const int height = PageInspector::TotalHeight(*window);
+    DeliverFinish("X1");
+    EXPECT_EQ(PageInspector::FirmwareNum(*window), 0);
+    EXPECT_EQ(PageInspector::TotalHeight(*window), height - 24);
+    EXPECT_TRUE(Shown(L"X2hor"));
+}
+
+TEST_F(MessageRouting, ASeparatorThatIsNullKeepsTheEndFromThePanel) {
+    DeliverList({Accessory("X1"), Accessory("X2")});
+    PageInspector::Lines(*window)["X1"] = nullptr;
+    Forget();
+    DeliverFinish("X1");
+    EXPECT_TRUE(Shown(L"X1hor"));
+    EXPECT_THAT(Logged(), IsEmpty());
+}
+
+TEST_F(MessageRouting, AFailureBeforeTheListFindsNoPanel) {
+    Forget();
+    DeliverFail("X1");
+    EXPECT_THAT(Logged(4), ElementsAre(kFailEntered));
+    EXPECT_EQ(seam::Get().events.size(), 1u);
+}
+
+TEST_F(MessageRouting, KeysThatDifferInCaseAloneAreDifferentDevices) {
+    DeliverList({Accessory("x1"), Accessory("X1")});
+    DeliverProgress("x1", 5);
+    DeliverFail("X1");
+    EXPECT_EQ(Text(L"x1progress"), L"5%");
+    EXPECT_EQ(Text(L"X1progress"), L"Try again");
+}
+
+struct ForeignKey {
+    unsigned page;
+    const char* key;
+    const wchar_t* wide;
+};
+
+TEST_F(MessageRouting, AKeyOfAnyAnsiPageNamesTheControlsAndReachesItsPanel) {
+    const ForeignKey keys[] = {
+        {kernel::kCodePageUtf8, "\xE7\xAC\x94-\xC3\xA9", L"\u7b14-\u00e9"},
+        {1252, "caf\xE9\x80", L"caf\u00e9\u20ac"},
+        {936, "\xB1\xCA-1", L"\u7b14-1"},
+    };
+    for (const ForeignKey& c : keys) {
+        const AnsiPage page(c.page);
+        const std::wstring wide = c.wide;
+        m_page.Discard();
+        MakeWindow();
+        DeliverList({Accessory(c.key), Accessory("X2")});
+        DeliverProgress(c.key, 37);
+        EXPECT_EQ(Text(wide + L"progress"), L"37%") << c.page;
+        DeliverFail(c.key);
+        EXPECT_EQ(Text(wide + L"progress"), L"Try again") << c.page;
+        Forget();
+        DeliverFinish(c.key);
+        EXPECT_FALSE(Shown(wide + L"hor")) << c.page;
+        EXPECT_FALSE(Shown(wide + L"_0")) << c.page;
+        EXPECT_THAT(Posted(), testing::Contains("B20018 B20034 " + std::string(c.key) + "\\0"));
+        EXPECT_TRUE(Shown(L"X2hor"));
+    }
+}
+
+TEST_F(MessageRouting, ARawPayloadEndsAtItsFirstZero) {
+    DeliverList({Accessory("X1")});
+    seam::Get().Deliver(IPC_MSG_PKG_FAIL, std::string("X1\0rest", 7));
+    EXPECT_EQ(Text(L"X1progress"), L"Try again");
+}
+
+TEST_F(MessageRouting, ARawMessageWithoutPayloadIsTheEmptyKey) {
+    DeliverList({Accessory(""), Accessory("X1")});
+    seam::Get().Deliver(IPC_MSG_PKG_FAIL, "");
+    EXPECT_EQ(Text(L"progress"), L"Try again") << "the controls of the empty key have their plain names";
+    seam::Get().Deliver(IPC_MSG_PKG_FINISH, "");
+    EXPECT_FALSE(Shown(L"_0"));
+}
+
+TEST_F(MessageRouting, WithoutAPaintManagerTheEndDoesNothing) {
+    DuiLib::AccessoriesUpdateWnd bare;
+    TagIPCMessageItem item;
+    Forget();
+    bare.RecPkgFinish(item);
+    EXPECT_TRUE(seam::Get().events.empty());
+}
+
+TEST_F(MessageRouting, AnAbsurdListLeavesTheCallbackAsAnException) {
+    using namespace std::string_literals;
+    Forget();
+    EXPECT_ANY_THROW(seam::Get().Deliver(IPC_MSG_ALL_UPDATE_DATA, "\x01\0\0\0\xFF\xFF\xFF\xFF"s));
+    EXPECT_TRUE(seam::Get().events.empty());
+}
+
+}  // namespace

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+
+#include "kernel/ui_turn.h"
+#include "page_fixture.h"
+#include "update_list/accessories_update_wnd.h"
+#include "update_list/row_list.h"
+
+namespace DuiLib {
+
+// Lets tests read a list window's fields.
+struct PageInspector {
+    static const auto& Panels(const AccessoriesUpdateWnd& window) { return window.m_panels; }
+    static auto& Lines(AccessoriesUpdateWnd& window) { return window.m_lines; }
+    static int TotalHeight(const AccessoriesUpdateWnd& window) { return window.m_totalHeight; }
+    static int FirmwareNum(const AccessoriesUpdateWnd& window) { return window.m_firmwareNum; }
+    static std::wstring VirtualWndName(const AccessoriesUpdateWnd& window) { return window.m_virtualWndName; }
+    static IPCMessageClient* Client(const AccessoriesUpdateWnd& window) { return window.m_objIPCClientPtr; }
+};
+
+}  // namespace DuiLib
+
+// A list window in a host's page.
+class PageWindowFixture : public PageFixture {
+protected:
+    ~PageWindowFixture() override {
+        m_page.Discard();
+        window.reset();
+    }
+
+    void MakeWindow() {
+        const kernel::UiTurn turn;
+        window = std::make_unique<DuiLib::AccessoriesUpdateWnd>();
+        window->InitItemLayout(m_page.Manager(), m_page.Pump(), m_page.Parent());
+    }
+
+    std::unique_ptr<DuiLib::AccessoriesUpdateWnd> window;
+};

@@ -1,0 +1,124 @@
+// Peers that write what they like into the running service's pipe, while an update of a healthy host goes on.
+
+#include <random>
+
+#include "frame.h"
+#include "ipc/channel.h"
+#include "page_e2e_test.h"
+#include "test_support.h"
+
+namespace e2e {
+namespace {
+
+using ipc_test::Hello;
+using ipc_test::RawPeer;
+using std::literals::operator""s;
+
+class HostileFramesTest : public PageE2ETest {
+protected:
+    void SetUp() override {
+        AddAccessory("pen");
+        StartService({"--rate", kSlowRate});
+        m_host = StartHost();
+        ASSERT_TRUE(m_host->Play(WaitForRows(1, "pen") + "click penupdateBtn\nwait percent penprogress 3"));
+    }
+
+    // The update that ran meanwhile comes to its end on the connection that it began with.
+    void TearDown() override {
+        ASSERT_TRUE(m_host->Play("wait text penprogress \"Up to date\" within 60\nwait nothing-left"));
+        m_host->End();
+        EXPECT_THAT(m_host->Log(), Not(HasSubstr("connection lost")));
+        EXPECT_EQ(ReadFile(Arrived("pen")), PackageContent("pen"));
+    }
+
+    std::string RandomBytes(std::size_t size) {
+        std::string bytes(size, '\0');
+        for (char& byte : bytes) byte = static_cast<char>(m_random());
+        return bytes;
+    }
+
+    std::unique_ptr<Host> m_host;
+    std::mt19937 m_random{4711};
+};
+
+TEST_F(HostileFramesTest, WrongFramesCloseTheirConnectionWithALineThatSaysWhy) {
+    const struct {
+        std::string bytes;
+        const char* reason;
+    } cases[] = {
+        {"GET / HTTP/1.1\r\n\r\n", "the handshake does not begin with the magic bytes"},
+        {Hello() + "\x00\x00\x00\x00\x09"s, "unknown frame type 9"},
+        {Hello() + "\xFF\xFF\xFF\xFF\x01"s, "a frame of 4294967295 bytes is over the limit"},
+        {Hello() + "\x03\x00\x00\x00\x01xyz"s, "a message frame of 3 bytes is too short"},
+        {Hello() + "\x04\x00\x00\x00\x02xxxx"s, "a list of routes of 4 bytes"},
+    };
+    for (const auto& wrong : cases) {
+        SCOPED_TRACE(wrong.reason);
+        RawPeer peer(PipeSocket());
+        peer.Write(wrong.bytes);
+        EXPECT_TRUE(peer.IsClosedByPeer());
+        EXPECT_TRUE(ServiceLogs(wrong.reason)) << ServiceLog();
+    }
+}
+
+TEST_F(HostileFramesTest, AFrameCutShortByItsSendersEndIsNoMessage) {
+    std::string key = "dock";
+    TagIPCMessageItem item;
+    item.destId = IPC_ENDPOINT_UPDATE_SERVICE;
+    item.sourceId = IPC_ENDPOINT_PLUGIN;
+    item.msgId = IPC_MSG_DOWNLOAD_START;
+    item.data = key.data();
+    item.dataLen = static_cast<std::int32_t>(key.size() + 1);
+    std::string frame;
+    ipc_client::AppendMessage(frame, item);
+    for (std::size_t length = 0; length < frame.size(); ++length) {
+        RawPeer peer(PipeSocket());
+        ASSERT_TRUE(peer.Write(Hello() + frame.substr(0, length)));
+    }
+    RawPeer peer(PipeSocket());
+    ASSERT_TRUE(peer.Write(Hello() + frame));
+    ASSERT_TRUE(ServiceLogs("dock: start refused: the catalogue does not have it"));
+    const std::string log = ServiceLog();
+    EXPECT_EQ(log.find("start refused"), log.rfind("start refused")) << log;
+}
+
+TEST_F(HostileFramesTest, RandomStreamsEndInAClosedConnection) {
+    for (int round = 0; round < 40; ++round) {
+        RawPeer peer(PipeSocket());
+        peer.Write((round % 2 == 0 ? Hello() : "") + RandomBytes(2000));
+        EXPECT_TRUE(peer.IsClosedByPeer()) << round;
+    }
+}
+
+// They are no offence against the protocol, so everybody gets them.
+TEST_F(HostileFramesTest, RandomPayloadsOfWholeMessagesHarmNeitherTheServiceNorThePage) {
+    const struct {
+        int destId, msgId;
+    } targets[] = {
+        {IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_ALL_UPDATE_DATA},
+        {IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_DOWNLOAD_START},
+        {IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_DOWNLOAD_PAUSE},
+        {IPC_ENDPOINT_PLUGIN, IPC_MSG_ALL_UPDATE_DATA},
+        {IPC_ENDPOINT_PLUGIN, IPC_MSG_DOWNLOAD_PROCESS},
+        {IPC_ENDPOINT_PLUGIN, IPC_MSG_PKG_FINISH},
+        {IPC_ENDPOINT_PLUGIN, IPC_MSG_PKG_FAIL},
+    };
+    RawPeer peer(PipeSocket());
+    ASSERT_TRUE(peer.Write(Hello()));
+    for (int round = 0; round < 300; ++round) {
+        std::string payload = RandomBytes(m_random() % 60);
+        TagIPCMessageItem item;
+        item.destId = targets[static_cast<std::size_t>(round) % std::size(targets)].destId;
+        item.msgId = targets[static_cast<std::size_t>(round) % std::size(targets)].msgId;
+        item.data = payload.empty() ? nullptr : payload.data();
+        item.dataLen = static_cast<std::int32_t>(payload.size());
+        std::string frame;
+        ipc_client::AppendMessage(frame, item);
+        ASSERT_TRUE(peer.Write(frame)) << round;
+    }
+    EXPECT_TRUE(m_host->Program().Errors().WaitFor("AccessoriesUpdateWnd RecPkgFail enter"));
+    EXPECT_TRUE(ServiceLogs("start refused: the catalogue does not have it"));
+}
+
+}  // namespace
+}  // namespace e2e

@@ -1,0 +1,106 @@
+#include "page_e2e_test.h"
+
+#include <signal.h>
+
+#include <cstdlib>
+
+#include "sha256.h"
+
+namespace e2e {
+
+using test_process::Process;
+
+Host::Host(const std::vector<std::string>& arguments, const std::map<std::string, std::string>& environment)
+    : m_process(SETTINGS_HOST_PROGRAM, arguments, environment) {}
+
+// A command that comes on standard input and goes wrong is told in the transcript, and the next one is carried out.
+bool Host::Play(const std::string& lines) {
+    const std::size_t before = Transcript().size();
+    const std::string end = "played " + std::to_string(++m_played);
+    m_process.Write(lines + "\nsay " + end + "\n");
+    const bool played = m_process.Output().WaitFor("# " + end);
+    if (played && Transcript().find("standard input:", before) == std::string::npos) return true;
+    ADD_FAILURE() << "the host did not play\n"
+                  << lines << "\nits transcript:\n"
+                  << Transcript() << "its log:\n"
+                  << Log();
+    return false;
+}
+
+void Host::End() {
+    m_process.CloseInput();
+    EXPECT_EQ(m_process.WaitForEnd(), 0) << Transcript() << Log();
+}
+
+std::string WaitForRows(int rows, const std::string& lastKey) {
+    constexpr int kReported = 77;  // [design px] a row's height as the page first reports it
+    return "wait height " + std::to_string(rows * kReported) + " within 60\nwait hidden " + lastKey + "devInfo\n";
+}
+
+PageE2ETest::PageE2ETest() {
+    const auto pipes = m_folder / "pipes";
+    std::filesystem::create_directory(pipes);
+    std::filesystem::permissions(pipes, std::filesystem::perms::owner_all);
+}
+
+PageE2ETest::~PageE2ETest() {
+    if (m_service) StopService();
+}
+
+std::string PageE2ETest::PackageContent(const std::string& key, std::size_t size) const {
+    return key + update_service::Bytes(size - key.size());
+}
+
+void PageE2ETest::AddAccessory(const std::string& key, std::size_t packageSize, const std::string& installer) {
+    WriteFile(PackageSource(key), PackageContent(key, packageSize));
+    m_entries.push_back({{"deviceKey", key},
+                         {"modelId", "IDS_NAME_PEN"},
+                         {"image", "drawable/Brindle/pen.svg"},
+                         {"version", "2." + std::to_string(m_entries.size())},
+                         {"description", {"Steadier.", "Lighter."}},
+                         {"driver", true},
+                         {"package", PackageSource(key).filename().string()},
+                         {"sha256", *update_service::Sha256OfFile(PackageSource(key))},
+                         {"installer", installer}});
+    WriteFile(m_folder / "catalogue.json", nlohmann::ordered_json{{"accessories", m_entries}}.dump());
+}
+
+std::map<std::string, std::string> PageE2ETest::Environment() const {
+    return {{"BRINDLE_PIPE_DIR", (m_folder / "pipes").string()}};
+}
+
+std::map<std::string, std::string> PageE2ETest::HostEnvironment() const {
+    auto environment = Environment();
+    const char* const others = std::getenv("LD_LIBRARY_PATH");
+    environment["LD_LIBRARY_PATH"] =
+        std::string(FAST_KERNEL_DIR) + (others == nullptr ? "" : std::string(":") + others);
+    return environment;
+}
+
+void PageE2ETest::StartService(std::vector<std::string> options, std::filesystem::path catalogue) {
+    if (catalogue.empty()) catalogue = m_folder / "catalogue.json";
+    options.insert(options.end(), {"--catalogue", catalogue.string(), "--work-dir", (m_folder / "work").string()});
+    m_service = std::make_unique<Process>(UPDATE_SERVICE_PROGRAM, options, Environment());
+}
+
+void PageE2ETest::KillService() {
+    m_service->Signal(SIGKILL);
+    EXPECT_EQ(m_service->WaitForEnd(), -SIGKILL);
+    m_service.reset();
+}
+
+void PageE2ETest::StopService() {
+    m_service->Signal(SIGTERM);
+    EXPECT_EQ(m_service->WaitForEnd(), 0) << ServiceLog();
+    m_service.reset();
+}
+
+std::unique_ptr<Host> PageE2ETest::StartHost(std::vector<std::string> options,
+                                             const std::map<std::string, std::string>& environment) const {
+    options.insert(options.end(), {"--headless", "--script", "-"});
+    auto all = HostEnvironment();
+    for (const auto& [name, value] : environment) all[name] = value;
+    return std::make_unique<Host>(options, all);
+}
+
+}  // namespace e2e

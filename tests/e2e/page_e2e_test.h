@@ -1,0 +1,88 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "process.h"
+#include "test_folder.h"
+
+// The accessory page from end to end: the built service and the built host, each in a process of its own, over a real
+// pipe in the test's own folder, with package files that the test writes. Only the page's pauses are shorter.
+namespace e2e {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+using update_service::ReadFile;
+using update_service::WriteFile;
+
+// A settings host that carries out what the test plays to it (apps/settings_host/script.h).
+class Host {
+public:
+    Host(const std::vector<std::string>& arguments, const std::map<std::string, std::string>& environment);
+
+    // Returns once the host has carried out these script lines; false, and a failure of the test, when one went wrong.
+    [[nodiscard]] bool Play(const std::string& lines);
+
+    // Ends the script: the host leaves the page and ends well, with no complaint of a sanitizer.
+    void End();
+
+    test_process::Process& Program() { return m_process; }
+    std::string Transcript() const { return m_process.Output().Text(); }
+    std::string Log() const { return m_process.Errors().Text(); }
+
+private:
+    test_process::Process m_process;
+    int m_played = 0;
+};
+
+// Script lines: the page shows its list of so many rows whole, `lastKey` being the last, and can be clicked on.
+std::string WaitForRows(int rows, const std::string& lastKey);
+
+class PageE2ETest : public testing::Test {
+protected:
+    PageE2ETest();
+    ~PageE2ETest() override;  // ends the service that still runs, and expects it to end well
+
+    // Adds an accessory to the catalogue and writes its package. The installer is a shell text.
+    void AddAccessory(const std::string& key, std::size_t packageSize = kSize, const std::string& installer = "true");
+    std::string PackageContent(const std::string& key, std::size_t size = kSize) const;
+    std::filesystem::path PackageSource(const std::string& key) const { return m_folder / (key + ".source"); }
+
+    // The package as the service has fetched and checked it; what it has fetched so far.
+    std::filesystem::path Arrived(const std::string& key) const { return m_folder / "work" / (key + ".pkg"); }
+    std::filesystem::path Part(const std::string& key) const { return m_folder / "work" / (key + ".part"); }
+
+    // Starts a service on the test's catalogue, or on another one. Where it must be ready before the test goes on, the
+    // test waits for its log line.
+    void StartService(std::vector<std::string> options = {}, std::filesystem::path catalogue = {});
+    void KillService();
+    void StopService();
+    std::string ServiceLog() const { return m_service->Errors().Text(); }
+    [[nodiscard]] bool ServiceLogs(const std::string& text) const { return m_service->Errors().WaitFor(text); }
+
+    std::unique_ptr<Host> StartHost(std::vector<std::string> options = {},
+                                    const std::map<std::string, std::string>& environment = {}) const;
+
+    // Both programs' environment: the pipe in the test's folder. The host's names the fast kernel, too.
+    std::map<std::string, std::string> Environment() const;
+    std::map<std::string, std::string> HostEnvironment() const;
+    std::filesystem::path PipeSocket() const { return m_folder / "pipes" / "iKorvelAssistant.sock"; }
+
+    static constexpr std::size_t kSize = 200 * 1000;       // [bytes] of a package
+    static inline const std::string kSlowRate = "100000";  // [bytes/s] slow enough to be caught on the way
+
+    update_service::TestFolder m_folder;
+    std::unique_ptr<test_process::Process> m_service;
+
+private:
+    nlohmann::ordered_json m_entries = nlohmann::ordered_json::array();
+};
+
+}  // namespace e2e

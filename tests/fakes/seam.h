@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ipc_client/ipc_message_client.h"
+
+// What crosses the border between the plug-in and its platform, as the fake platform libraries of this folder record it,
+// and what they answer. One per process; single-threaded.
+//
+// The fake libraries carry the file names of the real ones, so a program that links them runs the built module against
+// them; the toolkit stays the real one.
+namespace seam {
+
+enum class Kind {
+    kLog,
+    kPost,
+    kClientCreated,
+    kClientDestroyed,
+    kRegister,
+    kUnregister,
+    kUnregisterAll,
+    kSleep,
+    kReportInit,
+    kReport,
+};
+
+struct Event {
+    Kind kind;
+    int number = 0;        // log: level; register, unregister: msgId; sleep: ms; reportInit: the number
+    std::wstring line;     // log
+    std::string text;      // reportInit: the text; report: the event id
+    TagIPCMessageItem item;  // post: the header; `data` says only whether there was one
+    std::string payload;     // post
+    std::vector<std::pair<std::string, std::string>> fields;  // report
+};
+
+struct ClientArguments {
+    int endpointId;
+    bool receives;
+    bool exclusive;
+    std::wstring pipeName;
+};
+
+struct Companion {
+    bool isApp = false;
+    bool running = false;
+};
+
+struct Callback {
+    const void* client;
+    std::function<void(TagIPCMessageItem&)> function;
+};
+
+struct Seam {
+    std::vector<Event> events;
+    std::vector<ClientArguments> clients;          // every client that was constructed
+    std::map<int, std::vector<Callback>> callbacks;  // by message id, in the order of registration
+    std::map<std::wstring, Companion> companions;
+    std::vector<std::wstring> companionQuestions;  // "running:KEY", "app:KEY"
+    bool postResult = true;
+    bool clientThrows = false;  // a client that is constructed throws std::bad_alloc
+    std::function<void(std::uint32_t milliseconds)> onSleep;
+    std::function<void(int msgId)> onPost;  // with the post recorded already
+
+    // Hands a message to the callback that was registered last for its id; false when there is none. The payload gets a
+    // zero byte behind it; an empty one is a null pointer.
+    bool Deliver(int msgId, std::string payload);
+};
+
+#if defined(_WIN32)
+#if defined(SEAM_BUILD)
+#define SEAM_API __declspec(dllexport)
+#else
+#define SEAM_API __declspec(dllimport)
+#endif
+#else
+#define SEAM_API __attribute__((visibility("default")))
+#endif
+
+SEAM_API Seam& Get();
+SEAM_API bool DeliverTo(Seam& seam, int msgId, std::string payload);
+
+inline bool Seam::Deliver(int msgId, std::string payload) { return DeliverTo(*this, msgId, std::move(payload)); }
+
+}  // namespace seam
