@@ -12,6 +12,8 @@ namespace DuiLib {
 namespace {
 
 constexpr std::wstring_view kPlaceholder = L"{0}";
+constexpr std::wstring_view kPlainPercent = L"{0}%";
+constexpr std::wstring_view kPlainDigits = L"0123456789";
 
 struct Hash {
     using is_transparent = void;
@@ -24,7 +26,8 @@ using Texts = std::unordered_map<std::wstring, CDuiString, Hash, std::equal_to<>
 
 struct UICulture::State {
     std::string language;
-    std::wstring percentPattern = L"{0}%";
+    std::wstring percentPattern{kPlainPercent};
+    std::wstring digits{kPlainDigits};  // 0 to 9 in order
     bool rightToLeft = false;
     Texts texts;
 };
@@ -48,10 +51,19 @@ CDuiString UICulture::GetBindString(std::wstring_view bindText) const {
     return GetString(bindText.substr(kHead.size(), bindText.size() - kHead.size() - 1));
 }
 
+CDuiString UICulture::GetNumberString(int number) const {
+    std::wstring text = std::to_wstring(number);
+    for (wchar_t& character : text) {
+        const std::size_t digit = kPlainDigits.find(character);
+        if (digit != kPlainDigits.npos) character = m_state->digits[digit];
+    }
+    return text;
+}
+
 CDuiString UICulture::GetPercentString(int percent) const {
     std::wstring text = m_state->percentPattern;
     const std::size_t at = text.find(kPlaceholder);
-    if (at != text.npos) text.replace(at, kPlaceholder.size(), std::to_wstring(percent));
+    if (at != text.npos) text.replace(at, kPlaceholder.size(), GetNumberString(percent).Str());
     return text;
 }
 
@@ -73,7 +85,8 @@ namespace {
 
 struct LanguageHead {
     std::string name;
-    std::wstring percentPattern = L"{0}%";
+    std::wstring percentPattern{kPlainPercent};
+    std::wstring digits{kPlainDigits};  // 0 to 9 in order
     bool rightToLeft = false;
 };
 
@@ -86,6 +99,8 @@ LanguageHead ReadHead(const XmlSource& source) {
             head.name = attribute.value();
         } else if (key == "percent" && value.find(kPlaceholder) != value.npos) {
             head.percentPattern = value;
+        } else if (key == "digits" && value.size() == kPlainDigits.size()) {
+            head.digits = value;
         } else if (key == "rtl" && ParseBool(value)) {
             head.rightToLeft = *ParseBool(value);
         } else {
@@ -129,7 +144,8 @@ void UICulture::Load(const std::filesystem::path& file) {
     LanguageHead head = ReadHead(source);
     Texts texts;
     for (const pugi::xml_node& node : root.children()) ReadText(source, node, texts);
-    *m_state = State{std::move(head.name), std::move(head.percentPattern), head.rightToLeft, std::move(texts)};
+    *m_state = State{std::move(head.name), std::move(head.percentPattern), std::move(head.digits), head.rightToLeft,
+                     std::move(texts)};
     CPaintManagerUI::LayOutEveryWindowAgain();
 }
 

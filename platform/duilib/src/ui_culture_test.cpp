@@ -1,5 +1,7 @@
 #include "duilib/ui_culture.h"
 
+#include <limits>
+
 #include "test_support.h"
 
 namespace DuiLib {
@@ -54,6 +56,30 @@ TEST_F(UICultureTest, BindTextsAreResolvedAndNothingElse) {
     EXPECT_EQ(culture.GetString(L"bind='IDS_A'"), L"");
 }
 
+TEST_F(UICultureTest, NumbersAndPercentagesHaveTheDigitsOfTheLanguage) {
+    culture.Load(folder.Write("ar.xml",
+                              "<Language name=\"ar\" percent=\"{0}\xd9\xaa\" digits=\"\xd9\xa0\xd9\xa1\xd9\xa2\xd9\xa3"
+                              "\xd9\xa4\xd9\xa5\xd9\xa6\xd9\xa7\xd9\xa8\xd9\xa9\"/>"));
+    EXPECT_EQ(culture.GetNumberString(1234567890), L"\u0661\u0662\u0663\u0664\u0665\u0666\u0667\u0668\u0669\u0660");
+    EXPECT_EQ(culture.GetNumberString(-5), L"-\u0665");
+    EXPECT_EQ(culture.GetPercentString(37), L"\u0663\u0667\u066a");
+    culture.Load(folder.Write("de.xml", "<Language name=\"de\" percent=\"{0} %\"/>"));
+    EXPECT_EQ(culture.GetNumberString(1234567890), L"1234567890") << "a language without digits has the plain ones";
+    EXPECT_EQ(culture.GetPercentString(37), L"37 %");
+}
+
+TEST_F(UICultureTest, TheSmallestIntegerIsANumberToo) {
+    EXPECT_EQ(culture.GetNumberString(std::numeric_limits<int>::min()), L"-2147483648");
+    EXPECT_EQ(culture.GetNumberString(0), L"0");
+}
+
+TEST_F(UICultureTest, ClearGivesThePlainDigitsBack) {
+    culture.Load(folder.Write("x.xml", "<Language name=\"x\" digits=\"abcdefghij\"/>"));
+    EXPECT_EQ(culture.GetPercentString(90), L"ja%");
+    culture.Clear();
+    EXPECT_EQ(culture.GetPercentString(90), L"90%");
+}
+
 TEST_F(UICultureTest, ClearLeavesNoTextsAndThePlainPercentForm) {
     culture.SetString(L"IDS_A", L"text");
     culture.SetPercentPattern(L"{0} {0}");
@@ -79,6 +105,9 @@ TEST_F(UICultureTest, ABrokenFileIsAnErrorWithLineAndReasonAndTheOldTextsStay) {
         {"\n<Window/>", "2: the root element is <Window>"},
         {"<Language/>", "1: <Language> without name"},
         {"<Language name=\"x\"\npercent=\"5\"/>", "2: <Language> cannot have percent=\"5\""},
+        {"<Language name=\"x\"\ndigits=\"012345678\"/>", "2: <Language> cannot have digits=\"012345678\""},
+        {"<Language name=\"x\" digits=\"01234567890\"/>", "1: <Language> cannot have digits"},
+        {"<Language name=\"x\" digits=\"\"/>", "1: <Language> cannot have digits=\"\""},
         {"<Language name=\"x\" rtl=\"yes\"/>", "1: <Language> cannot have rtl"},
         {"<Language name=\"x\" size=\"1\"/>", "1: <Language> cannot have size"},
         {"<Language name=\"x\" name=\"y\"/>", "1: attribute \"name\" twice"},

@@ -22,7 +22,10 @@ public:
     // or the language lacks the id.
     CDuiString GetBindString(std::wstring_view bindText) const;
 
-    // A whole percentage in the language's form, for example L"37%".
+    // A whole number in the language's digits, for example L"37"; nothing groups them, and the sign is "-".
+    CDuiString GetNumberString(int number) const;
+
+    // A whole percentage in the language's form and digits, for example L"37%".
     CDuiString GetPercentString(int percent) const;
 
     // Replaces all texts by those of a language file (docs/layout.md). Throws std::runtime_error, naming the file, the
