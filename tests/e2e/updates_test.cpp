@@ -133,7 +133,7 @@ TEST_F(UpdatesTest, APageOfTwoHundredRowsAppearsWholeAndInOrder) {
     ASSERT_TRUE(host->Play(WaitForRows(kRows, "key-199")));
     host->End();
     const std::string transcript = host->Transcript();
-    std::string page = "page:\n  Accessories\n  Updates are available for these accessories\n";
+    std::string page = "page:\n  Available updates\n  Keep accessories connected until their updates have ended.\n";
     for (int i = 0; i < kRows; ++i)
         page += "    Drawing Pen | Firmware version 2." + std::to_string(i) + " | <Update>\n";
     EXPECT_THAT(transcript, HasSubstr(page));
