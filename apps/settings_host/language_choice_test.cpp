@@ -1,0 +1,147 @@
+#include "language_choice.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <map>
+
+namespace settings_host {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::vector<std::string> kShipped = {"ar", "de-DE", "en-US", "fr-FR", "ja-JP", "qps-ploc", "zh-CN"};
+
+void ExpectChoices(const std::vector<std::pair<const char*, const char*>>& table) {
+    for (const auto& [locale, language] : table) EXPECT_EQ(ChooseLanguage(kShipped, locale), language) << locale;
+}
+
+TEST(LanguageChoice, TheLanguageOfTheVeryRegionComesFirst) {
+    ExpectChoices({{"de_DE.UTF-8", "de-DE"},
+                   {"zh_CN.GB18030", "zh-CN"},
+                   {"fr-FR", "fr-FR"},
+                   {"DE_de", "de-DE"},
+                   {"ja_JP.eucJP", "ja-JP"},
+                   {"ar", "ar"}});
+    EXPECT_EQ(ChooseLanguage({"de-AT", "de-DE"}, "de_DE"), "de-DE");
+    EXPECT_EQ(ChooseLanguage({"de-AT", "de-DE"}, "de_AT@euro"), "de-AT");
+}
+
+TEST(LanguageChoice, AnotherRegionGetsTheSameLanguage) {
+    ExpectChoices({{"de_AT.UTF-8", "de-DE"},
+                   {"de_DE@euro", "de-DE"},
+                   {"de", "de-DE"},
+                   {"fr_CA", "fr-FR"},
+                   {"ar_EG", "ar"},
+                   {"ar_SA.UTF-8", "ar"},
+                   {"en_GB.UTF-8", "en-US"}});
+}
+
+TEST(LanguageChoice, ChineseIsOnlyChosenInItsScript) {
+    ExpectChoices({{"zh", "zh-CN"},
+                   {"zh_SG.UTF-8", "zh-CN"},
+                   {"zh-Hans", "zh-CN"},
+                   {"zh_Hans_HK", "zh-CN"},
+                   {"zh_TW.UTF-8", "en-US"},
+                   {"zh_HK", "en-US"},
+                   {"zh_MO", "en-US"},
+                   {"zh-Hant", "en-US"},
+                   {"zh_Hant_CN", "en-US"}});
+    EXPECT_EQ(ChooseLanguage({"zh-CN", "zh-TW"}, "zh_HK.UTF-8"), "zh-TW");
+}
+
+TEST(LanguageChoice, WhatNothingSuitsGetsEnglish) {
+    ExpectChoices({{"C", "en-US"},
+                   {"C.UTF-8", "en-US"},
+                   {"POSIX", "en-US"},
+                   {"", "en-US"},
+                   {"tr_TR.UTF-8", "en-US"},
+                   {"d", "en-US"},
+                   {"_DE", "en-US"},
+                   {".UTF-8", "en-US"},
+                   {"@", "en-US"},
+                   {"__--..@@", "en-US"}});
+    EXPECT_EQ(ChooseLanguage({}, "de_DE"), "en-US");
+}
+
+TEST(LanguageChoice, ThePseudoLanguageIsOnlyChosenWhenItIsNamed) {
+    ExpectChoices({{"qps-ploc", "qps-ploc"},
+                   {"qps_PLOC.UTF-8", "qps-ploc"},
+                   {"qps", "en-US"},
+                   {"qps_US", "en-US"},
+                   {"C", "en-US"}});
+    EXPECT_EQ(ChooseLanguage({"qps-ploc"}, "qps_XX"), "en-US");
+}
+
+// The three variables as a test wants them; puts the old values back.
+class SystemLocaleTest : public testing::Test {
+protected:
+    SystemLocaleTest() {
+        for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+            const char* const value = std::getenv(name);
+            if (value != nullptr) m_old[name] = value;
+            unsetenv(name);
+        }
+    }
+    ~SystemLocaleTest() override {
+        for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+            if (m_old.contains(name)) {
+                setenv(name, m_old[name].c_str(), 1);
+            } else {
+                unsetenv(name);
+            }
+        }
+    }
+    static void Set(const char* name, const char* value) { setenv(name, value, 1); }
+
+private:
+    std::map<std::string, std::string> m_old;
+};
+
+TEST_F(SystemLocaleTest, AllComesBeforeMessagesAndMessagesBeforeLang) {
+    EXPECT_EQ(SystemLocale(), "");
+    Set("LANG", "de_DE.UTF-8");
+    EXPECT_EQ(SystemLocale(), "de_DE.UTF-8");
+    Set("LC_MESSAGES", "fr_FR.UTF-8");
+    EXPECT_EQ(SystemLocale(), "fr_FR.UTF-8");
+    Set("LC_ALL", "C");
+    EXPECT_EQ(SystemLocale(), "C");
+}
+
+TEST_F(SystemLocaleTest, AnEmptyVariableCountsAsUnset) {
+    Set("LC_ALL", "");
+    Set("LC_MESSAGES", "");
+    EXPECT_EQ(SystemLocale(), "");
+    Set("LANG", "ar_EG");
+    EXPECT_EQ(SystemLocale(), "ar_EG");
+}
+
+class AvailableLanguagesTest : public testing::Test {
+protected:
+    AvailableLanguagesTest() {
+        std::string name = (std::filesystem::temp_directory_path() / "languages-XXXXXX").string();
+        m_folder = mkdtemp(name.data());
+    }
+    ~AvailableLanguagesTest() override { std::filesystem::remove_all(m_folder); }
+    void Write(const char* name) { std::ofstream(m_folder / name) << "<Language/>"; }
+
+    std::filesystem::path m_folder;
+};
+
+TEST_F(AvailableLanguagesTest, EveryLanguageFileIsALanguage) {
+    for (const char* name : {"zh-CN.xml", "ar.xml", "qps-ploc.xml", "readme.txt"}) Write(name);
+    EXPECT_THAT(AvailableLanguages(m_folder), ElementsAre("ar", "qps-ploc", "zh-CN"));
+}
+
+TEST_F(AvailableLanguagesTest, AFolderThatCannotBeReadHasNone) {
+    EXPECT_THAT(AvailableLanguages(m_folder), IsEmpty());
+    EXPECT_THAT(AvailableLanguages(m_folder / "none"), IsEmpty());
+    Write("file");
+    EXPECT_THAT(AvailableLanguages(m_folder / "file"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace settings_host
