@@ -32,6 +32,7 @@ bool CContainerUI::Add(CControlUI* control) {
     control->m_parent = this;
     if (m_manager) control->AttachTree(m_manager);
     NeedLayout();
+    control->Invalidate();
     return true;
 }
 
@@ -42,6 +43,7 @@ bool CContainerUI::Remove(CControlUI* control) {
 }
 
 void CContainerUI::RemoveAll() {
+    Invalidate();
     const std::vector<CControlUI*> removed = std::exchange(m_items, {});
     for (CControlUI* child : removed) {
         child->m_parent = nullptr;
@@ -57,6 +59,7 @@ CControlUI* CContainerUI::GetItemAt(int index) const {
 }
 
 void CContainerUI::Forget(CControlUI* child) {
+    child->Invalidate();
     m_items.erase(std::find(m_items.begin(), m_items.end(), child));
     NeedLayout();
 }

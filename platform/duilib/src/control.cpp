@@ -45,6 +45,7 @@ void CControlUI::SetText(std::wstring_view text) {
     SharedText next(text);
     if (next == m_text) return;
     m_text = std::move(next);
+    Invalidate();
     if (IsSizedByText() && !(m_fixedWidth && m_fixedHeight)) NeedLayout();
 }
 
@@ -52,6 +53,7 @@ const CDuiString& CControlUI::GetToolTip() const { return m_extras ? m_extras->t
 
 void CControlUI::SetToolTip(std::wstring_view text) {
     if (m_extras || !text.empty()) Extras().toolTip = SharedText(text);
+    if (m_manager) m_manager->ToolTipSet(this);
 }
 
 void CControlUI::SetVirtualWnd(std::wstring_view name) {
@@ -71,12 +73,20 @@ bool CControlUI::IsVisible() const { return m_visible; }
 
 void CControlUI::SetVisible(bool visible) {
     if (m_visible == visible) return;
+    Invalidate();
     m_visible = visible;
+    Invalidate();
     NeedLayoutAround();
 }
 
 bool CControlUI::IsEnabled() const { return m_enabled; }
-void CControlUI::SetEnabled(bool enabled) { m_enabled = enabled; }
+
+void CControlUI::SetEnabled(bool enabled) {
+    if (m_enabled == enabled) return;
+    m_enabled = enabled;
+    Invalidate();
+}
+
 CContainerUI* CControlUI::GetParent() const { return m_parent; }
 CPaintManagerUI* CControlUI::GetManager() const { return m_manager; }
 
@@ -130,6 +140,10 @@ int CControlUI::GetWidth() {
 CDuiRect CControlUI::GetPos() {
     if (!IsShown()) return {};
     m_manager->Layout();
+    return PlaceInWindow();
+}
+
+CDuiRect CControlUI::PlaceInWindow() const {
     CDuiRect place = m_place;
     for (const CControlUI* control = m_parent; control; control = control->m_parent) {
         const int x = ClampExtent(std::int64_t{place.left} + control->m_place.left);
@@ -152,16 +166,24 @@ bool CControlUI::IsShown() const {
 void CControlUI::SetFont(int index) {
     if (m_font == index) return;
     m_font = index;
+    Invalidate();
     if (IsSizedByText()) NeedLayout();
 }
 
 int CControlUI::GetFont() const { return m_font; }
-void CControlUI::SetTextColor(CDuiColor color) { m_textColor = color; }
+
+void CControlUI::SetTextColor(CDuiColor color) {
+    if (m_textColor == color) return;
+    m_textColor = color;
+    Invalidate();
+}
+
 CDuiColor CControlUI::GetTextColor() const { return m_textColor; }
 
 void CControlUI::SetTextStyle(unsigned style) {
     if (m_textStyle == style) return;
     m_textStyle = style;
+    Invalidate();
     if (IsSizedByText()) NeedLayout();
 }
 
@@ -182,6 +204,12 @@ CDuiSize CControlUI::MeasureText(int width) const {
 CDuiRect CControlUI::GetTextRect(CDuiSize available) {
     const CDuiSize text = MeasureText(available.cx);
     return {0, 0, std::min(text.cx, std::max(0, available.cx)), std::min(text.cy, std::max(0, available.cy))};
+}
+
+// ---- Painting
+
+void CControlUI::Invalidate() {
+    if (m_manager && m_manager->WatchesChanges() && IsShown()) m_manager->Invalidate(*this);
 }
 
 // ---- The tree

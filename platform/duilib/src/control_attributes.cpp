@@ -9,6 +9,7 @@
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
 #include "layout_file.h"
+#include "picture_reference.h"
 
 namespace DuiLib {
 
@@ -138,7 +139,7 @@ struct AttributeAccess {
     static bool PaintColor(Control&, Text v) { return ParseColor(v).has_value(); }
     static bool PaintInt(Control&, Text v) { return ParseInt(v).has_value(); }
     static bool PaintSize(Control&, Text v) { return ParseSize(v).has_value(); }
-    static bool PaintImage(Control&, Text) { return true; }
+    static bool PaintImage(Control&, Text v) { return ParsePicture(v).has_value(); }
 };
 
 namespace {
@@ -199,16 +200,17 @@ void CControlUI::SetAttribute(std::wstring_view name, std::wstring_view value) {
     const SharedText sharedValue(value);  // the text may be this control's own
     auto& attributes = Extras().attributes;
     const auto found = std::ranges::find(attributes, sharedName, &std::pair<SharedText, SharedText>::first);
-    if (found != attributes.end()) {
-        found->second = sharedValue;
-    } else {
+    if (found == attributes.end()) {
         attributes.emplace_back(sharedName, sharedValue);
+        Invalidate();
+    } else if (found->second != sharedValue) {
+        found->second = sharedValue;
+        Invalidate();
     }
     if (const AttributeRule* rule = FindAttributeRule(sharedName.Get())) rule->apply(*this, sharedValue.Get());
 }
 
-const SharedText* CControlUI::FindAttribute(std::wstring_view name) const {
-    const SharedText key = SharedText::Find(name);
+const SharedText* CControlUI::FindAttribute(const SharedText& key) const {
     if (key.IsEmpty()) return nullptr;
     if (m_extras) {
         for (const auto& [attribute, value] : m_extras->attributes) {
@@ -224,10 +226,10 @@ const SharedText* CControlUI::FindAttribute(std::wstring_view name) const {
 }
 
 CDuiString CControlUI::GetAttribute(std::wstring_view name) const {
-    const SharedText* const value = FindAttribute(name);
+    const SharedText* const value = FindAttribute(SharedText::Find(name));
     return value ? value->Get() : CDuiString();
 }
 
-bool CControlUI::HasAttribute(std::wstring_view name) const { return FindAttribute(name) != nullptr; }
+bool CControlUI::HasAttribute(std::wstring_view name) const { return FindAttribute(SharedText::Find(name)) != nullptr; }
 
 }  // namespace DuiLib

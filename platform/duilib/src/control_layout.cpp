@@ -5,6 +5,7 @@
 #include "control_extras.h"
 #include "duilib/container.h"
 #include "duilib/control.h"
+#include "duilib/paint_manager.h"
 #include "duilib/resource_manager.h"
 #include "extent.h"
 
@@ -65,7 +66,11 @@ CDuiRect CControlUI::PosInPixels() const { return ScaleThickness(*m_extras->pos)
 
 void CControlUI::Arrange(const CDuiRect& place) {
     const bool resized = place.Width() != m_place.Width() || place.Height() != m_place.Height();
-    m_place = place;
+    if (resized || place.left != m_place.left || place.top != m_place.top) {
+        Invalidate();
+        m_place = place;
+        Invalidate();
+    }
     if (!resized && !m_arrangePending) return;
     m_arrangePending = false;
     ArrangeChildren();
@@ -90,6 +95,7 @@ void CControlUI::NeedLayout() {
         if (marked) return;
         control->ForgetSizes();
         if (!control->m_visible) return;
+        if (!control->m_parent && control->m_manager) control->m_manager->Changed();
     }
 }
 

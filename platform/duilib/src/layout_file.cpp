@@ -5,6 +5,7 @@
 #include "attribute_values.h"
 #include "duilib/container.h"
 #include "duilib/control.h"
+#include "duilib/scroll_view.h"
 #include "text_utf8.h"
 #include "xml_source.h"
 
@@ -30,6 +31,7 @@ constexpr std::array kElements = {
     ElementRule{"Container", Make<CContainerUI>},
     ElementRule{"VerticalLayout", Make<CVerticalLayoutUI>},
     ElementRule{"HorizontalLayout", Make<CHorizontalLayoutUI>},
+    ElementRule{"ScrollView", Make<CScrollViewUI>},
 };
 
 auto FindMaker(std::string_view name) -> CControlUI* (*)() {

@@ -37,6 +37,7 @@ void CPaintManagerUI::AttachRoot(CControlUI* root) {
     if (root == m_state->root || (root && (root->m_parent || root->m_manager))) return;
     delete m_state->root;
     m_state->root = root;
+    InvalidateAll();
     if (!root) return;
     root->AttachTree(this);
     root->NeedLayout();
@@ -57,12 +58,20 @@ void CPaintManagerUI::Renamed(CControlUI* control, SharedText name) {
 void CPaintManagerUI::Gone(CControlUI* control) {
     State& state = *m_state;
     state.names.Remove(control);
-    for (CControlUI** held : {&state.root, &state.hovered, &state.pressed, &state.focused}) {
+    for (CControlUI** held : {&state.root, &state.hovered, &state.pressed, &state.focused, &state.modal}) {
         if (*held == control) *held = nullptr;
     }
+    std::erase(state.hot, control);
+    if (state.tip.Owner() == control) state.tip.Over(nullptr);
     for (TNotifyUI* message : state.underWay) {
         if (message->sender == control) message->sender = nullptr;
     }
+}
+
+// A scroll view says so itself: to ~CControlUI it is no scroll view any more.
+void CPaintManagerUI::Gone(CScrollViewUI* view) {
+    if (m_state->dragged == view) m_state->dragged = nullptr;
+    std::erase(m_state->moving, view);
 }
 
 PaintDC* CPaintManagerUI::GetPaintDC() const { return &m_state->dc; }
@@ -72,6 +81,7 @@ PaintDC* CPaintManagerUI::GetPaintDC() const { return &m_state->dc; }
 void CPaintManagerUI::SetClientSize(CDuiSize size) {
     m_state->clientSize = {std::clamp(size.cx, 0, kMaxExtent), std::clamp(size.cy, 0, kMaxExtent)};
     NeedLayout();
+    InvalidateAll();
 }
 
 CDuiSize CPaintManagerUI::GetClientSize() const { return m_state->clientSize; }
@@ -92,6 +102,7 @@ void CPaintManagerUI::Layout() {
 void CPaintManagerUI::LayOutEveryWindowAgain() {
     for (CPaintManagerUI* window : Windows()) {
         if (window->m_state->root) window->m_state->root->ForgetSizesOfTree();
+        window->InvalidateAll();
     }
 }
 

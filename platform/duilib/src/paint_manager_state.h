@@ -1,12 +1,18 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <vector>
 
+#include "dirty_area.h"
 #include "duilib/paint_manager.h"
 #include "name_table.h"
 #include "paint_dc.h"
+#include "tool_tip.h"
 
 namespace DuiLib {
+
+class CScrollViewUI;
 
 struct CPaintManagerUI::State {
     explicit State(CPaintManagerUI* manager) : dc(manager) {}
@@ -22,6 +28,26 @@ struct CPaintManagerUI::State {
     CControlUI* hovered = nullptr;
     CControlUI* pressed = nullptr;
     CControlUI* focused = nullptr;
+    CControlUI* modal = nullptr;       // input goes to it and what lies in it alone
+    CScrollViewUI* dragged = nullptr;  // its bar is
+    std::vector<CScrollViewUI*> moving;
+    std::vector<CControlUI*> hot;  // those under the pointer that change their look for it, buttons excluded
+
+    // ---- Input
+    std::optional<CDuiPoint> pointer;  // in the window, where it was last
+    bool focusShown = false;           // the keyboard was used last
+    ToolTipTimer tip;
+    CDuiRect tipPlace;  // [device px] as painted last; empty while there is none
+
+    // ---- Painting
+    std::function<void()> wakeUp;
+    bool watched = false;  // somebody paints, or wants to be woken
+    bool awake = false;    // has been woken since the last painting
+    DirtyArea dirty;
+    const PaintSurface* painted = nullptr;
+
+    bool IsPointerIn(const CDuiRect& place) const { return pointer && place.Contains(*pointer); }
+    CDuiRect ClientArea() const { return {0, 0, clientSize.cx, clientSize.cy}; }
 };
 
 }  // namespace DuiLib

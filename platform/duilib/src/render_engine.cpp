@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "canvas.h"
 #include "duilib/paint_manager.h"
 #include "extent.h"
+#include "paint_dc.h"
 #include "system_text_measurer.h"
 
 namespace DuiLib {
@@ -14,10 +16,14 @@ TextMeasurer* replacement = nullptr;
 
 }  // namespace
 
-void CRenderEngine::DrawText(PaintDC*, CPaintManagerUI*, CDuiRect& rect, std::wstring_view text, CDuiColor, int font,
-                             unsigned style) {
-    if (!(style & kTextCalcRect)) return;  // no paint DC has a surface
+void CRenderEngine::DrawText(PaintDC* dc, CPaintManagerUI*, CDuiRect& rect, std::wstring_view text, CDuiColor color,
+                             int font, unsigned style) {
     const CResourceManager& resources = *CResourceManager::GetInstance();
+    if (!(style & kTextCalcRect)) {
+        Canvas* const canvas = dc ? dc->GetCanvas() : nullptr;
+        if (canvas) canvas->Text(rect, text, resources.GetFont(font), resources.GetScale(), color, style);
+        return;
+    }
     const bool wrap = !(style & kTextSingleLine);
     const CDuiSize size =
         GetTextMeasurer().Measure(text, resources.GetFont(font), resources.GetScale(), std::max(1, rect.Width()), wrap);

@@ -12,6 +12,8 @@ namespace DuiLib {
 struct CResourceManager::State {
     unsigned scale = 100;
     std::filesystem::path base = ProgramFolder();
+    std::filesystem::path skin = base.parent_path() / "res";
+    std::filesystem::path fallbackPicture;
     FontDescription defaultFont;
     std::map<int, FontDescription> fonts;
 };
@@ -23,6 +25,11 @@ int MultiplyRounded(std::int64_t value, std::int64_t multiplier, std::int64_t di
     const std::int64_t doubled = 2 * value * multiplier + divisor;
     const std::int64_t quotient = doubled / (2 * divisor);
     return ClampExtent(quotient - (doubled % (2 * divisor) < 0 ? 1 : 0));
+}
+
+std::filesystem::path PathOf(std::wstring_view file) {
+    const std::string utf8 = ToUtf8(file);
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
 }  // namespace
@@ -59,9 +66,17 @@ int CResourceManager::RestoreScale(int device, const CPaintManagerUI*) const {
 void CResourceManager::SetResourceBase(const std::filesystem::path& folder) { m_state->base = folder; }
 
 std::filesystem::path CResourceManager::Resolve(std::wstring_view file) const {
-    const std::string utf8 = ToUtf8(file);
-    return (m_state->base / std::filesystem::path(std::u8string(utf8.begin(), utf8.end()))).lexically_normal();
+    return (m_state->base / PathOf(file)).lexically_normal();
 }
+
+void CResourceManager::SetSkinFolder(const std::filesystem::path& folder) { m_state->skin = folder; }
+
+std::filesystem::path CResourceManager::ResolveSkinFile(std::wstring_view file) const {
+    return (m_state->skin / PathOf(file)).lexically_normal();
+}
+
+void CResourceManager::SetFallbackPicture(const std::filesystem::path& file) { m_state->fallbackPicture = file; }
+std::filesystem::path CResourceManager::GetFallbackPicture() const { return m_state->fallbackPicture; }
 
 void CResourceManager::SetFont(int index, const FontDescription& font) {
     const bool changed = GetFont(index) != font;

@@ -12,6 +12,7 @@
 
 namespace DuiLib {
 
+class Canvas;
 class CContainerUI;
 class CPaintManagerUI;
 struct ControlExtras;
@@ -89,6 +90,9 @@ public:
     // Marks the control, and what its size bears on, for the next layout.
     void NeedLayout();
 
+    // Marks the control's place for the next painting. What changes a control's look does so by itself.
+    void Invalidate();
+
 protected:
     // ---- What a class of controls tells the layout. All [device px], the space around the control excluded. They are
     // asked for visible controls alone, and their answers are kept until NeedLayout.
@@ -101,6 +105,9 @@ protected:
     virtual bool TakesPointer() const { return false; }   // whether it can be clicked
     virtual bool IsSizedByText() const { return false; }  // whether the text bears on the size
 
+    // Painted over the children; `place` is the control's own, in the window [device px].
+    virtual void PaintOver(Canvas&, const CDuiRect&) {}
+
     CDuiSize MeasureText(int width) const;  // text padding included; wrapped at the width if the text style wraps
     bool Wraps() const;
 
@@ -112,6 +119,8 @@ private:
     friend class LayoutBuilder;
     friend class NameTable;
     friend struct AttributeAccess;
+    friend struct ControlPainter;
+    friend class CScrollViewUI;
 
     // ---- Layout, see container.cpp
     int PreferredWidth();            // fixed, else of the content
@@ -126,13 +135,14 @@ private:
     void Arrange(const CDuiRect& place);  // relative to the parent
     void ForgetSizes();
     void ForgetSizesOfTree();
-    void NeedLayoutAround();  // when the control itself comes, goes or moves
-    bool IsShown() const;     // attached, and visible with all that it lies in
+    void NeedLayoutAround();         // when the control itself comes, goes or moves
+    bool IsShown() const;            // attached, and visible with all that it lies in
+    CDuiRect PlaceInWindow() const;  // as laid out last
 
     // ---- The tree
     void AttachTree(CPaintManagerUI* manager);
     ControlExtras& Extras();
-    const SharedText* FindAttribute(std::wstring_view name) const;  // null when it was never given
+    const SharedText* FindAttribute(const SharedText& name) const;  // null when it was never given
 
     CContainerUI* m_parent = nullptr;
     CPaintManagerUI* m_manager = nullptr;

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 #include "duilib/export.h"
 #include "duilib/geometry.h"
@@ -11,8 +15,22 @@
 namespace DuiLib {
 
 class CControlUI;
+class CScrollViewUI;
+class PaintSurface;
 
-enum class DuiKey { kTab, kShiftTab, kEnter, kSpace };
+enum class DuiKey {
+    kTab,
+    kShiftTab,
+    kEnter,
+    kSpace,
+    kEscape,
+    kUp,
+    kDown,
+    kPageUp,
+    kPageDown,
+    kHome,
+    kEnd,
+};
 
 // What text is measured and painted on; belongs to a paint manager.
 class PaintDC;
@@ -56,26 +74,72 @@ public:
     // that has one.
     void SendNotify(CControlUI* sender, std::wstring_view type, CDuiPoint mouse = {});
 
+    // ---- Input
     // Pointer input at a point of the window [device px]. Press and release on the same enabled button is a click.
-    // ButtonUp returns whether it clicked something. (A mouse of the model: SDL or Win32 feeds the same functions
-    // later.)
+    // ButtonUp returns whether it clicked something. The wheel moves the scroll view under the pointer by so many
+    // notches, down where positive; a touchpad sends parts of one.
     void MouseMove(CDuiPoint point);
+    void MouseLeave();
     bool ButtonDown(CDuiPoint point);
     bool ButtonUp(CDuiPoint point);
+    bool MouseWheel(CDuiPoint point, double notches);
     CControlUI* GetHovered() const;  // what the pointer was over when it moved last; null when that is gone
 
-    // Keyboard input: Tab moves the focus through the shown, enabled buttons, Enter and Space click the focused one.
-    // Returns whether the key did something.
+    // Keyboard input: Tab moves the focus through the shown, enabled buttons, Enter and Space click the focused one,
+    // Escape takes a tool tip away, arrows, Page, Home and End keys scroll. Returns whether the key did something.
     bool KeyDown(DuiKey key);
-    CControlUI* GetFocus() const;  // null when nothing has it, or when what had it is gone
+    CControlUI* GetFocus() const;        // null when nothing has it, or when what had it is gone
+    void SetFocus(CControlUI* control);  // as the keyboard would; null takes it away
+
+    // While this control is shown, input goes to it and what lies in it alone; null ends that.
+    void SetModal(CControlUI* control);
+
+    // Scrolls so that the control is seen.
+    void EnsureVisible(CControlUI& control);
+
+    // ---- Painting
+    // Paints what has changed since the last call, pending layout done first, and returns where that was [device px];
+    // nothing where nothing changed. A surface that is not the window's size is made so; one that is not the last
+    // call's is painted whole.
+    std::vector<CDuiRect> Paint(PaintSurface& surface);
+    void InvalidateAll();
+
+    // Called once after each painting when there is something to lay out or paint again, on whichever thread made the
+    // change, under the UI turn: it wakes whoever paints.
+    void SetWakeUp(std::function<void()> wakeUp);
+
+    // What moves by itself: scrolling, and tool tips that wait for their time. Returns when it wants to be called next;
+    // nothing while all is at rest.
+    using TimePoint = std::chrono::steady_clock::time_point;
+    std::optional<TimePoint> Tick(TimePoint now);
+
+    CControlUI* GetToolTipOwner() const;  // whose tool tip is shown; null for none
 
 private:
     struct State;
     struct HitTest;
     void Attached(CControlUI* control);                  // a control of this window's tree came
     void Gone(CControlUI* control);                      // ... is being destroyed
+    void Gone(CScrollViewUI* view);                      // ... and is a scroll view
     void Renamed(CControlUI* control, SharedText name);  // ... takes a name
     static void LayOutEveryWindowAgain();
+
+    bool WatchesChanges() const;
+    void Changed();
+    void Invalidate(const CControlUI& control);
+    void Invalidate(const CDuiRect& area);
+    void LayOutForPainting();
+    void Moving(CScrollViewUI* view);
+    CControlUI* InputRoot() const;
+    CControlUI* Hit(CDuiPoint point) const;
+    void UpdateHovered();
+    void UpdateHot();
+    void MoveFocus(bool forward);
+    bool Scroll(DuiKey key);
+    void ToolTipSet(const CControlUI* control);
+    void UpdateToolTipOwner();
+    void UpdateToolTipPlace();
+    void DismissToolTip();
 
     std::shared_ptr<State> m_state;  // shared with calls that are under way, so that a handler may destroy the window
     friend class CResourceManager;
@@ -83,6 +147,8 @@ private:
     friend class UICulture;
     friend class CControlUI;
     friend class CContainerUI;
+    friend class CScrollViewUI;
+    friend struct ControlPainter;
 };
 
 }  // namespace DuiLib

@@ -35,8 +35,8 @@ public:
 class DUILIB_API CRenderEngine {
 public:
     // With kTextCalcRect: shrinks or grows `rect`, at its left top corner, to what the text needs, wrapped at its width
-    // unless kTextSingleLine. The font is an index into CResourceManager's. Without it the text is painted; a DC that
-    // has no surface, as those of windows without a native window, takes no paint, so nothing happens then.
+    // unless kTextSingleLine. The font is an index into CResourceManager's. Without it the text is painted, at
+    // times other than while the window is being painted nowhere.
     static void DrawText(PaintDC* dc, CPaintManagerUI* manager, CDuiRect& rect, std::wstring_view text, CDuiColor color,
                          int font, unsigned style);
 

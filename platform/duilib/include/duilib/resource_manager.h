@@ -39,6 +39,15 @@ public:
     void SetResourceBase(const std::filesystem::path& folder);
     std::filesystem::path Resolve(std::wstring_view file) const;
 
+    // The folder that picture paths such as "drawable/..." are relative to: Resolve(L"../res") unless set. Pictures are
+    // read once in a process.
+    void SetSkinFolder(const std::filesystem::path& folder);
+    std::filesystem::path ResolveSkinFile(std::wstring_view file) const;
+
+    // What is drawn in place of a picture that cannot be read; nothing unless set.
+    void SetFallbackPicture(const std::filesystem::path& file);
+    std::filesystem::path GetFallbackPicture() const;
+
     // Fonts by index, as the layouts and SetFont use them. -1, and an index that nobody set, is the default font. The
     // reference lives until the font is set again; setting it to another one lays every window out again.
     void SetFont(int index, const FontDescription& font);

@@ -1,0 +1,175 @@
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+#include "cairo_owned.h"
+#include "canvas.h"
+#include "duilib/render_engine.h"
+#include "duilib/ui_culture.h"
+#include "pango_text.h"
+#include "picture_files_cairo.h"
+
+namespace DuiLib {
+
+struct Canvas::State {
+    explicit State(PaintSurface& target)
+        : surface(CairoView(target)), owned(cairo_create(surface.get())), context(owned.get()) {}
+
+    struct Rounded {
+        bool rounded;
+        CDuiRect area;
+        CDuiSize corner;
+    };
+
+    void SetColor(CDuiColor color) const {
+        const auto part = [color](int shift) { return ((color >> shift) & 0xFF) / 255.0; };
+        cairo_set_source_rgba(context, part(16), part(8), part(0), part(24));
+    }
+
+    // A rectangle whose edges may lie between pixels, with round corners.
+    void Path(double left, double top, double width, double height, double cornerX, double cornerY) const {
+        const double rx = std::min(cornerX, width / 2);
+        const double ry = std::min(cornerY, height / 2);
+        cairo_new_path(context);
+        if (rx <= 0 || ry <= 0) {
+            cairo_rectangle(context, left, top, width, height);
+            return;
+        }
+        constexpr double kQuarter = std::numbers::pi / 2;
+        const auto corner = [&](double x, double y, double from) {
+            cairo_save(context);
+            cairo_translate(context, x, y);
+            cairo_scale(context, rx, ry);
+            cairo_arc(context, 0, 0, 1, from, from + kQuarter);
+            cairo_restore(context);
+        };
+        corner(left + width - rx, top + ry, -kQuarter);
+        corner(left + width - rx, top + height - ry, 0);
+        corner(left + rx, top + height - ry, kQuarter);
+        corner(left + rx, top + ry, 2 * kQuarter);
+        cairo_close_path(context);
+    }
+    void Path(const CDuiRect& area, CDuiSize corner) const {
+        Path(area.left, area.top, area.Width(), area.Height(), corner.cx, corner.cy);
+    }
+
+    const CairoSurface surface;
+    const CairoContext owned;
+    cairo_t* const context;
+    std::vector<Rounded> clips;
+};
+
+Canvas::Canvas(PaintSurface& surface) : m_state(std::make_unique<State>(surface)) {}
+Canvas::~Canvas() = default;
+
+void Canvas::Clip(const CDuiRect& area) {
+    m_state->clips.push_back({false, area, {}});
+    cairo_save(m_state->context);
+    m_state->Path(area, {});
+    cairo_clip(m_state->context);
+}
+
+// What is drawn within goes onto a layer of its own first: were each drawing cut by itself, the smooth edge of one
+// would shine through the next.
+void Canvas::ClipRounded(const CDuiRect& area, CDuiSize corner) {
+    m_state->clips.push_back({true, area, corner});
+    cairo_save(m_state->context);
+    m_state->Path(area, {});
+    cairo_clip(m_state->context);
+    cairo_push_group(m_state->context);
+}
+
+void Canvas::Restore() {
+    const State::Rounded clip = m_state->clips.back();
+    m_state->clips.pop_back();
+    if (clip.rounded) {
+        cairo_pop_group_to_source(m_state->context);
+        m_state->Path(clip.area, clip.corner);
+        cairo_fill(m_state->context);
+    }
+    cairo_restore(m_state->context);
+}
+
+void Canvas::Clear(const CDuiRect& area, CDuiColor color) {
+    cairo_save(m_state->context);
+    cairo_set_operator(m_state->context, CAIRO_OPERATOR_SOURCE);
+    Fill(area, {}, color);
+    cairo_restore(m_state->context);
+}
+
+void Canvas::Fill(const CDuiRect& area, CDuiSize corner, CDuiColor color) {
+    if (area.Width() <= 0 || area.Height() <= 0) return;
+    m_state->SetColor(color);
+    m_state->Path(area, corner);
+    cairo_fill(m_state->context);
+}
+
+void Canvas::Border(const CDuiRect& area, CDuiSize corner, int thickness, CDuiColor color) {
+    if (thickness <= 0 || area.Width() <= 0 || area.Height() <= 0) return;
+    const double half = thickness / 2.0;
+    m_state->SetColor(color);
+    m_state->Path(area.left + half, area.top + half, std::max(0, area.Width() - thickness),
+                  std::max(0, area.Height() - thickness), std::max(0.0, corner.cx - half),
+                  std::max(0.0, corner.cy - half));
+    cairo_set_line_width(m_state->context, thickness);
+    cairo_stroke(m_state->context);
+}
+
+void Canvas::Picture(const CDuiRect& area, const std::filesystem::path& file, bool mirrored, double opacity) {
+    cairo_surface_t* const picture = RasterOf(file, {area.Width(), area.Height()});
+    if (!picture) return;
+    cairo_t* const context = m_state->context;
+    cairo_save(context);
+    cairo_translate(context, mirrored ? area.right : area.left, area.top);
+    if (mirrored) cairo_scale(context, -1, 1);
+    cairo_set_source_surface(context, picture, 0, 0);
+    cairo_paint_with_alpha(context, opacity);
+    cairo_restore(context);
+}
+
+// ---- Text
+
+namespace {
+
+// Where a line of a text starts, relative to the left edge of its area.
+double LineOffset(unsigned style, bool rightToLeft, double space) {
+    if (style & kTextCenter) return std::floor(space / 2);
+    const bool atEnd = (style & kTextRight) != 0;
+    return atEnd != rightToLeft ? space : 0;
+}
+
+double TextTop(unsigned style, double space) {
+    if (style & kTextVCenter) return std::floor(space / 2);
+    return style & kTextBottom ? space : 0;
+}
+
+}  // namespace
+
+void Canvas::Text(const CDuiRect& area, std::wstring_view text, const FontDescription& font, unsigned scale,
+                  CDuiColor color, unsigned style) {
+    if (text.empty() || area.Width() <= 0 || area.Height() <= 0) return;
+    const bool wrap = !(style & kTextSingleLine);
+    const bool ellipsis = !wrap && (style & kTextEndEllipsis);
+    PangoLayout* const layout = SetText({text, font, scale, wrap || ellipsis ? area.Width() : -1, wrap, ellipsis});
+    PangoRectangle whole;
+    pango_layout_get_extents(layout, nullptr, &whole);
+    const double top = area.top + TextTop(style, area.Height() - PANGO_PIXELS_CEIL(whole.height));
+    const bool rightToLeft = UICulture::GetInstance()->IsRightToLeft();
+
+    Clip(area);
+    m_state->SetColor(color);
+    PangoLayoutIter* const line = pango_layout_get_iter(layout);
+    do {
+        PangoRectangle extent;
+        pango_layout_iter_get_line_extents(line, nullptr, &extent);
+        const double space = area.Width() - PANGO_PIXELS_CEIL(extent.width);
+        cairo_move_to(m_state->context, area.left + LineOffset(style, rightToLeft, space),
+                      top + PANGO_PIXELS(pango_layout_iter_get_baseline(line)));
+        pango_cairo_show_layout_line(m_state->context, pango_layout_iter_get_line_readonly(line));
+    } while (pango_layout_iter_next_line(line));
+    pango_layout_iter_free(line);
+    Restore();
+}
+
+}  // namespace DuiLib
