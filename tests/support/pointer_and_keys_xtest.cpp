@@ -49,10 +49,10 @@ public:
 
     void Button(unsigned button, bool isDown);
     std::vector<KeyCode> KeyCodes(const std::string& combination) const;  // in the order of pressing
-    Window Find(const std::string& title);                                // None when there is none
-    Window Get(const std::string& title);
+    void AddKey(std::vector<KeyCode>& codes, const std::string& name) const;
+    Window Find(const std::string& title);  // None when there is none
+    Window FindOrThrow(const std::string& title);
     std::string TitleIfShown(Window window);
-    using XConnection::Get;
 
     const Window m_root;
 };
@@ -63,34 +63,37 @@ void PointerAndKeys::Connection::Button(unsigned button, bool isDown) {
 }
 
 std::vector<KeyCode> PointerAndKeys::Connection::KeyCodes(const std::string& combination) const {
-    const std::string action = "pressing " + combination;
     std::vector<KeyCode> codes;
     std::size_t begin = 0;
     for (std::size_t end; (end = combination.find('+', begin)) != std::string::npos; begin = end + 1) {
         const std::string name = combination.substr(begin, end - begin);
         const KeySym modifier = ModifierNamed(name);
-        if (modifier == NoSymbol) throw Failure(action, "\"" + name + "\" is no modifier");
+        if (modifier == NoSymbol) throw Failure("pressing " + combination, "\"" + name + "\" is no modifier");
         codes.push_back(XKeysymToKeycode(Get(), modifier));
     }
-    const std::string name = combination.substr(begin);
+    AddKey(codes, combination.substr(begin));
+    return codes;
+}
+
+// Adds Shift before it when the name is what the key gives with Shift.
+void PointerAndKeys::Connection::AddKey(std::vector<KeyCode>& codes, const std::string& name) const {
     const KeySym symbol = XStringToKeysym(name.c_str());
     const KeyCode code = symbol == NoSymbol ? KeyCode{0} : XKeysymToKeycode(Get(), symbol);
-    if (code == 0) throw Failure(action, "there is no key \"" + name + "\"");
+    if (code == 0) throw Failure("pressing a key", "there is no key \"" + name + "\"");
     const bool isShifted =
         XkbKeycodeToKeysym(Get(), code, 0, 0) != symbol && XkbKeycodeToKeysym(Get(), code, 0, 1) == symbol;
     const KeyCode shift = XKeysymToKeycode(Get(), XK_Shift_L);
     if (isShifted && std::find(codes.begin(), codes.end(), shift) == codes.end()) codes.push_back(shift);
     codes.push_back(code);
-    return codes;
 }
 
 // Empty for windows without a title, that are not shown, or that have gone meanwhile.
 std::string PointerAndKeys::Connection::TitleIfShown(Window window) {
-    const Atom name = XInternAtom(Get(), "_NET_WM_NAME", False);
-    const Atom utf8 = XInternAtom(Get(), "UTF8_STRING", False);
     constexpr long kLongest = 1024;  // in units of 4 bytes
     std::string title;
     const bool isThere = Try("reading titles", [&] {
+        const Atom name = XInternAtom(Get(), "_NET_WM_NAME", False);
+        const Atom utf8 = XInternAtom(Get(), "UTF8_STRING", False);
         XWindowAttributes attributes{};
         if (!XGetWindowAttributes(Get(), window, &attributes) || attributes.map_state != IsViewable) return;
         Atom type = None;
@@ -121,7 +124,7 @@ Window PointerAndKeys::Connection::Find(const std::string& title) {
     return None;
 }
 
-Window PointerAndKeys::Connection::Get(const std::string& title) {
+Window PointerAndKeys::Connection::FindOrThrow(const std::string& title) {
     const Window window = Find(title);
     if (window == None) throw Failure("finding a window", "none with the title \"" + title + "\" is shown");
     return window;
@@ -162,8 +165,8 @@ void PointerAndKeys::Wheel(int notches) {
 }
 
 void PointerAndKeys::Key(const std::string& combination) {
-    const std::vector<KeyCode> codes = m_connection->KeyCodes(combination);
     m_connection->Do("pressing " + combination, [&] {
+        const std::vector<KeyCode> codes = m_connection->KeyCodes(combination);
         for (auto code = codes.begin(); code != codes.end(); ++code) {
             XTestFakeKeyEvent(m_connection->Get(), *code, True, CurrentTime);
         }
@@ -176,7 +179,7 @@ void PointerAndKeys::Key(const std::string& combination) {
 bool PointerAndKeys::WindowExists(const std::string& title) { return m_connection->Find(title) != None; }
 
 ScreenPoint PointerAndKeys::WindowOrigin(const std::string& title) {
-    const Window window = m_connection->Get(title);
+    const Window window = m_connection->FindOrThrow(title);
     ScreenPoint origin;
     Window ignored = None;
     m_connection->Do("finding the place of \"" + title + "\"", [&] {
@@ -186,7 +189,7 @@ ScreenPoint PointerAndKeys::WindowOrigin(const std::string& title) {
 }
 
 void PointerAndKeys::SetInputFocus(const std::string& title) {
-    const Window window = m_connection->Get(title);
+    const Window window = m_connection->FindOrThrow(title);
     m_connection->Do("giving the focus to \"" + title + "\"",
                      [&] { XSetInputFocus(m_connection->Get(), window, RevertToParent, CurrentTime); });
 }
@@ -195,7 +198,7 @@ void PointerAndKeys::CloseWindow(const std::string& title) {
     ::Display* const display = m_connection->Get();
     XEvent event{};
     event.xclient.type = ClientMessage;
-    event.xclient.window = m_connection->Get(title);
+    event.xclient.window = m_connection->FindOrThrow(title);
     event.xclient.format = 32;
     m_connection->Do("closing \"" + title + "\"", [&] {
         event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", False);
