@@ -61,7 +61,7 @@ Bus Connect(Clock::time_point deadline) {
 
 Message CallInhibit(sd_bus* bus, const std::string& who, const std::string& reason, Clock::time_point deadline) {
     Checked(sd_bus_set_method_call_timeout(bus, MicrosecondsUntil(deadline)), "the time to answer cannot be set");
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     sd_bus_message* reply = nullptr;
     const int result =
         sd_bus_call_method(bus, "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
