@@ -42,10 +42,17 @@ void ChildPrograms::Start(const std::string& program) {
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, ends[0], STDIN_FILENO);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawnattr_t attributes;  // the program is to be stopped by signals that this one may hold back
+    posix_spawnattr_init(&attributes);
+    sigset_t none;
+    sigemptyset(&none);
+    posix_spawnattr_setsigmask(&attributes, &none);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
     char* const arguments[] = {const_cast<char*>(program.c_str()), nullptr};
     pid_t process = 0;
-    const int error = posix_spawn(&process, file.c_str(), &actions, nullptr, arguments, environ);
+    const int error = posix_spawn(&process, file.c_str(), &actions, &attributes, arguments, environ);
     posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
     close(ends[0]);
     if (error != 0) {
         close(ends[1]);

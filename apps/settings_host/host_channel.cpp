@@ -17,15 +17,23 @@ std::string DeviceKey(const TagIPCMessageItem& item) { return item.data == nullp
 
 }  // namespace
 
-HostChannel::HostChannel()
-    : m_layout(IPC_ENDPOINT_HOST_LAYOUT, true, false, IPC_PIPE_ASSISTANT),
+HostChannel::HostChannel(std::function<void()> changed)
+    : m_changed(std::move(changed)),
+      m_layout(IPC_ENDPOINT_HOST_LAYOUT, true, false, IPC_PIPE_ASSISTANT),
       m_status(IPC_ENDPOINT_HOST_STATUS, true, false, IPC_PIPE_ASSISTANT),
       m_plugin(IPC_ENDPOINT_HOST_PLUGIN, true, false, IPC_PIPE_ASSISTANT) {
-    m_layout.RegisterMessageCallback(IPC_MSG_CONTENT_HEIGHT, [this](TagIPCMessageItem& item) { OnHeight(item); });
-    m_status.RegisterMessageCallback(IPC_MSG_NO_UPDATES_LEFT, [this](TagIPCMessageItem&) { OnNothingLeft(); });
-    m_plugin.RegisterMessageCallback(IPC_MSG_PLUGIN_UPDATE, [this](TagIPCMessageItem& item) { OnUpdate(item); });
-    m_plugin.RegisterMessageCallback(IPC_MSG_PLUGIN_UPDATE_FINISH,
-                                     [this](TagIPCMessageItem& item) { OnUpdateFinish(item); });
+    Listen(m_layout, IPC_MSG_CONTENT_HEIGHT, &HostChannel::OnHeight);
+    Listen(m_status, IPC_MSG_NO_UPDATES_LEFT, &HostChannel::OnNothingLeft);
+    Listen(m_plugin, IPC_MSG_PLUGIN_UPDATE, &HostChannel::OnUpdate);
+    Listen(m_plugin, IPC_MSG_PLUGIN_UPDATE_FINISH, &HostChannel::OnUpdateFinish);
+}
+
+void HostChannel::Listen(IPCMessageClient& client, int message,
+                         void (HostChannel::*handler)(const TagIPCMessageItem&)) {
+    client.RegisterMessageCallback(message, [this, handler](TagIPCMessageItem& item) {
+        (this->*handler)(item);
+        m_changed();
+    });
 }
 
 void HostChannel::OnHeight(const TagIPCMessageItem& item) {
@@ -41,7 +49,7 @@ void HostChannel::OnHeight(const TagIPCMessageItem& item) {
     Say("host: content height " + digits);
 }
 
-void HostChannel::OnNothingLeft() {
+void HostChannel::OnNothingLeft(const TagIPCMessageItem&) {
     m_news.nothingLeft = true;
     Say("host: no update is left");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 
@@ -9,27 +10,31 @@ namespace settings_host {
 
 // What the page told the host, kept up to date by messages. Read and written under the UI turn.
 struct PageNews {
-    int contentHeight = 0;             // [design px] as last reported
-    bool heightReported = false;       // whether any report has come
-    bool nothingLeft = false;          // the last row has finished
-    std::set<std::string> running;     // device keys of running updates [ANSI code page]
+    int contentHeight = 0;          // [design px] as last reported
+    bool heightReported = false;    // whether any report has come
+    bool nothingLeft = false;       // the last row has finished
+    std::set<std::string> running;  // device keys of running updates [ANSI code page]
 };
 
 // The host's endpoints on the message pipe: the page's content height, the start and end of updates, and the news that
 // no row is left. Each message changes PageNews and is told in the transcript.
 class HostChannel {
 public:
-    HostChannel();
+    // `changed` is called, under the UI turn, after each message on the thread that brought it.
+    explicit HostChannel(std::function<void()> changed);
 
     // Under the UI turn.
     PageNews& News() { return m_news; }
 
 private:
     void OnHeight(const TagIPCMessageItem& item);
-    void OnNothingLeft();
+    void OnNothingLeft(const TagIPCMessageItem& item);
     void OnUpdate(const TagIPCMessageItem& item);
     void OnUpdateFinish(const TagIPCMessageItem& item);
 
+    void Listen(IPCMessageClient& client, int message, void (HostChannel::*handler)(const TagIPCMessageItem&));
+
+    const std::function<void()> m_changed;
     PageNews m_news;
     IPCMessageClient m_layout;  // last: their callbacks use what stands above
     IPCMessageClient m_status;

@@ -11,10 +11,12 @@ struct CommandLine {
     std::filesystem::path components;  // folder that holds brindle/res
     std::filesystem::path companions;  // accessory update configuration; empty: none
     std::filesystem::path script;      // empty: none; "-": standard input
+    std::filesystem::path screenshot;  // empty: none
+    std::filesystem::path pictures;    // folder for the pictures of scripts
     std::filesystem::path logFile;     // empty: standard error alone
     std::filesystem::path reportFile;  // empty: usage events are dropped
-    std::string language = "en-US";
-    unsigned scale = 100;  // [percent]
+    std::string language;              // empty: the locale's
+    std::optional<unsigned> scale;     // [percent] nothing: the display's, 100 without one
     bool headless = false;
     bool trace = false;
     bool quietLog = false;

@@ -80,7 +80,7 @@ std::string RowText(CControlUI* row) {
 
 }  // namespace
 
-std::string PageText(PageWindow& window) {
+std::string PageText(SettingsWindow& window) {
     std::string text;
     for (const wchar_t* const heading : {L"DeviceUpdateTitle", L"topName"}) {
         CControlUI* const control = window.Find(heading);

@@ -67,7 +67,7 @@ Wait ReadWait(Arguments& arguments) {
     Wait wait;
     wait.condition = arguments.Take("a condition");
     const std::string& what = wait.condition;
-    if (what == "shown" || what == "hidden") {
+    if (what == "shown" || what == "hidden" || what == "tip") {
         wait.control = arguments.Take("a control's name");
     } else if (what == "text" || what == "tooltip") {
         wait.control = arguments.Take("a control's name");
@@ -97,6 +97,12 @@ Command ReadCommand(Arguments& arguments, const std::string& line) {
     Command command;
     if (verb == "click") {
         command = Click{arguments.Take("a control's name")};
+    } else if (verb == "hover") {
+        command = Hover{arguments.Take("a control's name")};
+    } else if (verb == "where") {
+        command = Where{arguments.Take("a control's name")};
+    } else if (verb == "picture") {
+        command = Picture{arguments.Take("a file's name")};
     } else if (verb == "wait") {
         command = ReadWait(arguments);
     } else if (verb == "start") {

@@ -12,6 +12,9 @@ namespace settings_host {
 // comments.
 //
 //     click NAME                       presses the control as a pointer would, within 3 seconds from now
+//     hover NAME                       moves the pointer there
+//     where NAME                       writes its place on the desktop: "where NAME X Y WIDTH HEIGHT" in pixels
+//     picture FILE                     paints the window into a PNG file of the folder --pictures
 //     wait CONDITION [within SECONDS]  until it holds; 10 seconds unless said otherwise
 //     start PROGRAM, stop PROGRAM      a program of the host's own folder
 //     say WORDS                        writes them into the transcript
@@ -21,6 +24,7 @@ namespace settings_host {
 //     shown NAME, hidden NAME          the control is there and visible with all around it, or not
 //     text NAME "TEXT"                 the control's text
 //     tooltip NAME "TEXT"              the control's tool tip
+//     tip NAME                         its tool tip is seen
 //     percent NAME N                   the control's text is a percentage of at least N
 //     height N                         the page's content height in design pixels
 //     running N                        so many updates run
@@ -30,6 +34,15 @@ namespace script {
 
 struct Click {
     std::string control;
+};
+struct Hover {
+    std::string control;
+};
+struct Where {
+    std::string control;
+};
+struct Picture {
+    std::string file;
 };
 struct Wait {
     std::string condition;
@@ -50,7 +63,7 @@ struct Words {
 struct Close {};
 struct Open {};
 
-using Command = std::variant<Click, Wait, Start, Stop, Words, Close, Open>;
+using Command = std::variant<Click, Hover, Where, Picture, Wait, Start, Stop, Words, Close, Open>;
 
 // What is wrong with a script, or what went wrong in it: "FILE:LINE: reason".
 class Error : public std::runtime_error {

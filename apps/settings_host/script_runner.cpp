@@ -1,7 +1,6 @@
 #include "script_runner.h"
 
 #include <chrono>
-#include <cstdlib>
 
 #include "ipc/channel.h"
 #include "ipc_client/ipc_connection_state.h"
@@ -13,12 +12,13 @@ namespace settings_host {
 
 namespace {
 
-constexpr auto kClickPatience = std::chrono::seconds(3);  // a row may not be laid out yet
+constexpr auto kPatience = std::chrono::seconds(3);
 
-bool IsPercentageFrom(const std::string& text, int least) {
-    char* end = nullptr;
-    const long percent = std::strtol(text.c_str(), &end, 10);
-    return end != text.c_str() && *end == '%' && percent >= least;
+bool IsPercentageFrom(const DuiLib::CDuiString& text, int least) {
+    for (int percent = least; percent <= 100; ++percent) {
+        if (text == DuiLib::UICulture::GetInstance()->GetPercentString(percent)) return true;
+    }
+    return false;
 }
 
 std::string TextFor(const script::Wait& wait, DuiLib::CControlUI& control) {
@@ -46,15 +46,45 @@ void ScriptRunner::Run(script::Reader& reader) {
     }
 }
 
+// Until it works: a row may not be laid out yet.
+void ScriptRunner::Try(const std::string& what, const std::function<std::string()>& attempt) {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    std::string fault = attempt();
+    while (!fault.empty() && std::chrono::steady_clock::now() < end) {
+        m_around.idle();
+        fault = attempt();
+    }
+    if (!fault.empty()) throw std::runtime_error(what + ": " + fault);
+}
+
 void ScriptRunner::Do(const script::Click& click) {
     Say("> click " + click.control);
-    const auto end = std::chrono::steady_clock::now() + kClickPatience;
-    std::string fault = m_window.Click(FromUtf8(click.control));
-    while (!fault.empty() && std::chrono::steady_clock::now() < end) {
-        m_idle();
-        fault = m_window.Click(FromUtf8(click.control));
+    Try("click " + click.control, [&] { return m_window.Click(FromUtf8(click.control)); });
+}
+
+void ScriptRunner::Do(const script::Hover& hover) {
+    Try("hover " + hover.control, [&] { return m_window.Hover(FromUtf8(hover.control)); });
+}
+
+void ScriptRunner::Do(const script::Where& where) {
+    m_around.idle();
+    const kernel::UiTurn turn;
+    DuiLib::CControlUI* const control = m_window.Find(FromUtf8(where.control));
+    if (control == nullptr) throw std::runtime_error("where " + where.control + ": no control has that name");
+    const DuiLib::CDuiRect place = control->GetPos();
+    const DuiLib::CDuiPoint origin = m_around.origin();
+    std::string line = "where " + where.control;
+    for (const int number : {origin.x + place.left, origin.y + place.top, place.Width(), place.Height()}) {
+        line += " " + std::to_string(number);
     }
-    if (!fault.empty()) throw std::runtime_error("click " + click.control + ": " + fault);
+    Say(line);
+}
+
+void ScriptRunner::Do(const script::Picture& picture) {
+    m_around.idle();
+    const std::filesystem::path file = m_around.pictures / picture.file;
+    m_window.SavePicture(file);
+    Say("picture: " + file.string());
 }
 
 void ScriptRunner::Do(const script::Words& words) { Say("# " + words.text); }
@@ -66,7 +96,7 @@ void ScriptRunner::Do(const script::Wait& wait) {
             throw std::runtime_error("wait " + Description(wait) + ": not within " +
                                      std::to_string(wait.limit.count()) + " s; " + Seen(wait));
         }
-        m_idle();
+        m_around.idle();
     }
 }
 
@@ -84,8 +114,9 @@ bool ScriptRunner::Holds(const script::Wait& wait) {
     if (what == "shown") return shown;
     if (what == "hidden") return control != nullptr && !shown;
     if (control == nullptr) return false;
-    const std::string text = TextFor(wait, *control);
-    return what == "percent" ? IsPercentageFrom(text, wait.number) : text == wait.text;
+    if (what == "tip") return m_window.Manager().GetToolTipOwner() == control;
+    if (what == "percent") return IsPercentageFrom(control->GetText(), wait.number);
+    return TextFor(wait, *control) == wait.text;
 }
 
 std::string ScriptRunner::Seen(const script::Wait& wait) {
@@ -98,6 +129,7 @@ std::string ScriptRunner::Seen(const script::Wait& wait) {
     if (control == nullptr) return "no control has that name";
     if (wait.condition == "shown") return "it is hidden";
     if (wait.condition == "hidden") return "it is shown";
+    if (wait.condition == "tip") return "its tool tip is not seen";
     return "it is \"" + TextFor(wait, *control) + "\"";
 }
 

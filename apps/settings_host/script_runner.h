@@ -1,27 +1,35 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
 #include "child_programs.h"
 #include "host_channel.h"
-#include "page_window.h"
 #include "script.h"
+#include "settings_window.h"
 
 namespace settings_host {
 
 // Carries out script commands on the host's window. UI thread; takes the UI turn itself.
 class ScriptRunner {
 public:
-    // `idle` is called again and again while a command waits.
-    ScriptRunner(PageWindow& window, HostChannel& channel, std::function<void()> idle)
-        : m_window(window), m_channel(channel), m_idle(std::move(idle)) {}
+    struct Surroundings {
+        std::function<void()> idle;                 // called again and again while a command waits
+        std::function<DuiLib::CDuiPoint()> origin;  // [device px] of the window's content on the desktop
+        std::filesystem::path pictures;             // folder for pictures
+    };
+    ScriptRunner(SettingsWindow& window, HostChannel& channel, Surroundings surroundings)
+        : m_window(window), m_channel(channel), m_around(std::move(surroundings)) {}
 
     // Until the script's end. Throws script::Error.
     void Run(script::Reader& reader);
 
 private:
     void Do(const script::Click& click);
+    void Do(const script::Hover& hover);
+    void Do(const script::Where& where);
+    void Do(const script::Picture& picture);
     void Do(const script::Wait& wait);
     void Do(const script::Start& start) { m_programs.Start(start.program); }
     void Do(const script::Stop& stop) { m_programs.Stop(stop.program); }
@@ -29,12 +37,13 @@ private:
     void Do(const script::Close&) { m_window.Close(); }
     void Do(const script::Open&) { m_window.Open(); }
 
+    void Try(const std::string& what, const std::function<std::string()>& attempt);
     bool Holds(const script::Wait& wait);
     std::string Seen(const script::Wait& wait);
 
-    PageWindow& m_window;
+    SettingsWindow& m_window;
     HostChannel& m_channel;
-    std::function<void()> m_idle;
+    const Surroundings m_around;
     ChildPrograms m_programs;
 };
 

@@ -10,7 +10,7 @@
 #include "ipc_page_link.h"
 #include "log.h"
 #include "options.h"
-#include "stop_signal.h"
+#include "stop_signal/stop_signal.h"
 #include "text.h"
 #include "update_service.h"
 
@@ -37,13 +37,13 @@ void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
     ReceiveRequests(client, service);
     LogToQxLogger(LOG_LEVEL_EVENT, "ready " + Utf8FromWide(IPC_PIPE_ASSISTANT));
 
-    LogToQxLogger(LOG_LEVEL_EVENT, std::string("stops: ") + WaitForStopSignal());
+    LogToQxLogger(LOG_LEVEL_EVENT, std::string("stops: ") + stop_signal::WaitForStopSignal());
     client.UnRegisterMessageCallbackAll();
     service.Stop();
 }
 
 int Main(int argc, const char* const* argv) {
-    HoldStopSignals();
+    stop_signal::HoldStopSignals();
     int exitCode = 0;
     const auto commandLine = ReadCommandLine(argc, argv, exitCode);
     if (!commandLine) return exitCode;

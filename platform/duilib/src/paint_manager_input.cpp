@@ -282,7 +282,10 @@ bool CPaintManagerUI::KeyDown(DuiKey key) {
     if (key == DuiKey::kEscape) {
         const bool shown = m_state->tip.Shown() != nullptr;
         DismissToolTip();
-        return shown;
+        CControlUI* const modal = m_state->modal;
+        if (shown || !modal || !modal->IsShown()) return shown;
+        SendNotify(modal, kNotifyCancel);
+        return true;
     }
     return Scroll(key);
 }

@@ -103,6 +103,7 @@ void Connection::ConnectLater(const std::string& reason) {
         m_phase = Phase::kUnreachable;
     }
     m_phaseChanged.notify_all();
+    TellOfChange();
     if (std::exchange(m_lastReason, reason) != reason) {
         Log(kIpcLogEvent, "the pipe cannot be reached, trying again: " + reason);
     }
@@ -131,6 +132,7 @@ void Connection::Opened() {
         m_phase = Phase::kOpen;
     }
     m_phaseChanged.notify_all();
+    TellOfChange();
     Log(kIpcLogDetail, m_path.string() + ": connected");
 }
 

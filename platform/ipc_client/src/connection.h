@@ -5,6 +5,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -60,6 +61,8 @@ private:
     void BatchEnded() override {}
     void Closed(const std::string& reason, int level) override;
 
+    static void TellOfChange();  // the process's sink, see ipc_connection_state.h
+
     void SendRoutes(FrameType type, const std::vector<Route>& routes);
     void WaitUntilWritten();
 
@@ -85,5 +88,8 @@ private:
 
     std::thread m_thread;  // last: everything it uses is there before it starts
 };
+
+// As SetPipeConnectionSink.
+void SetChangeSink(std::function<void()> changed);
 
 }  // namespace ipc_client

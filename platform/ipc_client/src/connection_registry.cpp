@@ -18,7 +18,29 @@ Registry& TheRegistry() {
     return registry;
 }
 
+struct ChangeSink {
+    std::mutex mutex;
+    std::function<void()> changed;
+};
+
+ChangeSink& TheSink() {
+    static ChangeSink& sink = *new ChangeSink;
+    return sink;
+}
+
 }  // namespace
+
+void Connection::TellOfChange() {
+    ChangeSink& sink = TheSink();
+    const std::lock_guard lock(sink.mutex);
+    if (sink.changed) sink.changed();
+}
+
+void SetChangeSink(std::function<void()> changed) {
+    ChangeSink& sink = TheSink();
+    const std::lock_guard lock(sink.mutex);
+    sink.changed = std::move(changed);
+}
 
 std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
     const std::filesystem::path path = PipePath(pipeName);
@@ -48,3 +70,5 @@ bool IsPipeConnected(const std::wstring& pipeName) {
     const auto connection = ipc_client::Connection::Existing(pipeName);
     return connection && connection->IsOpen();
 }
+
+void SetPipeConnectionSink(std::function<void()> changed) { ipc_client::SetChangeSink(std::move(changed)); }

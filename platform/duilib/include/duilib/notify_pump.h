@@ -14,6 +14,7 @@ class CControlUI;
 class CNotifyPump;
 
 inline constexpr const wchar_t* kNotifyClick = L"click";
+inline constexpr const wchar_t* kNotifyCancel = L"cancel";  // Escape, to the control that holds the input
 
 // One notification: something happened to a control. Lives during the call alone.
 struct TNotifyUI {

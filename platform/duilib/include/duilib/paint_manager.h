@@ -86,7 +86,8 @@ public:
     CControlUI* GetHovered() const;  // what the pointer was over when it moved last; null when that is gone
 
     // Keyboard input: Tab moves the focus through the shown, enabled buttons, Enter and Space click the focused one,
-    // Escape takes a tool tip away, arrows, Page, Home and End keys scroll. Returns whether the key did something.
+    // Escape takes a tool tip away, else is the notification
+    // "cancel" of the control that holds the input, arrows, Page, Home and End keys scroll. Returns whether the key did something.
     bool KeyDown(DuiKey key);
     CControlUI* GetFocus() const;        // null when nothing has it, or when what had it is gone
     void SetFocus(CControlUI* control);  // as the keyboard would; null takes it away

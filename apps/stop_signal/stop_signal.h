@@ -1,6 +1,6 @@
 #pragma once
 
-namespace update_service {
+namespace stop_signal {
 
 // Holds back the signals that ask the process to stop, so that WaitForStopSignal gets them. Call in main, before any
 // thread is made.
@@ -9,4 +9,4 @@ void HoldStopSignals();
 // Waits until the process is asked to stop, and returns that signal's name.
 const char* WaitForStopSignal();
 
-}  // namespace update_service
+}  // namespace stop_signal

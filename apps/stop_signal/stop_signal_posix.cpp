@@ -4,7 +4,7 @@
 
 #include "stop_signal.h"
 
-namespace update_service {
+namespace stop_signal {
 namespace {
 
 sigset_t StopSignals() {
@@ -30,4 +30,4 @@ const char* WaitForStopSignal() {
     return number == SIGTERM ? "SIGTERM" : number == SIGINT ? "SIGINT" : "SIGHUP";
 }
 
-}  // namespace update_service
+}  // namespace stop_signal

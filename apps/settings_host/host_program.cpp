@@ -1,0 +1,185 @@
+#include "host_program.h"
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+#include "ipc_client/ipc_connection_state.h"
+#include "kernel/ui_turn.h"
+#include "log.h"
+#include "page_text.h"
+#include "script_input.h"
+#include "script_runner.h"
+#include "transcript.h"
+#include "utf8.h"
+
+namespace settings_host {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kLookAgain{10};  // how often a page without a window, or a script's condition, is looked at
+constexpr milliseconds kRest{500};      // without a change, the page has come to rest
+constexpr std::chrono::seconds kListPatience{10};
+
+// The running program, for signals; guarded by the mutex.
+std::mutex programMutex;
+HostProgram* program = nullptr;
+std::atomic<bool> stopAsked{false};
+
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream input(text);
+    for (std::string line; std::getline(input, line);) lines.push_back(line);
+    return lines;
+}
+
+}  // namespace
+
+HostProgram::HostProgram(const CommandLine& commandLine)
+    : m_commandLine(commandLine),
+      m_module(commandLine.module),
+      m_inhibitor("Settings", [](const std::string& line) { LogLibraryLine(LOG_LEVEL_EVENT, line); }),
+      m_channel([this] { WakeUp(); }),
+      m_window(m_module, m_channel, m_inhibitor) {
+    if (!commandLine.headless) {
+        const std::string title = ToUtf8(DuiLib::UICulture::GetInstance()->GetString(L"IDS_HOST_WINDOW_TITLE"));
+        m_native.emplace(m_window.Manager(), DuiLib::WindowOptions{.title = title,
+                                                                   .size = SettingsWindow::kSize,
+                                                                   .smallest = SettingsWindow::kSmallest,
+                                                                   .scale = commandLine.scale});
+        m_native->SetCloseHandler([this] { m_window.AskToClose(); });
+    }
+    SetPipeConnectionSink([this] { WakeUp(); });
+    {
+        const std::lock_guard lock(m_wakeMutex);
+        m_awaiting = m_native ? &*m_native : nullptr;
+    }
+    const std::lock_guard lock(programMutex);
+    program = this;
+}
+
+HostProgram::~HostProgram() {
+    {
+        const std::lock_guard lock(programMutex);
+        program = nullptr;
+    }
+    SetPipeConnectionSink({});
+    const std::lock_guard lock(m_wakeMutex);
+    m_awaiting = nullptr;
+}
+
+void HostProgram::AskToStop() {
+    stopAsked = true;
+    const std::lock_guard lock(programMutex);
+    if (program) program->WakeUp();
+}
+
+void HostProgram::WakeUp() {
+    const std::lock_guard lock(m_wakeMutex);
+    if (m_awaiting) m_awaiting->WakeUp();
+}
+
+void HostProgram::Run() {
+    m_window.Open();
+    PlayScript();
+    if (!m_commandLine.screenshot.empty()) {
+        Settle();
+        m_window.SavePicture(m_commandLine.screenshot);
+        Say("picture: " + m_commandLine.screenshot.string());
+    } else if (m_commandLine.script.empty()) {
+        for (;;) Step({});
+    }
+    WritePage();
+}
+
+// One turn of the loop: shows what is new, then waits for more, at most until `limit`.
+void HostProgram::Step(std::optional<milliseconds> limit) {
+    if (stopAsked) throw Ended("stopped");
+    const steady_clock::time_point now = steady_clock::now();
+    const auto next = m_window.ApplyNews(now);
+    if (m_window.WantsToEnd()) throw Ended("");
+    if (!m_native) {
+        WritePage();
+        m_window.Manager().Tick(now);
+        std::this_thread::sleep_for(kLookAgain);
+        return;
+    }
+    if (next) {
+        const milliseconds left = std::max(milliseconds(0), std::chrono::ceil<milliseconds>(*next - now));
+        limit = std::min(left, limit.value_or(left));
+    }
+    m_native->RunOnce(limit);
+}
+
+// Writes what is another than before: the changed lines of a page that has as many as before, else the whole page.
+void HostProgram::WritePage() {
+    if (!m_commandLine.headless) return;
+    m_window.ApplyNews(steady_clock::now());
+    std::vector<std::string> lines;
+    {
+        const kernel::UiTurn turn;
+        lines = Lines(PageText(m_window));
+    }
+    if (lines == m_written) return;
+    const bool whole = lines.size() != m_written.size();
+    if (whole) Say(lines.empty() ? "page: (nothing is shown)" : "page:");
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (whole || lines[i] != m_written[i]) Say(lines[i]);
+    }
+    m_written = lines;
+}
+
+// ---- Scripts
+
+void HostProgram::PlayScript() {
+    if (m_commandLine.script.empty()) return;
+    if (m_commandLine.script == "-") {
+        ScriptInput input(0, [this] { Step(kLookAgain); });
+        PlayFrom(input.Stream(), "standard input", true);
+        return;
+    }
+    std::ifstream file(m_commandLine.script);
+    if (!file) throw std::runtime_error(m_commandLine.script.string() + ": the script cannot be read");
+    PlayFrom(file, m_commandLine.script.string(), false);
+}
+
+void HostProgram::PlayFrom(std::istream& input, const std::string& name, bool fromTerminal) {
+    ScriptRunner runner(m_window, m_channel,
+                        {.idle = [this] { Step(kLookAgain); },
+                         .origin = [this] { return m_native ? m_native->GetOrigin() : DuiLib::CDuiPoint{}; },
+                         .pictures = m_commandLine.pictures});
+    script::Reader reader(input, name);
+    for (bool ended = false; !ended;) {
+        try {
+            runner.Run(reader);
+            ended = true;
+        } catch (const script::Error& error) {
+            if (!fromTerminal) throw;
+            Say(error.what());  // a person tries again
+        }
+    }
+}
+
+// Until the page has shown its list, or there is none to come, and does not change any more.
+void HostProgram::Settle() {
+    const auto patience = steady_clock::now() + kListPatience;
+    std::string before;
+    auto since = steady_clock::now();
+    for (;;) {
+        Step(kLookAgain);
+        const kernel::UiTurn turn;
+        std::string text = PageText(m_window);
+        const auto now = steady_clock::now();
+        if (text != before) since = now;
+        before = std::move(text);
+        const bool shown = m_channel.News().heightReported || m_channel.News().nothingLeft;
+        if ((shown || now >= patience) && now - since >= kRest) return;
+    }
+}
+
+}  // namespace settings_host

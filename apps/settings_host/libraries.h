@@ -1,0 +1,11 @@
+#pragma once
+
+#include "options.h"
+
+namespace settings_host {
+
+// Prepares the libraries that the page and the host share: log, usage report, companions, scale, resources, language.
+// Throws std::runtime_error, naming the file and the reason.
+void SetUpLibraries(const CommandLine& commandLine);
+
+}  // namespace settings_host

@@ -1,0 +1,15 @@
+#include "log.h"
+
+#include <sstream>
+
+#include "utf8.h"
+
+namespace settings_host {
+
+void LogLibraryLine(int level, const std::string& text) {
+    std::wstringstream line;
+    line << FromUtf8(text);
+    QxLogger::GetInstance()->Log(static_cast<LOG_MESSAGE_LEVEL>(level), line);
+}
+
+}  // namespace settings_host

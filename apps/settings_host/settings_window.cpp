@@ -1,0 +1,244 @@
+#include "settings_window.h"
+
+#include <array>
+#include <memory>
+#include <stdexcept>
+
+#include "ipc/channel.h"
+#include "ipc_client/ipc_connection_state.h"
+#include "kernel/ui_turn.h"
+#include "utf8.h"
+
+namespace settings_host {
+
+namespace {
+
+using DuiLib::CControlUI;
+using DuiLib::CDuiString;
+
+constexpr const wchar_t* kLayout = L"../components/brindle/res/layout/SettingsWindow.xml";
+constexpr const wchar_t* kChosenColor = L"#140A59F7";  // of the page that is shown, in the list of pages
+constexpr const wchar_t* kOtherColor = L"#00FFFFFF";
+constexpr std::chrono::milliseconds kPatience{1500};  // a service that starts just now is no news
+
+CDuiString Text(std::wstring_view id) { return DuiLib::UICulture::GetInstance()->GetString(id); }
+
+// The template with its "{0}" replaced.
+std::wstring Filled(std::wstring_view id, std::wstring_view value) {
+    constexpr std::wstring_view kPlaceholder = L"{0}";
+    std::wstring text = Text(id).Str();
+    const std::size_t at = text.find(kPlaceholder);
+    if (at != std::wstring::npos) text.replace(at, kPlaceholder.size(), value);
+    return text;
+}
+
+std::unique_ptr<CControlUI> Build() {
+    DuiLib::CDialogBuilder builder;
+    std::unique_ptr<CControlUI> root(builder.Create(kLayout));
+    if (!root) throw std::runtime_error(ToUtf8(builder.GetError()));
+    return root;
+}
+
+}  // namespace
+
+SettingsWindow::SettingsWindow(const PageModule& module, HostChannel& channel, SleepInhibitor& inhibitor)
+    : m_module(module), m_channel(channel), m_inhibitor(inhibitor) {
+    const kernel::UiTurn turn;
+    m_manager.AttachRoot(Build().release());
+    m_page = dynamic_cast<DuiLib::CContainerUI*>(Find(L"page"));
+    if (m_page == nullptr) throw std::runtime_error(ToUtf8(kLayout) + ": it has no container \"page\"");
+    for (const wchar_t* const name :
+         {L"navAccessories", L"navAbout", L"pageName", L"runningCount", L"serviceBar", L"accessoriesView",
+          L"searchingView", L"upToDateView", L"aboutView", L"closeQuestion", L"closeAnyway", L"keepOpen"}) {
+        if (Find(name) == nullptr) throw std::runtime_error(ToUtf8(kLayout) + ": it has no \"" + ToUtf8(name) + "\"");
+    }
+    m_manager.AddNotifyPump(this);
+    m_manager.SetClientSize(DuiLib::CResourceManager::GetInstance()->Scale(kSize, &m_manager));
+    m_inhibitor.SetReason(ToUtf8(Text(L"IDS_HOST_INHIBIT_REASON")));
+    ShowView();
+}
+
+SettingsWindow::~SettingsWindow() { Close(); }
+
+void SettingsWindow::Open() {
+    const kernel::UiTurn turn;
+    if (m_open) return;
+    m_open = true;
+    m_module.CreateSetting(&m_manager, this, m_page);
+}
+
+void SettingsWindow::Close() {
+    const kernel::UiTurn turn;
+    if (!m_open) return;
+    m_open = false;
+    m_module.CloseWnd();
+    m_page->RemoveAll();
+    m_channel.News() = PageNews{};
+    m_inhibitor.Hold(false);
+}
+
+// ---- What is shown
+
+std::optional<SettingsWindow::TimePoint> SettingsWindow::ApplyNews(TimePoint now) {
+    const kernel::UiTurn turn;
+    ShowView();
+    ApplyContentHeight();
+    ShowRunning();
+    return ShowReachability(now);
+}
+
+void SettingsWindow::ApplyContentHeight() {
+    const PageNews& news = m_channel.News();
+    const int height = news.contentHeight <= 0 ? 0 : news.contentHeight + HeadingHeight();
+    if (height == m_appliedHeight) return;
+    m_appliedHeight = height;
+    m_page->SetFixedHeight(height);
+}
+
+int SettingsWindow::HeadingHeight() {
+    CControlUI* const list = Find(L"accessVer");
+    if (list == nullptr) return 0;
+    const int above = list->GetPos().top - m_page->GetPos().top;
+    return DuiLib::CResourceManager::GetInstance()->RestoreScale(above, &m_manager);
+}
+
+// The page sends nothing for an empty list: it hides its heading.
+bool SettingsWindow::ListIsEmpty() {
+    CControlUI* const heading = Find(L"topName");
+    return heading != nullptr && !heading->IsVisible() && !m_channel.News().heightReported;
+}
+
+SettingsWindow::View SettingsWindow::CurrentView() {
+    if (m_aboutChosen) return View::kAbout;
+    if (m_channel.News().nothingLeft || ListIsEmpty()) return View::kUpToDate;
+    return m_channel.News().contentHeight > 0 ? View::kList : View::kSearching;
+}
+
+void SettingsWindow::ShowView() {
+    const View view = CurrentView();
+    Find(L"accessoriesView")->SetVisible(view == View::kList);
+    Find(L"searchingView")->SetVisible(view == View::kSearching);
+    Find(L"upToDateView")->SetVisible(view == View::kUpToDate);
+    Find(L"aboutView")->SetVisible(view == View::kAbout);
+    Find(L"navAccessories")->SetAttribute(L"bkcolor", m_aboutChosen ? kOtherColor : kChosenColor);
+    Find(L"navAbout")->SetAttribute(L"bkcolor", m_aboutChosen ? kChosenColor : kOtherColor);
+    Find(L"pageName")->SetText(Text(m_aboutChosen ? L"IDS_HOST_PAGE_ABOUT" : L"IDS_HOST_PAGE_ACCESSORIES"));
+}
+
+void SettingsWindow::ShowRunning() {
+    const auto running = static_cast<int>(m_channel.News().running.size());
+    CControlUI* const count = Find(L"runningCount");
+    count->SetVisible(running > 0);
+    if (running > 0) {
+        count->SetText(Filled(L"IDS_HOST_RUNNING", DuiLib::UICulture::GetInstance()->GetNumberString(running)));
+    }
+    m_inhibitor.Hold(running > 0);
+    if (running == 0) ShowQuestion(false);
+}
+
+std::optional<SettingsWindow::TimePoint> SettingsWindow::ShowReachability(TimePoint now) {
+    if (IsPipeConnected(IPC_PIPE_ASSISTANT)) {
+        m_unreachableSince.reset();
+    } else if (!m_unreachableSince) {
+        m_unreachableSince = now;
+    }
+    const bool missing = m_unreachableSince && now >= *m_unreachableSince + kPatience;
+    Find(L"serviceBar")->SetVisible(missing);
+    if (!m_unreachableSince || missing) return {};
+    return *m_unreachableSince + kPatience;
+}
+
+// ---- What the user does
+
+const DuiLib::DUI_MSGMAP* SettingsWindow::GetMessageMap() const {
+    using Handler = void (DuiLib::CNotifyPump::*)(DuiLib::TNotifyUI&);
+    static const std::array<DuiLib::DUI_MSGMAP_ENTRY, 3> entries{{
+        {DuiLib::kNotifyClick, nullptr, &DuiLib::CNotifyPump::OnClick},
+        {DuiLib::kNotifyCancel, L"closeQuestion", static_cast<Handler>(&SettingsWindow::OnCancel)},
+        {nullptr, nullptr, nullptr},
+    }};
+    static const DuiLib::DUI_MSGMAP map{&s_messageMap, entries.data()};
+    return &map;
+}
+
+void SettingsWindow::OnClick(DuiLib::TNotifyUI& message) {
+    if (message.sender == nullptr) return;
+    const CDuiString& name = message.sender->GetName();
+    if (name == L"navAccessories") m_aboutChosen = false;
+    if (name == L"navAbout") m_aboutChosen = true;
+    if (name == L"closeAnyway") m_wantsToEnd = true;
+    if (name == L"keepOpen") ShowQuestion(false);
+    ShowView();
+}
+
+void SettingsWindow::OnCancel(DuiLib::TNotifyUI&) { ShowQuestion(false); }
+
+void SettingsWindow::AskToClose() {
+    const kernel::UiTurn turn;
+    if (m_channel.News().running.empty()) {
+        m_wantsToEnd = true;
+    } else {
+        ShowQuestion(true);
+    }
+}
+
+void SettingsWindow::ShowQuestion(bool shown) {
+    CControlUI* const question = Find(L"closeQuestion");
+    if (question->IsVisible() == shown) return;
+    question->SetVisible(shown);
+    m_manager.SetModal(shown ? question : nullptr);
+    if (shown) m_manager.SetFocus(Find(L"keepOpen"));
+}
+
+// ---- For scripts
+
+CControlUI* SettingsWindow::Find(std::wstring_view name) { return m_manager.FindControl(name); }
+
+std::string SettingsWindow::MiddleOf(std::wstring_view name, DuiLib::CDuiPoint& middle) {
+    ShowView();
+    ApplyContentHeight();
+    CControlUI* const control = Find(name);
+    if (control == nullptr) return "no control has that name";
+    if (!IsShown(control)) return "it is not shown";
+    m_manager.EnsureVisible(*control);
+    const DuiLib::CDuiRect place = control->GetPos();
+    middle = {(place.left + place.right) / 2, (place.top + place.bottom) / 2};
+    CControlUI* const hit = m_manager.FindControl(middle);
+    if (hit == nullptr) return "its middle lies outside the window";
+    return hit == control ? "" : "it is covered by \"" + ToUtf8(hit->GetName()) + "\"";
+}
+
+std::string SettingsWindow::Click(std::wstring_view name) {
+    const kernel::UiTurn turn;
+    DuiLib::CDuiPoint middle;
+    std::string fault = MiddleOf(name, middle);
+    if (!fault.empty()) return fault;
+    m_manager.MouseMove(middle);
+    m_manager.ButtonDown(middle);
+    return m_manager.ButtonUp(middle) ? std::string() : "it cannot be clicked";
+}
+
+std::string SettingsWindow::Hover(std::wstring_view name) {
+    const kernel::UiTurn turn;
+    DuiLib::CDuiPoint middle;
+    std::string fault = MiddleOf(name, middle);
+    if (fault.empty()) m_manager.MouseMove(middle);
+    return fault;
+}
+
+void SettingsWindow::SavePicture(const std::filesystem::path& file) {
+    const kernel::UiTurn turn;
+    DuiLib::PaintSurface picture;
+    m_manager.Paint(picture);
+    m_manager.InvalidateAll();  // a native window has its own picture
+    picture.SavePng(file);
+}
+
+bool IsShown(CControlUI* control) {
+    for (; control != nullptr; control = control->GetParent()) {
+        if (!control->IsVisible()) return false;
+    }
+    return true;
+}
+
+}  // namespace settings_host
