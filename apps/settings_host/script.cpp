@@ -67,7 +67,7 @@ Wait ReadWait(Arguments& arguments) {
     Wait wait;
     wait.condition = arguments.Take("a condition");
     const std::string& what = wait.condition;
-    if (what == "shown" || what == "hidden" || what == "tip") {
+    if (what == "shown" || what == "hidden" || what == "tip" || what == "focus") {
         wait.control = arguments.Take("a control's name");
     } else if (what == "text" || what == "tooltip") {
         wait.control = arguments.Take("a control's name");

@@ -25,6 +25,7 @@ namespace settings_host {
 //     text NAME "TEXT"                 the control's text
 //     tooltip NAME "TEXT"              the control's tool tip
 //     tip NAME                         its tool tip is seen
+//     focus NAME                       it has the keyboard's focus
 //     percent NAME N                   the control's text is a percentage of at least N
 //     height N                         the page's content height in design pixels
 //     running N                        so many updates run

@@ -115,6 +115,7 @@ bool ScriptRunner::Holds(const script::Wait& wait) {
     if (what == "hidden") return control != nullptr && !shown;
     if (control == nullptr) return false;
     if (what == "tip") return m_window.Manager().GetToolTipOwner() == control;
+    if (what == "focus") return m_window.Manager().GetFocus() == control;
     if (what == "percent") return IsPercentageFrom(control->GetText(), wait.number);
     return TextFor(wait, *control) == wait.text;
 }
@@ -130,6 +131,10 @@ std::string ScriptRunner::Seen(const script::Wait& wait) {
     if (wait.condition == "shown") return "it is hidden";
     if (wait.condition == "hidden") return "it is shown";
     if (wait.condition == "tip") return "its tool tip is not seen";
+    if (wait.condition == "focus") {
+        DuiLib::CControlUI* const focused = m_window.Manager().GetFocus();
+        return focused == nullptr ? "nothing has the focus" : "\"" + ToUtf8(focused->GetName()) + "\" has the focus";
+    }
     return "it is \"" + TextFor(wait, *control) + "\"";
 }
 

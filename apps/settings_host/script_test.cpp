@@ -34,6 +34,14 @@ TEST(Script, AWaitHasAConditionAndALimit) {
     EXPECT_EQ(std::get<Wait>(commands.at(2)).limit.count(), 10);
 }
 
+TEST(Script, AWaitForTheFocusNamesAControl) {
+    const auto commands = Read("wait focus penupdateBtn within 5");
+    const Wait& wait = std::get<Wait>(commands.at(0));
+    EXPECT_EQ(wait.condition, "focus");
+    EXPECT_EQ(wait.control, "penupdateBtn");
+    EXPECT_EQ(wait.limit.count(), 5);
+}
+
 TEST(Script, SaidWordsAreTakenAsTheyStand) {
     EXPECT_EQ(std::get<Words>(Read("  say One update: \"now\"").at(0)).text, "One update: \"now\"");
     EXPECT_EQ(std::get<Words>(Read("say").at(0)).text, "");
@@ -49,6 +57,7 @@ TEST(Script, AnErrorNamesFileAndLine) {
         {"\nclick", "tour.script:2: a control's name is missing"},
         {"klick X", "tour.script:1: unknown command \"klick\""},
         {"wait glowing X", "tour.script:1: unknown condition \"glowing\""},
+        {"wait focus", "tour.script:1: a control's name is missing"},
         {"wait text X \"open", "tour.script:1: a quotation mark is not closed"},
         {"wait height tall", "tour.script:1: the number: \"tall\" is not a whole number"},
         {"wait shown X for 3", "tour.script:1: \"within\" is expected, not \"for\""},
