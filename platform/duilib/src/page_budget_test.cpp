@@ -1,7 +1,6 @@
 // What a page of many rows costs: memory by asking the allocator, time by comparing two sizes of a page.
 #include <malloc.h>
 
-
 #include "test_support.h"
 
 // The sanitizers' allocators count for themselves.
@@ -15,7 +14,6 @@ std::size_t BytesInUse() {
     if (__sanitizer_get_current_allocated_bytes) return __sanitizer_get_current_allocated_bytes();
     return ::mallinfo2().uordblks;
 }
-
 
 constexpr std::string_view kRow = R"(<Window><VerticalLayout name="row">
 <HorizontalLayout name="hor" inset="16,12,16,12" childpadding="12">

@@ -34,10 +34,11 @@ struct CPaintManagerUI::HitTest {
         return &control;
     }
 
-    static void Buttons(CControlUI& control, std::vector<CControlUI*>& buttons) {
-        if (!control.m_visible || !control.m_enabled) return;
-        if (control.TakesPointer()) buttons.push_back(&control);
-        for (CControlUI* child : control.Children()) Buttons(*child, buttons);
+    // The buttons that can be clicked, in the order of the tree, and `mark`, wherever it is.
+    static void Buttons(CControlUI& control, const CControlUI* mark, bool usable, std::vector<CControlUI*>& buttons) {
+        usable = usable && control.m_visible && control.m_enabled;
+        if (&control == mark || (usable && control.TakesPointer())) buttons.push_back(&control);
+        for (CControlUI* child : control.Children()) Buttons(*child, mark, usable, buttons);
     }
 
     // The controls under the point, buttons excluded, that change their look for the pointer.
@@ -219,15 +220,18 @@ void CPaintManagerUI::EnsureVisible(CControlUI& control) {
     }
 }
 
+// From the control that has the focus on, also where that one has been hidden since: an update button gives way to the
+// stop button beside it.
 void CPaintManagerUI::MoveFocus(bool forward) {
     std::vector<CControlUI*> buttons;
-    if (CControlUI* const root = InputRoot()) HitTest::Buttons(*root, buttons);
-    if (buttons.empty()) return;
-    const auto count = static_cast<std::ptrdiff_t>(buttons.size());
-    const auto at = std::ranges::find(buttons, m_state->focused) - buttons.begin();  // `count` when not among them
-    const auto next = at == count ? (forward ? 0 : count - 1) : (at + (forward ? 1 : count - 1)) % count;
-    SetFocus(buttons[static_cast<std::size_t>(next)]);
-    EnsureVisible(*m_state->focused);
+    if (CControlUI* const root = InputRoot()) HitTest::Buttons(*root, m_state->focused, true, buttons);
+    if (!forward) std::ranges::reverse(buttons);
+    const auto at = std::ranges::find(buttons, m_state->focused);
+    if (at != buttons.end()) std::ranges::rotate(buttons, at + 1);
+    const auto next = std::ranges::find_if(buttons, HitTest::CanBeClicked);
+    if (next == buttons.end()) return;
+    SetFocus(*next);
+    EnsureVisible(**next);
 }
 
 bool CPaintManagerUI::Scroll(DuiKey key) {

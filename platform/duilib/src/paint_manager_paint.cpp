@@ -38,15 +38,16 @@ void CPaintManagerUI::Changed() {
 }
 
 void CPaintManagerUI::Invalidate(const CControlUI& control) {
-    State& state = *m_state;
+    const State& state = *m_state;
     CDuiRect place = control.m_place;
-    if (&control == state.focused) place = Inflated(place, ControlPainter::FocusMargin());
     for (const CControlUI* around = control.m_parent; around; around = around->m_parent) {
         const CDuiRect& outer = around->m_place;
         place = Intersection(place, {0, 0, outer.Width(), outer.Height()});
         if (place.Width() == 0) return;
         place = {place.left + outer.left, place.top + outer.top, place.right + outer.left, place.bottom + outer.top};
     }
+    // The focus ring reaches beyond what the control lies in.
+    if (&control == state.focused) place = Inflated(place, ControlPainter::FocusMargin());
     Invalidate(place);
 }
 

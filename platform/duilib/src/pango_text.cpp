@@ -6,6 +6,7 @@
 #include <limits>
 #include <unordered_map>
 
+#include "duilib/ui_culture.h"
 #include "text_utf8.h"
 
 namespace DuiLib {
@@ -50,6 +51,7 @@ public:
     }
 
     PangoLayout* Kept(const TextSetting& setting) {
+        FollowReading();
         const std::string key = KeyOf(setting);
         const auto found = m_kept.find(key);
         if (found != m_kept.end()) return found->second.get();
@@ -60,11 +62,21 @@ public:
     }
 
     PangoLayout* Once(const TextSetting& setting) {
+        FollowReading();
         Fill(m_once.get(), setting);
         return m_once.get();
     }
 
 private:
+    // For texts that are of no direction themselves, such as percentages. Layouts notice a change.
+    void FollowReading() {
+        const bool rightToLeft = UICulture::GetInstance()->IsRightToLeft();
+        const PangoDirection direction = rightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR;
+        if (pango_context_get_base_dir(m_context.get()) != direction) {
+            pango_context_set_base_dir(m_context.get(), direction);
+        }
+    }
+
     Layout NewLayout() {
         Layout layout(pango_layout_new(m_context.get()));
         pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);

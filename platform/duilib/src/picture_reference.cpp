@@ -21,8 +21,10 @@ std::optional<PictureReference> ParsePicture(std::wstring_view text) {
     } else if (text.ends_with(kPlain)) {
         text.remove_suffix(kPlain.size());
     }
-    if (text.size() <= kHead.size() || !text.starts_with(kHead) || !text.ends_with(L'\'')) return {};
-    picture.file = text.substr(kHead.size(), text.size() - kHead.size() - 1);
+    if (!text.starts_with(kHead) || !text.ends_with(L'\'')) return {};
+    text.remove_prefix(kHead.size());
+    if (text.size() < 2 || text.find(L"' ") != text.npos) return {};  // something else follows the file
+    picture.file = text.substr(0, text.size() - 1);
     return picture;
 }
 
