@@ -5,12 +5,13 @@
 #include "qx_logger/qx_logger.h"
 #include "update_list/row_list.h"
 
-BenchPage::BenchPage() {
+BenchPage::BenchPage(std::optional<DuiLib::CDuiSize> window) {
     const kernel::UiTurn turn;
-    auto* const root = new DuiLib::CVerticalLayoutUI;
+    auto* const root =
+        window ? new DuiLib::CScrollViewUI : static_cast<DuiLib::CContainerUI*>(new DuiLib::CVerticalLayoutUI);
     m_manager->AttachRoot(root);
     m_manager->AddNotifyPump(&m_pump);
-    m_manager->SetClientSize({592, 20000});
+    m_manager->SetClientSize(window.value_or(DuiLib::CDuiSize{592, 20000}));
     m_window->InitItemLayout(m_manager.get(), &m_pump, root);
 }
 
@@ -37,8 +38,9 @@ void SetUpBenchPlatform() {
     QxLogger::GetInstance()->Open(silent);
     SetIpcLogSink([](int, const std::string&) {});
     const kernel::UiTurn turn;
-    DuiLib::UICulture::GetInstance()->Load(
-        DuiLib::CResourceManager::GetInstance()->Resolve(L"../components/brindle/res/language/en-US.xml"));
+    auto* const resources = DuiLib::CResourceManager::GetInstance();
+    resources->SetSkinFolder(resources->Resolve(L"../components/brindle/res"));
+    DuiLib::UICulture::GetInstance()->Load(resources->ResolveSkinFile(L"language/en-US.xml"));
 }
 
 std::vector<AccessoryVersionDataInfo> BenchList(std::size_t rows) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,8 @@
 // A list window over the real platform and the real layouts, in a window model; nothing waits and nothing is written.
 class BenchPage {
 public:
-    BenchPage();
+    // In a window that shows it whole, or scrolls in one of that size [device px].
+    explicit BenchPage(std::optional<DuiLib::CDuiSize> window = {});
     ~BenchPage();
 
     // Gives the page its list; under the UI turn.
