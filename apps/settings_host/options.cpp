@@ -22,8 +22,10 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
     app.add_option("--screenshot", line.screenshot,
                    "Paint the window into a PNG file once the page, or the script, has come to rest, and end");
     app.add_option("--pictures", line.pictures, "Folder for the pictures of scripts")->capture_default_str();
-    app.add_option("--language", line.language, "Language, for example de-DE; the locale's unless given");
-    app.add_option("--scale", line.scale, "Scale in percent; the display's unless given")->check(CLI::Range(25, 500));
+    app.add_option("--language", line.language, "Language, for example de-DE; the locale's unless given")->take_last();
+    app.add_option("--scale", line.scale, "Scale in percent; the display's unless given")
+        ->check(CLI::Range(25, 500))
+        ->take_last();
     app.add_option("--log-file", line.logFile, "Also write the log into a file");
     app.add_flag("--quiet-log", line.quietLog, "Do not write the log to standard error");
     app.add_option("--report-file", line.reportFile, "Append usage events to a file");

@@ -15,8 +15,9 @@ class TourTest : public PageE2ETest {};
 TEST_F(TourTest, TheSampleTourEndsWithNoUpdateLeftAndEveryPackageWhole) {
     StartService({"--rate", "2500000", "--fail", "dock-03:40"}, kSample / "catalogue.json");
     test_process::Process host(SETTINGS_HOST_PROGRAM,
-                               {"--headless", "--companions", (kSample / "companions.json").string(), "--script",
-                                (kSample / "tour.script").string(), "--report-file", (m_folder / "reports").string()},
+                               {"--headless", "--language", "en-US", "--pictures", m_folder.string(), "--companions",
+                                (kSample / "companions.json").string(), "--script", (kSample / "tour.script").string(),
+                                "--report-file", (m_folder / "reports").string()},
                                HostEnvironment());
     ASSERT_EQ(host.WaitForEnd(std::chrono::minutes(3)), 0) << host.Output().Text() << host.Errors().Text();
 
