@@ -42,6 +42,15 @@ TEST(Script, AWaitForTheFocusNamesAControl) {
     EXPECT_EQ(wait.limit.count(), 5);
 }
 
+TEST(Script, ThePointerPlacesAndPicturesNameWhatTheyAreAbout) {
+    const auto commands = Read("hover X1stopBtn\nwhere X1hor\npicture \"the list.png\"\nwait tip X1stopBtn");
+    EXPECT_EQ(std::get<Hover>(commands.at(0)).control, "X1stopBtn");
+    EXPECT_EQ(std::get<Where>(commands.at(1)).control, "X1hor");
+    EXPECT_EQ(std::get<Picture>(commands.at(2)).file, "the list.png");
+    EXPECT_EQ(std::get<Wait>(commands.at(3)).condition, "tip");
+    EXPECT_EQ(std::get<Wait>(commands.at(3)).control, "X1stopBtn");
+}
+
 TEST(Script, SaidWordsAreTakenAsTheyStand) {
     EXPECT_EQ(std::get<Words>(Read("  say One update: \"now\"").at(0)).text, "One update: \"now\"");
     EXPECT_EQ(std::get<Words>(Read("say").at(0)).text, "");
@@ -57,6 +66,8 @@ TEST(Script, AnErrorNamesFileAndLine) {
         {"\nclick", "tour.script:2: a control's name is missing"},
         {"klick X", "tour.script:1: unknown command \"klick\""},
         {"wait glowing X", "tour.script:1: unknown condition \"glowing\""},
+        {"picture", "tour.script:1: a file's name is missing"},
+        {"where X Y", "tour.script:1: \"Y\" is more than the command takes"},
         {"wait focus", "tour.script:1: a control's name is missing"},
         {"wait text X \"open", "tour.script:1: a quotation mark is not closed"},
         {"wait height tall", "tour.script:1: the number: \"tall\" is not a whole number"},

@@ -245,6 +245,26 @@ TEST_F(IpcMessageClientTest, ABrokerThatComesBackFindsRegistrationsAndQueuedPost
     for (int i = 0; i < 100; ++i) EXPECT_EQ(received[static_cast<std::size_t>(i) + 1], std::to_string(i));
 }
 
+TEST_F(IpcMessageClientTest, TheConnectionsSinkIsToldWhenItOpensAndWhenItIsLost) {
+    std::atomic<int> changes = 0;
+    SetPipeConnectionSink([&changes] { ++changes; });
+    const auto page = Client(kPage);
+    ASSERT_TRUE(Eventually([&] { return changes > 0; }));  // not reached
+    std::optional<IPCBroker> broker(std::in_place, kPipe);
+    const int before = changes;
+    broker->Start();
+    ASSERT_TRUE(Eventually([&] { return changes > before && IsPipeConnected(kPipe); }));
+    const int open = changes;
+    broker.reset();
+    ASSERT_TRUE(Eventually([&] { return changes > open && !IsPipeConnected(kPipe); }));
+    SetPipeConnectionSink({});
+    const int ended = changes;
+    broker.emplace(kPipe);
+    broker->Start();
+    ASSERT_TRUE(Eventually([] { return IsPipeConnected(kPipe); }));
+    EXPECT_EQ(changes, ended);
+}
+
 TEST_F(IpcMessageClientTest, WhatIsUnregisteredWhileTheBrokerIsAwayIsNotAnnouncedAgain) {
     Inbox list, other;
     const auto page = Client(kPage), second = Client(kPage);
