@@ -15,9 +15,9 @@ class TourTest : public PageE2ETest {};
 TEST_F(TourTest, TheSampleTourEndsWithNoUpdateLeftAndEveryPackageWhole) {
     StartService({"--rate", "2500000", "--fail", "dock-03:40"}, kSample / "catalogue.json");
     test_process::Process host(SETTINGS_HOST_PROGRAM,
-                               {"--headless", "--language", "en-US", "--pictures", m_folder.string(), "--companions",
-                                (kSample / "companions.json").string(), "--script", (kSample / "tour.script").string(),
-                                "--report-file", (m_folder / "reports").string()},
+                               {"--headless", "--language", "en-US", "--pictures", m_folder.Path().string(),
+                                "--companions", (kSample / "companions.json").string(), "--script",
+                                (kSample / "tour.script").string(), "--report-file", (m_folder / "reports").string()},
                                HostEnvironment());
     ASSERT_EQ(host.WaitForEnd(std::chrono::minutes(3)), 0) << host.Output().Text() << host.Errors().Text();
 
@@ -25,6 +25,11 @@ TEST_F(TourTest, TheSampleTourEndsWithNoUpdateLeftAndEveryPackageWhole) {
     EXPECT_THAT(transcript, Contains("host: no update is left"));
     EXPECT_EQ(transcript.back(), "page: (nothing is shown)");
     EXPECT_THAT(ServiceLog(), HasSubstr("dock-03: failed: at 40 percent, as asked for"));
+
+    for (const char* picture : {"list.png", "paused.png", "installing.png", "finished.png", "failed.png", "refused.png",
+                                "running.png", "up-to-date.png"}) {
+        EXPECT_TRUE(std::filesystem::is_regular_file(m_folder / picture)) << picture;
+    }
 
     std::ifstream file(kSample / "catalogue.json");
     const auto accessories = nlohmann::json::parse(file)["accessories"];
