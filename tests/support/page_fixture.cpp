@@ -6,8 +6,6 @@
 #include "duilib/render_engine.h"
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
-#include "ipc/channel.h"
-#include "ipc/record_codec.h"
 #include "kernel/ui_turn.h"
 #include "update_list/row_list.h"
 
@@ -30,14 +28,6 @@ bool TellsOfFailure(const seam::Event& event) {
     if (event.kind != seam::Kind::kLog) return false;
     const auto has = [&event](const wchar_t* part) { return event.line.find(part) != std::wstring::npos; };
     return has(L"nullptr") || has(L"fail to") || has(L"failed");
-}
-
-template <class Record>
-std::string Encoded(const Record& record) {
-    TagIPCMessageItem item;
-    IPCDataIO writer(&item, 64, false, false);
-    WriteRecord(writer, record);
-    return {item.data, writer.Position()};
 }
 
 }  // namespace
@@ -83,26 +73,6 @@ void PageFixture::UseScale(unsigned percent) { DuiLib::CResourceManager::GetInst
 
 void PageFixture::SetTextOf(const wchar_t* id, const wchar_t* text) {
     DuiLib::UICulture::GetInstance()->SetString(id, text);
-}
-
-void PageFixture::DeliverList(const std::vector<AccessoryVersionDataInfo>& list) {
-    const kernel::UiTurn turn;
-    seam::Get().Deliver(IPC_MSG_ALL_UPDATE_DATA, Encoded(list));
-}
-
-void PageFixture::DeliverProgress(const std::string& key, int percent) {
-    const kernel::UiTurn turn;
-    seam::Get().Deliver(IPC_MSG_DOWNLOAD_PROCESS, Encoded(PkgDownloadProcess{key, percent}));
-}
-
-void PageFixture::DeliverFinish(const std::string& key) {
-    const kernel::UiTurn turn;
-    seam::Get().Deliver(IPC_MSG_PKG_FINISH, key + '\0');
-}
-
-void PageFixture::DeliverFail(const std::string& key) {
-    const kernel::UiTurn turn;
-    seam::Get().Deliver(IPC_MSG_PKG_FAIL, key + '\0');
 }
 
 void PageFixture::Click(std::wstring_view control) {

@@ -11,6 +11,7 @@
 #include "ipc/records.h"
 #include "minimal_layouts.h"
 #include "seam.h"
+#include "service_messages.h"
 
 // A host's page, minimal layouts, English texts and 8 x 20 text cells around plug-in code, with a vocabulary for tests.
 // A log line that tells of a failure and that the test did not expect fails it.
@@ -25,11 +26,7 @@ protected:
     void UseScale(unsigned percent);
     void SetTextOf(const wchar_t* id, const wchar_t* text);
 
-    // What the host and the service do. The payloads are encoded as the service encodes them.
-    void DeliverList(const std::vector<AccessoryVersionDataInfo>& list);
-    void DeliverProgress(const std::string& key, int percent);
-    void DeliverFinish(const std::string& key);
-    void DeliverFail(const std::string& key);
+    // What the host does; service_messages.h has what the service does.
     void Click(std::wstring_view control);
     void CompanionRuns(const std::wstring& key, bool runs = true);
 
