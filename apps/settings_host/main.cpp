@@ -18,11 +18,15 @@ namespace {
 
 using namespace settings_host;
 
-void CheckDisplay(const CommandLine& commandLine) {
+// Without a display a script or a picture is made all the same; whoever wants to see a window is told why there is none.
+void ChooseDisplay(CommandLine& commandLine) {
     std::string reason;
-    if (!commandLine.headless && !DuiLib::CWindowWnd::HasDisplay(reason)) {
+    if (commandLine.headless || DuiLib::CWindowWnd::HasDisplay(reason)) return;
+    const bool plays = !commandLine.script.empty() && commandLine.script != "-";
+    if (!plays && commandLine.screenshot.empty()) {
         throw std::runtime_error(reason + " (--headless shows the page as text)");
     }
+    commandLine.headless = true;
 }
 
 }  // namespace
@@ -30,7 +34,7 @@ void CheckDisplay(const CommandLine& commandLine) {
 int main(int argc, char** argv) {
     stop_signal::HoldStopSignals();
     int exitCode = 0;
-    const auto commandLine = ReadCommandLine(argc, argv, exitCode);
+    auto commandLine = ReadCommandLine(argc, argv, exitCode);
     if (!commandLine) return exitCode;
     std::thread([] {
         for (;;) {
@@ -39,7 +43,7 @@ int main(int argc, char** argv) {
         }
     }).detach();  // lives as long as the process
     try {
-        CheckDisplay(*commandLine);
+        ChooseDisplay(*commandLine);
         SetUpLibraries(*commandLine);
         HostProgram program(*commandLine);
         program.Run();
