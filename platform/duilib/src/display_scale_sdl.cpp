@@ -17,17 +17,34 @@ namespace {
 
 constexpr double kPlainDensity = 96;  // [dots an inch] at 100 percent
 
-// What X desktops set for all programs [dots an inch]; 0 when they do not.
-double DensityOfDesktop(SDL_Window* window) {
+// What an X server knows [dots an inch]; 0 for what it does not, and without one.
+struct XDensities {
+    double desktop = 0;  // set by the desktop for all programs
+    double screen = 0;   // of all monitors together
+};
+
+XDensities DensitiesOfX(SDL_Window* window) {
+    XDensities densities;
 #if defined(SDL_VIDEO_DRIVER_X11)
+    constexpr double kMillimetresAnInch = 25.4;
     SDL_SysWMinfo info;
     SDL_VERSION(&info.version);
-    if (!SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11) return 0;
-    const char* const density = XGetDefault(info.info.x11.display, "Xft", "dpi");
-    return density ? std::strtod(density, nullptr) : 0;
-#else
-    return 0;
+    if (!SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11) return densities;
+    Display* const display = info.info.x11.display;
+    const char* const desktop = XGetDefault(display, "Xft", "dpi");
+    if (desktop) densities.desktop = std::strtod(desktop, nullptr);
+    const int millimetres = DisplayHeightMM(display, DefaultScreen(display));
+    const int pixels = DisplayHeight(display, DefaultScreen(display));
+    if (millimetres > 0) densities.screen = pixels * kMillimetresAnInch / millimetres;
 #endif
+    return densities;
+}
+
+// 0 when the system does not know the monitor's size.
+double DensityOfMonitor(SDL_Window* window) {
+    float density = 0;
+    const int display = SDL_GetWindowDisplayIndex(window);
+    return display >= 0 && SDL_GetDisplayDPI(display, &density, nullptr, nullptr) == 0 ? density : 0;
 }
 
 }  // namespace
@@ -48,11 +65,11 @@ double PixelsPerUnit(SDL_Window* window) {
 unsigned DisplayScale(SDL_Window* window) {
     const double ratio = PixelsPerUnit(window);
     if (ratio > 1) return ScaleForDensity(ratio * kPlainDensity);
-    if (const double density = DensityOfDesktop(window); density > 0) return ScaleForDensity(density);
-    float density = 0;
-    const int display = SDL_GetWindowDisplayIndex(window);
-    if (display < 0 || SDL_GetDisplayDPI(display, &density, nullptr, nullptr) != 0) return 100;
-    return ScaleForDensity(density);
+    const XDensities x = DensitiesOfX(window);
+    for (const double density : {x.desktop, DensityOfMonitor(window), x.screen}) {
+        if (density > 0) return ScaleForDensity(density);
+    }
+    return 100;
 }
 
 }  // namespace DuiLib

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <string_view>
 
 #include "display_scale_sdl.h"
 #include "duilib/paint_manager.h"
@@ -15,7 +16,16 @@ namespace DuiLib {
 
 namespace {
 
+constexpr const char* kNoWindow = "no window can be opened";
+
 std::string Reason(const char* what) { return std::string(what) + ": " + SDL_GetError(); }
+
+// Where no display answers, SDL takes a driver that shows nothing to anybody, unless it was told which one to take.
+bool NobodySeesIt() {
+    const char* const wanted = SDL_GetHint(SDL_HINT_VIDEODRIVER);
+    const char* const taken = SDL_GetCurrentVideoDriver();
+    return (!wanted || !*wanted) && taken && std::string_view(taken) == "offscreen";
+}
 
 // SDL's part for windows, as long as one is open. No OpenGL: the picture is made here and handed over.
 class Video {
@@ -25,9 +35,15 @@ public:
         SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
         SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
         SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
-        if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) throw std::runtime_error(Reason("no window can be opened"));
+        if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) throw std::runtime_error(Reason(kNoWindow));
+        if (!NobodySeesIt()) return;
+        Quit();
+        throw std::runtime_error(std::string(kNoWindow) + ": no display answers");
     }
-    ~Video() {
+    ~Video() { Quit(); }
+
+private:
+    static void Quit() {
         SDL_QuitSubSystem(SDL_INIT_VIDEO);
         SDL_Quit();
     }
@@ -204,7 +220,7 @@ CWindowWnd::CWindowWnd(CPaintManagerUI& manager, const WindowOptions& options)
     const CDuiSize first = CResourceManager::GetInstance()->Scale(options.size);
     state.window.reset(SDL_CreateWindow(options.title.c_str(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, first.cx,
                                         first.cy, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI | SDL_WINDOW_HIDDEN));
-    if (!state.window) throw std::runtime_error(Reason("no window can be opened"));
+    if (!state.window) throw std::runtime_error(Reason(kNoWindow));
     state.FollowDisplay();
     const CDuiSize size = CResourceManager::GetInstance()->Scale(options.size);
     const double unit = PixelsPerUnit(state.window.get());
