@@ -27,31 +27,42 @@ struct Canvas::State {
         cairo_set_source_rgba(context, part(16), part(8), part(0), part(24));
     }
 
-    // A rectangle whose edges may lie between pixels, with round corners.
-    void Path(double left, double top, double width, double height, double cornerX, double cornerY) const {
-        const double rx = std::min(cornerX, width / 2);
-        const double ry = std::min(cornerY, height / 2);
+    // A rectangle with round corners, as the path or in addition to it.
+    void Path(const CDuiRect& area, CDuiSize radii) const {
         cairo_new_path(context);
+        AddPath(area, radii);
+    }
+    void AddPath(const CDuiRect& area, CDuiSize radii) const {
+        const double left = area.left, top = area.top, width = area.Width(), height = area.Height();
+        const double rx = std::min<double>(radii.cx, width / 2);
+        const double ry = std::min<double>(radii.cy, height / 2);
         if (rx <= 0 || ry <= 0) {
             cairo_rectangle(context, left, top, width, height);
             return;
         }
+        cairo_new_sub_path(context);
         constexpr double kQuarter = std::numbers::pi / 2;
-        const auto corner = [&](double x, double y, double from) {
+        const auto quarter = [&](double x, double y, double from) {
             cairo_save(context);
             cairo_translate(context, x, y);
             cairo_scale(context, rx, ry);
             cairo_arc(context, 0, 0, 1, from, from + kQuarter);
             cairo_restore(context);
         };
-        corner(left + width - rx, top + ry, -kQuarter);
-        corner(left + width - rx, top + height - ry, 0);
-        corner(left + rx, top + height - ry, kQuarter);
-        corner(left + rx, top + ry, 2 * kQuarter);
+        quarter(left + width - rx, top + ry, -kQuarter);
+        quarter(left + width - rx, top + height - ry, 0);
+        quarter(left + rx, top + height - ry, kQuarter);
+        quarter(left + rx, top + ry, 2 * kQuarter);
         cairo_close_path(context);
     }
-    void Path(const CDuiRect& area, CDuiSize corner) const {
-        Path(area.left, area.top, area.Width(), area.Height(), corner.cx, corner.cy);
+
+    // Whether what is drawn now is cut at this very shape. A round shape drawn on top would have its smooth edge
+    // twice, and look faint at the corners.
+    bool IsCutAt(const CDuiRect& area, CDuiSize corner) const {
+        if (clips.empty() || !clips.back().rounded) return false;
+        const auto& [rounded, cut, cutCorner] = clips.back();
+        return cut.left == area.left && cut.top == area.top && cut.right == area.right && cut.bottom == area.bottom &&
+               cutCorner.cx == corner.cx && cutCorner.cy == corner.cy;
     }
 
     const CairoSurface surface;
@@ -101,19 +112,23 @@ void Canvas::Clear(const CDuiRect& area, CDuiColor color) {
 void Canvas::Fill(const CDuiRect& area, CDuiSize corner, CDuiColor color) {
     if (area.Width() <= 0 || area.Height() <= 0) return;
     m_state->SetColor(color);
-    m_state->Path(area, corner);
+    m_state->Path(area, m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
     cairo_fill(m_state->context);
 }
 
 void Canvas::Border(const CDuiRect& area, CDuiSize corner, int thickness, CDuiColor color) {
     if (thickness <= 0 || area.Width() <= 0 || area.Height() <= 0) return;
-    const double half = thickness / 2.0;
+    // What lies between the outer shape and the inner one.
     m_state->SetColor(color);
-    m_state->Path(area.left + half, area.top + half, std::max(0, area.Width() - thickness),
-                  std::max(0, area.Height() - thickness), std::max(0.0, corner.cx - half),
-                  std::max(0.0, corner.cy - half));
-    cairo_set_line_width(m_state->context, thickness);
-    cairo_stroke(m_state->context);
+    cairo_new_path(m_state->context);
+    m_state->AddPath(area, m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
+    const CDuiRect inner{area.left + thickness, area.top + thickness, area.right - thickness, area.bottom - thickness};
+    if (inner.Width() > 0 && inner.Height() > 0) {
+        m_state->AddPath(inner, {std::max(0, corner.cx - thickness), std::max(0, corner.cy - thickness)});
+    }
+    cairo_set_fill_rule(m_state->context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_fill(m_state->context);
+    cairo_set_fill_rule(m_state->context, CAIRO_FILL_RULE_WINDING);
 }
 
 void Canvas::Picture(const CDuiRect& area, const std::filesystem::path& file, bool mirrored, double opacity) {
