@@ -2,7 +2,9 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <sstream>
 
 #include "sha256.h"
 
@@ -10,21 +12,47 @@ namespace e2e {
 
 using test_process::Process;
 
+namespace {
+
+constexpr const char* kFault = "standard input:";  // begins what the host says of a command that went wrong
+
+}  // namespace
+
 Host::Host(const std::vector<std::string>& arguments, const std::map<std::string, std::string>& environment)
     : m_process(SETTINGS_HOST_PROGRAM, arguments, environment) {}
 
-// A command that comes on standard input and goes wrong is told in the transcript, and the next one is carried out.
-bool Host::Play(const std::string& lines) {
+// Empty when the host does not carry them out.
+std::string Host::Answer(const std::string& lines) {
     const std::size_t before = Transcript().size();
     const std::string end = "played " + std::to_string(++m_played);
     m_process.Write(lines + "\nsay " + end + "\n");
-    const bool played = m_process.Output().WaitFor("# " + end);
-    if (played && Transcript().find("standard input:", before) == std::string::npos) return true;
+    return m_process.Output().WaitFor("# " + end) ? Transcript().substr(before) : std::string();
+}
+
+// A command that comes on standard input and goes wrong is told in the transcript, and the next one is carried out.
+bool Host::Play(const std::string& lines) {
+    const std::string answer = Answer(lines);
+    if (!answer.empty() && answer.find(kFault) == std::string::npos) return true;
     ADD_FAILURE() << "the host did not play\n"
                   << lines << "\nits transcript:\n"
                   << Transcript() << "its log:\n"
                   << Log();
     return false;
+}
+
+bool Host::Holds(const std::string& condition) {
+    const std::string answer = Answer("wait " + condition + " within 0");
+    return !answer.empty() && answer.find(kFault) == std::string::npos;
+}
+
+Place Host::Where(const std::string& control) {
+    const std::string begin = "where " + control;
+    const std::string answer = Answer(begin);
+    Place place;
+    std::istringstream numbers(answer.substr(std::min(answer.size(), answer.find(begin + " ") + begin.size())));
+    numbers >> place.x >> place.y >> place.width >> place.height;
+    if (!numbers) ADD_FAILURE() << begin << ": " << answer << Log();
+    return numbers ? place : Place{};
 }
 
 void Host::End() {
@@ -98,8 +126,24 @@ void PageE2ETest::StopService() {
 std::unique_ptr<Host> PageE2ETest::StartHost(std::vector<std::string> options,
                                              const std::map<std::string, std::string>& environment) const {
     options.insert(options.end(), {"--headless", "--script", "-"});
-    auto all = HostEnvironment();
-    for (const auto& [name, value] : environment) all[name] = value;
+    auto all = environment;
+    all.merge(HostEnvironment());
+    return std::make_unique<Host>(options, all);
+}
+
+std::map<std::string, std::string> PageE2ETest::WindowEnvironment(const std::string& display) const {
+    auto environment = HostEnvironment();
+    environment["DISPLAY"] = display;
+    environment["SDL_VIDEODRIVER"] = "x11";
+    environment["LANG"] = "C.UTF-8";
+    return environment;
+}
+
+std::unique_ptr<Host> PageE2ETest::StartHostInWindow(const std::string& display, std::vector<std::string> options,
+                                                     const std::map<std::string, std::string>& environment) const {
+    options.insert(options.end(), {"--language", "en-US", "--script", "-"});
+    auto all = environment;
+    all.merge(WindowEnvironment(display));
     return std::make_unique<Host>(options, all);
 }
 

@@ -22,6 +22,16 @@ using testing::Not;
 using update_service::ReadFile;
 using update_service::WriteFile;
 
+// Where a control is on the desktop [device px].
+struct Place {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+
+    bool operator==(const Place&) const = default;
+};
+
 // A settings host that carries out what the test plays to it (apps/settings_host/script.h).
 class Host {
 public:
@@ -29,6 +39,12 @@ public:
 
     // Returns once the host has carried out these script lines; false, and a failure of the test, when one went wrong.
     [[nodiscard]] bool Play(const std::string& lines);
+
+    // Whether a condition of `wait` holds at this moment.
+    [[nodiscard]] bool Holds(const std::string& condition);
+
+    // Where a control is; nowhere, and a failure of the test, when no control has the name.
+    Place Where(const std::string& control);
 
     // Ends the script: the host leaves the page and ends well, with no complaint of a sanitizer.
     void End();
@@ -38,6 +54,9 @@ public:
     std::string Log() const { return m_process.Errors().Text(); }
 
 private:
+    // Plays the lines and returns what the transcript says meanwhile.
+    std::string Answer(const std::string& lines);
+
     test_process::Process m_process;
     int m_played = 0;
 };
@@ -70,9 +89,14 @@ protected:
     std::unique_ptr<Host> StartHost(std::vector<std::string> options = {},
                                     const std::map<std::string, std::string>& environment = {}) const;
 
+    // The same in a window on the display, in English.
+    std::unique_ptr<Host> StartHostInWindow(const std::string& display, std::vector<std::string> options = {},
+                                            const std::map<std::string, std::string>& environment = {}) const;
+
     // Both programs' environment: the pipe in the test's folder. The host's names the fast kernel, too.
     std::map<std::string, std::string> Environment() const;
     std::map<std::string, std::string> HostEnvironment() const;
+    std::map<std::string, std::string> WindowEnvironment(const std::string& display) const;
     std::filesystem::path PipeSocket() const { return m_folder / "pipes" / "iKorvelAssistant.sock"; }
 
     static constexpr std::size_t kSize = 200 * 1000;       // [bytes] of a package
