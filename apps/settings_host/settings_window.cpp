@@ -88,6 +88,7 @@ std::optional<SettingsWindow::TimePoint> SettingsWindow::ApplyNews(TimePoint now
 }
 
 void SettingsWindow::ApplyContentHeight() {
+    if (!IsShown(m_page)) return;  // what is hidden is not laid out: the heading would have no height
     const PageNews& news = m_channel.News();
     const int height = news.contentHeight <= 0 ? 0 : news.contentHeight + HeadingHeight();
     if (height == m_appliedHeight) return;
