@@ -1,4 +1,6 @@
 // The settings window's layout with the page in it: what it looks like in each of its views.
+#include <utility>
+
 #include "duilib/ui_culture.h"
 #include "painted_page.h"
 #include "picture_test.h"
@@ -12,8 +14,6 @@ constexpr const wchar_t* kViews[] = {L"searchingView", L"accessoriesView", L"upT
 
 class WindowPictures : public PictureTest {
 protected:
-    WindowPictures() = default;
-
     void ShowView(std::wstring_view view) {
         for (const wchar_t* const name : kViews) m_page.Control(name).SetVisible(name == view);
         const bool about = view == L"aboutView";
@@ -23,15 +23,18 @@ protected:
 
     // Five accessories, one of which is being updated.
     void ShowList() {
-        const auto row = [](const char* key, const wchar_t* name, const wchar_t* picture, const wchar_t* version) {
+        const auto row = [](const char* key, const wchar_t* name, const wchar_t* picture, const wchar_t* version,
+                            std::vector<std::wstring> lines) {
             return AccessoryVersionDataInfo{
-                key, name, std::wstring(L"drawable/Brindle/") + picture, version, {L"Smoother scrolling."}, 0, true};
+                key, name, std::wstring(L"drawable/Brindle/") + picture, version, std::move(lines), 0, true};
         };
-        DeliverList({row("pen", L"IDS_NAME_PEN", L"pen.svg", L"2.4.1"),
-                     row("mouse", L"IDS_NAME_MOUSE", L"mouse.svg", L"1.12.0"),
-                     row("dock", L"IDS_NAME_DOCK", L"dock.svg", L"7.0.3"),
-                     row("headset", L"IDS_NAME_HEADSET", L"headset.svg", L"3.1"),
-                     row("keyboard", L"IDS_NAME_KEYBOARD", L"keyboard.svg", L"0.9.8")});
+        DeliverList({row("pen", L"IDS_NAME_PEN", L"pen.svg", L"2.4.1", {L"The button wakes the pen faster."}),
+                     row("mouse", L"IDS_NAME_MOUSE", L"mouse.svg", L"1.12.0", {L"Smoother scrolling."}),
+                     row("dock", L"IDS_NAME_DOCK", L"dock.svg", L"7.0.3",
+                         {L"Displays come back after sleep.", L"Charges at full power from the second port.",
+                          L"Wired network starts faster."}),
+                     row("headset", L"IDS_NAME_HEADSET", L"headset.svg", L"3.1", {L"Clearer voice in calls."}),
+                     row("keyboard", L"IDS_NAME_KEYBOARD", L"keyboard.svg", L"0.9.8", {L"Keys repeat evenly."})});
         ShowView(L"accessoriesView");
         m_page.Click(L"mouseupdateBtn");
         DeliverProgress("mouse", 37);
@@ -48,8 +51,9 @@ private:
     void SetText(const wchar_t* name, const std::wstring& text) { m_page.Control(name).SetText(text); }
 };
 
-TEST_P(WindowPictures, TheList) {
+TEST_P(WindowPictures, TheListWithOneRowOpened) {
     ShowList();
+    m_page.Click(L"dockpulldown");
     ExpectPicture("window_list", m_page.Paint());
 }
 
