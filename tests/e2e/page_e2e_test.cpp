@@ -102,6 +102,7 @@ std::map<std::string, std::string> PageE2ETest::HostEnvironment() const {
     const char* const others = std::getenv("LD_LIBRARY_PATH");
     environment["LD_LIBRARY_PATH"] =
         std::string(FAST_KERNEL_DIR) + (others == nullptr ? "" : std::string(":") + others);
+    environment["LC_ALL"] = "C.UTF-8";
     return environment;
 }
 
