@@ -13,7 +13,7 @@ constexpr int kPaddingX = 12;       // [design px]
 constexpr int kPaddingY = 8;        // [design px]
 constexpr int kDistance = 6;        // [design px] from the control, and from the window's edge
 constexpr int kCorner = 6;          // [design px]
-constexpr CDuiColor kGround = 0xF02B2F36;
+constexpr CDuiColor kGround = 0xFF2B2F36;
 constexpr CDuiColor kText = 0xFFFFFFFF;
 
 FontDescription Font() { return {"Noto Sans", 12, false}; }
