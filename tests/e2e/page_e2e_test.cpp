@@ -137,6 +137,7 @@ std::map<std::string, std::string> PageE2ETest::WindowEnvironment(const std::str
     environment["DISPLAY"] = display;
     environment["SDL_VIDEODRIVER"] = "x11";
     environment["LANG"] = "C.UTF-8";
+    environment["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=" + (m_folder / "no_bus").string();  // nobody's desktop
     return environment;
 }
 
