@@ -1,5 +1,6 @@
 #include "host_channel.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "ipc/channel.h"
@@ -8,6 +9,8 @@
 namespace settings_host {
 
 namespace {
+
+constexpr int kMostHeight = 1 << 20;  // [design px] more than ten thousand rows
 
 std::string Payload(const TagIPCMessageItem& item) {
     return item.data == nullptr ? std::string() : std::string(item.data, static_cast<std::size_t>(item.dataLen));
@@ -44,7 +47,7 @@ void HostChannel::OnHeight(const TagIPCMessageItem& item) {
         Say("host: a height message holds \"" + digits + "\", which is no number; ignored");
         return;
     }
-    m_news.contentHeight = height;
+    m_news.contentHeight = std::clamp(height, -kMostHeight, kMostHeight);
     m_news.heightReported = true;
     Say("host: content height " + digits);
 }

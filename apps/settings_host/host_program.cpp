@@ -99,10 +99,10 @@ void HostProgram::Run() {
 
 // One turn of the loop: shows what is new, then waits for more, at most until `limit`.
 void HostProgram::Step(std::optional<milliseconds> limit) {
-    if (stopAsked) throw Ended("stopped");
+    if (stopAsked) throw Ended{"stopped"};
     const steady_clock::time_point now = steady_clock::now();
     const auto next = m_window.ApplyNews(now);
-    if (m_window.WantsToEnd()) throw Ended("");
+    if (m_window.WantsToEnd()) throw Ended{};
     if (!m_native) {
         WritePage();
         m_window.Manager().Tick(now);

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <exception>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -16,9 +15,9 @@
 
 namespace settings_host {
 
-// The program is to end: the user closed the window, or a signal asked for it.
-struct Ended : std::exception {
-    explicit Ended(std::string why) : reason(std::move(why)) {}
+// Thrown when the program is to end: the user closed the window, or a signal asked for it. No std::exception, so that
+// no script takes it for a fault of its own.
+struct Ended {
     std::string reason;  // empty when the user wanted it
 };
 

@@ -17,11 +17,13 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
     app.add_option("--module", line.module, "The accessory page's module")->capture_default_str();
     app.add_option("--components", line.components, "Folder that holds brindle/res")->capture_default_str();
     app.add_option("--companions", line.companions, "Companion programs of accessories (JSON)");
-    app.add_option("--script", line.script, "Click and wait as the file says; - is standard input");
+    app.add_option("--script", line.script, "Click and wait as the file says; - is standard input")->take_last();
     app.add_flag("--trace", line.trace, "Print every message in both directions");
     app.add_option("--screenshot", line.screenshot,
                    "Paint the window into a PNG file once the page, or the script, has come to rest, and end");
-    app.add_option("--pictures", line.pictures, "Folder for the pictures of scripts")->capture_default_str();
+    app.add_option("--pictures", line.pictures, "Folder for the pictures of scripts")
+        ->capture_default_str()
+        ->take_last();
     app.add_option("--language", line.language, "Language, for example de-DE; the locale's unless given")->take_last();
     app.add_option("--scale", line.scale, "Scale in percent; the display's unless given")
         ->check(CLI::Range(25, 500))

@@ -80,11 +80,17 @@ void SettingsWindow::Close() {
 // ---- What is shown
 
 std::optional<SettingsWindow::TimePoint> SettingsWindow::ApplyNews(TimePoint now) {
-    const kernel::UiTurn turn;
-    ShowView();
-    ApplyContentHeight();
-    ShowRunning();
-    return ShowReachability(now);
+    bool awake = false;
+    std::optional<TimePoint> next;
+    {
+        const kernel::UiTurn turn;
+        ShowView();
+        ApplyContentHeight();
+        awake = ShowRunning();
+        next = ShowReachability(now);
+    }
+    m_inhibitor.Hold(awake);  // may wait for the system; the page's code need not
+    return next;
 }
 
 void SettingsWindow::ApplyContentHeight() {
@@ -126,15 +132,15 @@ void SettingsWindow::ShowView() {
     Find(L"pageName")->SetText(Text(m_aboutChosen ? L"IDS_HOST_PAGE_ABOUT" : L"IDS_HOST_PAGE_ACCESSORIES"));
 }
 
-void SettingsWindow::ShowRunning() {
+bool SettingsWindow::ShowRunning() {
     const auto running = static_cast<int>(m_channel.News().running.size());
     CControlUI* const count = Find(L"runningCount");
     count->SetVisible(running > 0);
     if (running > 0) {
         count->SetText(Filled(L"IDS_HOST_RUNNING", DuiLib::UICulture::GetInstance()->GetNumberString(running)));
     }
-    m_inhibitor.Hold(running > 0);
     if (running == 0) ShowQuestion(false);
+    return running > 0;
 }
 
 std::optional<SettingsWindow::TimePoint> SettingsWindow::ShowReachability(TimePoint now) {

@@ -31,7 +31,8 @@ public:
     void Close();  // CloseWnd, then the page's controls go
     bool IsOpen() const { return m_open; }
 
-    // Shows what the page, its messages and the pipe say now. Returns when to look again although nothing happened.
+    // Shows what the page, its messages and the pipe say now; must not be called under the UI turn. Returns when to
+    // look again although nothing happened.
     std::optional<TimePoint> ApplyNews(TimePoint now);
 
     // The user wants to close the window: asks first while an update runs.
@@ -60,7 +61,7 @@ private:
 
     View CurrentView();
     void ShowView();
-    void ShowRunning();
+    bool ShowRunning();  // whether an update runs
     std::optional<TimePoint> ShowReachability(TimePoint now);
     void ApplyContentHeight();
     int HeadingHeight();  // [design px] as laid out; 0 without a list

@@ -5,6 +5,7 @@
 
 #include "cairo_owned.h"
 #include "canvas.h"
+#include "dirty_area.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
 #include "pango_text.h"
@@ -12,15 +13,38 @@
 
 namespace DuiLib {
 
+namespace {
+
+constexpr int kMaxReach = 1 << 20;  // [device px] of corners and borders
+
+}  // namespace
+
 struct Canvas::State {
     explicit State(PaintSurface& target)
-        : surface(CairoView(target)), owned(cairo_create(surface.get())), context(owned.get()) {}
+        : surface(CairoView(target)),
+          owned(cairo_create(surface.get())),
+          context(owned.get()),
+          whole{0, 0, target.Size().cx, target.Size().cy} {}
 
-    struct Rounded {
+    struct Cut {
         bool rounded;
         CDuiRect area;
         CDuiSize corner;
+        CDuiRect bounds;  // of everything that can be drawn on
     };
+
+    const CDuiRect& Bounds() const { return clips.empty() ? whole : clips.back().bounds; }
+
+    // The rectangle with edges that are far out of sight brought near: Cairo's numbers are smaller than the toolkit's.
+    // What is drawn at an edge, at most `reach` wide, stays where it is or out of sight.
+    CDuiRect Near(const CDuiRect& area, int reach) const {
+        const CDuiRect room = Inflated(Bounds(), reach + 1);
+        return {std::clamp(area.left, room.left, room.right), std::clamp(area.top, room.top, room.bottom),
+                std::clamp(area.right, room.left, room.right), std::clamp(area.bottom, room.top, room.bottom)};
+    }
+    CDuiRect Near(const CDuiRect& area, CDuiSize corner, int thickness = 0) const {
+        return Near(area, std::clamp(std::max(corner.cx, corner.cy), 0, kMaxReach) + std::min(thickness, kMaxReach));
+    }
 
     void SetColor(CDuiColor color) const {
         const auto part = [color](int shift) { return ((color >> shift) & 0xFF) / 255.0; };
@@ -60,7 +84,8 @@ struct Canvas::State {
     // twice, and look faint at the corners.
     bool IsCutAt(const CDuiRect& area, CDuiSize corner) const {
         if (clips.empty() || !clips.back().rounded) return false;
-        const auto& [rounded, cut, cutCorner] = clips.back();
+        const CDuiRect& cut = clips.back().area;
+        const CDuiSize& cutCorner = clips.back().corner;
         return cut.left == area.left && cut.top == area.top && cut.right == area.right && cut.bottom == area.bottom &&
                cutCorner.cx == corner.cx && cutCorner.cy == corner.cy;
     }
@@ -68,35 +93,38 @@ struct Canvas::State {
     const CairoSurface surface;
     const CairoContext owned;
     cairo_t* const context;
-    std::vector<Rounded> clips;
+    const CDuiRect whole;
+    std::vector<Cut> clips;
 };
 
 Canvas::Canvas(PaintSurface& surface) : m_state(std::make_unique<State>(surface)) {}
 Canvas::~Canvas() = default;
 
 void Canvas::Clip(const CDuiRect& area) {
-    m_state->clips.push_back({false, area, {}});
+    const CDuiRect bounds = Intersection(m_state->Bounds(), area);
+    m_state->clips.push_back({false, bounds, {}, bounds});
     cairo_save(m_state->context);
-    m_state->Path(area, {});
+    m_state->Path(bounds, {});
     cairo_clip(m_state->context);
 }
 
 // What is drawn within goes onto a layer of its own first: were each drawing cut by itself, the smooth edge of one
 // would shine through the next.
 void Canvas::ClipRounded(const CDuiRect& area, CDuiSize corner) {
-    m_state->clips.push_back({true, area, corner});
+    const CDuiRect bounds = Intersection(m_state->Bounds(), area);
+    m_state->clips.push_back({true, area, corner, bounds});
     cairo_save(m_state->context);
-    m_state->Path(area, {});
+    m_state->Path(bounds, {});
     cairo_clip(m_state->context);
     cairo_push_group(m_state->context);
 }
 
 void Canvas::Restore() {
-    const State::Rounded clip = m_state->clips.back();
+    const State::Cut clip = m_state->clips.back();
     m_state->clips.pop_back();
     if (clip.rounded) {
         cairo_pop_group_to_source(m_state->context);
-        m_state->Path(clip.area, clip.corner);
+        m_state->Path(m_state->Near(clip.area, clip.corner), clip.corner);
         cairo_fill(m_state->context);
     }
     cairo_restore(m_state->context);
@@ -112,7 +140,7 @@ void Canvas::Clear(const CDuiRect& area, CDuiColor color) {
 void Canvas::Fill(const CDuiRect& area, CDuiSize corner, CDuiColor color) {
     if (area.Width() <= 0 || area.Height() <= 0) return;
     m_state->SetColor(color);
-    m_state->Path(area, m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
+    m_state->Path(m_state->Near(area, corner), m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
     cairo_fill(m_state->context);
 }
 
@@ -121,8 +149,9 @@ void Canvas::Border(const CDuiRect& area, CDuiSize corner, int thickness, CDuiCo
     // What lies between the outer shape and the inner one.
     m_state->SetColor(color);
     cairo_new_path(m_state->context);
-    m_state->AddPath(area, m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
-    const CDuiRect inner{area.left + thickness, area.top + thickness, area.right - thickness, area.bottom - thickness};
+    const CDuiRect outer = m_state->Near(area, corner, thickness);
+    m_state->AddPath(outer, m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
+    const CDuiRect inner = Inflated(outer, -std::min(thickness, kMaxReach));
     if (inner.Width() > 0 && inner.Height() > 0) {
         m_state->AddPath(inner, {std::max(0, corner.cx - thickness), std::max(0, corner.cy - thickness)});
     }
@@ -135,8 +164,11 @@ void Canvas::Picture(const CDuiRect& area, const std::filesystem::path& file, bo
     cairo_surface_t* const picture = RasterOf(file, {area.Width(), area.Height()});
     if (!picture) return;
     cairo_t* const context = m_state->context;
+    const int width = cairo_image_surface_get_width(picture);
+    const int left = area.left + (area.Width() - width) / 2;
     cairo_save(context);
-    cairo_translate(context, mirrored ? area.right : area.left, area.top);
+    cairo_translate(context, mirrored ? left + width : left,
+                    area.top + (area.Height() - cairo_image_surface_get_height(picture)) / 2);
     if (mirrored) cairo_scale(context, -1, 1);
     cairo_set_source_surface(context, picture, 0, 0);
     cairo_paint_with_alpha(context, opacity);
@@ -179,8 +211,9 @@ void Canvas::Text(const CDuiRect& area, std::wstring_view text, const FontDescri
         PangoRectangle extent;
         pango_layout_iter_get_line_extents(line, nullptr, &extent);
         const double space = area.Width() - PANGO_PIXELS_CEIL(extent.width);
-        cairo_move_to(m_state->context, area.left + LineOffset(style, rightToLeft, space),
-                      top + PANGO_PIXELS(pango_layout_iter_get_baseline(line)));
+        const double y = top + PANGO_PIXELS(pango_layout_iter_get_baseline(line));
+        if (std::abs(y) > kMaxReach) continue;  // far out of sight
+        cairo_move_to(m_state->context, area.left + LineOffset(style, rightToLeft, space), y);
         pango_cairo_show_layout_line(m_state->context, pango_layout_iter_get_line_readonly(line));
     } while (pango_layout_iter_next_line(line));
     pango_layout_iter_free(line);

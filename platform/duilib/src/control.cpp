@@ -52,8 +52,10 @@ void CControlUI::SetText(std::wstring_view text) {
 const CDuiString& CControlUI::GetToolTip() const { return m_extras ? m_extras->toolTip.Get() : kEmpty; }
 
 void CControlUI::SetToolTip(std::wstring_view text) {
-    if (m_extras || !text.empty()) Extras().toolTip = SharedText(text);
-    if (m_manager) m_manager->ToolTipSet(this);
+    SharedText next(text);
+    const bool changed = m_extras ? m_extras->toolTip != next : !next.IsEmpty();
+    if (changed) Extras().toolTip = std::move(next);
+    if (m_manager) m_manager->ToolTipSet(this, changed);
 }
 
 void CControlUI::SetVirtualWnd(std::wstring_view name) {
@@ -77,6 +79,7 @@ void CControlUI::SetVisible(bool visible) {
     m_visible = visible;
     Invalidate();
     NeedLayoutAround();
+    if (m_manager) m_manager->Changed();  // also in a place that is hidden: somebody may look for it
 }
 
 bool CControlUI::IsEnabled() const { return m_enabled; }

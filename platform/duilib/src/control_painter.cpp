@@ -58,8 +58,8 @@ void ControlPainter::PaintTree(CControlUI& control, CDuiPoint origin, bool enabl
 
     Moment moment{};
     moment.enabled = enabled && control.m_enabled;
-    const bool under = control.TakesPointer() ? window.hovered == &control : window.IsPointerIn(place);
-    moment.pushed = window.pressed == &control && under;
+    const bool under = control.TakesPointer() ? window.hovered == &control : window.IsHot(control);
+    moment.pushed = moment.enabled && window.pressed == &control && under;
     moment.hot = moment.enabled && under && (!window.pressed || moment.pushed);
     if (const SharedText* round = control.FindAttribute(TheNames().bkround)) {
         const CDuiSize size = ParseSize(round->Get()).value_or(CDuiSize{});

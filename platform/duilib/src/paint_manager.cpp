@@ -58,7 +58,8 @@ void CPaintManagerUI::Renamed(CControlUI* control, SharedText name) {
 void CPaintManagerUI::Gone(CControlUI* control) {
     State& state = *m_state;
     state.names.Remove(control);
-    for (CControlUI** held : {&state.root, &state.hovered, &state.pressed, &state.focused, &state.modal}) {
+    for (CControlUI** held :
+         {&state.root, &state.hovered, &state.pressed, &state.focused, &state.modal, &state.focusedBefore}) {
         if (*held == control) *held = nullptr;
     }
     std::erase(state.hot, control);
@@ -97,6 +98,7 @@ void CPaintManagerUI::Layout() {
     const int width = root->m_fixedWidth ? root->GetFixedWidth() : m_state->clientSize.cx;
     const int height = root->m_fixedHeight ? root->GetFixedHeight() : m_state->clientSize.cy;
     root->Arrange({0, 0, width, height});
+    m_state->laidOut = true;
 }
 
 void CPaintManagerUI::LayOutEveryWindowAgain() {

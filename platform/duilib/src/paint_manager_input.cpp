@@ -112,10 +112,9 @@ void CPaintManagerUI::MouseMove(CDuiPoint point) {
         m_state->dragged->DragTo(HitTest::LocalTo(*m_state->dragged, point));
         return;
     }
+    if (moved) m_state->keyboardLast = false;
     Layout();
     UpdateHovered();
-    if (!moved || !m_state->focusShown) return;
-    if (m_state->hovered && m_state->hovered != m_state->tip.Owner()) UpdateToolTipOwner();
 }
 
 void CPaintManagerUI::MouseLeave() {
@@ -165,8 +164,9 @@ bool CPaintManagerUI::ButtonDown(CDuiPoint point) {
     state.pressed = HitTest::CanBeClicked(hit) ? hit : nullptr;
     if (!state.pressed) return false;
     SetFocus(state.pressed);
-    state.focusShown = false;
+    state.focusShown = state.keyboardLast = false;
     state.pressed->Invalidate();
+    UpdateToolTipOwner();
     return true;
 }
 
@@ -196,8 +196,19 @@ bool CPaintManagerUI::MouseWheel(CDuiPoint point, double notches) {
 }
 
 void CPaintManagerUI::SetModal(CControlUI* control) {
-    m_state->modal = control;
-    if (control && m_state->focused && !HitTest::LiesIn(m_state->focused, control)) SetFocus(nullptr);
+    kernel::UiTurn turn;
+    State& state = *m_state;
+    if (control == state.modal) return;
+    if (!state.modal) state.focusedBefore = state.focused;
+    state.modal = control;
+    const bool shown = state.focusShown;
+    if (!control) {
+        SetFocus(std::exchange(state.focusedBefore, nullptr));
+    } else if (state.focused && !HitTest::LiesIn(state.focused, control)) {
+        SetFocus(nullptr);
+    }
+    state.focusShown = shown && state.focused;
+    Layout();
     UpdateHovered();
 }
 
@@ -209,7 +220,7 @@ void CPaintManagerUI::SetFocus(CControlUI* control) {
     State& state = *m_state;
     if (state.focused) state.focused->Invalidate();
     state.focused = control;
-    state.focusShown = control != nullptr;
+    state.focusShown = state.keyboardLast = control != nullptr;
     if (control) control->Invalidate();
     UpdateToolTipOwner();
 }
@@ -278,8 +289,9 @@ bool CPaintManagerUI::KeyDown(DuiKey key) {
         CControlUI* const focused = m_state->focused;
         if (!HitTest::CanBeClicked(focused) || !HitTest::LiesIn(focused, InputRoot())) return false;
         DismissToolTip();
-        m_state->focusShown = true;
+        m_state->focusShown = m_state->keyboardLast = true;
         focused->Invalidate();
+        UpdateToolTipOwner();
         SendNotify(focused, kNotifyClick);
         return true;
     }

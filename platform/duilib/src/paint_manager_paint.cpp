@@ -46,9 +46,14 @@ void CPaintManagerUI::Invalidate(const CControlUI& control) {
         if (place.Width() == 0) return;
         place = {place.left + outer.left, place.top + outer.top, place.right + outer.left, place.bottom + outer.top};
     }
-    // The focus ring reaches beyond what the control lies in.
-    if (&control == state.focused) place = Inflated(place, ControlPainter::FocusMargin());
     Invalidate(place);
+    // The focus ring reaches beyond what its control lies in.
+    if (!state.focused || !state.focusShown) return;
+    for (const CControlUI* around = state.focused; around; around = around->m_parent) {
+        if (around != &control) continue;
+        Invalidate(Inflated(state.focused->PlaceInWindow(), ControlPainter::FocusMargin()));
+        return;
+    }
 }
 
 void CPaintManagerUI::Invalidate(const CDuiRect& area) {
@@ -71,17 +76,29 @@ std::vector<CDuiRect> CPaintManagerUI::Paint(PaintSurface& surface) {
     kernel::UiTurn turn;
     const std::shared_ptr<State> state = m_state;
     state->watched = true;
+    state->awake = true;  // whatever changes from here on is painted below
     const CDuiSize size = surface.Size();
-    if (size.cx != state->clientSize.cx || size.cy != state->clientSize.cy) surface = PaintSurface(state->clientSize);
+    if (size.cx != state->clientSize.cx || size.cy != state->clientSize.cy) {
+        surface = PaintSurface(state->clientSize);
+        state->painted = nullptr;
+    }
     LayOutForPainting();
     if (state->painted != &surface) state->dirty.Add(state->ClientArea());
     state->painted = &surface;
-    state->awake = false;
     UpdateToolTipPlace();
     const std::vector<CDuiRect> areas = state->dirty.Take(state->ClientArea());
-    if (areas.empty()) return areas;
+    if (!areas.empty()) PaintAreas(surface, areas);
+    state->awake = false;
+    return areas;
+}
 
+void CPaintManagerUI::PaintAreas(PaintSurface& surface, const std::vector<CDuiRect>& areas) {
+    State* const state = m_state.get();
     Canvas canvas(surface);
+    struct CanvasOfDC {
+        PaintDC& dc;
+        ~CanvasOfDC() { dc.SetCanvas(nullptr); }
+    } const canvasOfDC{state->dc};
     state->dc.SetCanvas(&canvas);
     for (const CDuiRect& area : areas) {
         canvas.Clip(area);
@@ -92,15 +109,13 @@ std::vector<CDuiRect> CPaintManagerUI::Paint(PaintSurface& surface) {
         if (CControlUI* owner = state->tip.Shown()) PaintToolTip(canvas, owner->GetToolTip(), state->tipPlace);
         canvas.Restore();
     }
-    state->dc.SetCanvas(nullptr);
-    return areas;
 }
 
-// What is laid out anew may have come under a resting pointer.
+// What was laid out anew, by whomever, may have come under a resting pointer.
 void CPaintManagerUI::LayOutForPainting() {
-    const bool pending = m_state->root && m_state->root->m_arrangePending;
     Layout();
-    if (pending && m_state->pointer) UpdateHovered();
+    if (std::exchange(m_state->laidOut, false) && m_state->pointer && !m_state->dragged) UpdateHovered();
+    UpdateHot();
 }
 
 // ---- What moves by itself
@@ -113,19 +128,28 @@ void CPaintManagerUI::Moving(CScrollViewUI* view) {
 auto CPaintManagerUI::Tick(TimePoint now) -> std::optional<TimePoint> {
     kernel::UiTurn turn;
     State& state = *m_state;
+    const bool awake = std::exchange(state.awake, true);  // whoever calls this paints
     std::erase_if(state.moving, [now](CScrollViewUI* view) { return !view->Tick(now); });
     if (state.tip.Tick(now)) UpdateToolTipPlace();
-    std::optional<TimePoint> next = state.tip.Due();
-    if (!state.moving.empty()) next = std::min(now + kFrameTime, next.value_or(TimePoint::max()));
+    state.awake = awake;
+    return NextTick(now);
+}
+
+auto CPaintManagerUI::NextTick(TimePoint now) -> std::optional<TimePoint> {
+    kernel::UiTurn turn;
+    std::optional<TimePoint> next = m_state->tip.Due(now);
+    if (!m_state->moving.empty()) next = std::min(now + kFrameTime, next.value_or(TimePoint::max()));
     return next;
 }
 
 // ---- The tool tip
 
-void CPaintManagerUI::ToolTipSet(const CControlUI* control) {
+// A text that is set again, to say the same again, is shown again where it was dismissed.
+void CPaintManagerUI::ToolTipSet(const CControlUI* control, bool changed) {
     State& state = *m_state;
     UpdateToolTipOwner();
     if (state.tip.Owner() != control) return;
+    if (!changed && (state.tip.Shown() || state.tip.IsWaiting())) return;
     state.tip.Restart();
     UpdateToolTipPlace();
     Changed();
@@ -135,7 +159,7 @@ CControlUI* CPaintManagerUI::GetToolTipOwner() const { return m_state->tip.Shown
 
 void CPaintManagerUI::UpdateToolTipOwner() {
     State& state = *m_state;
-    CControlUI* owner = state.focusShown ? state.focused : state.hovered;
+    CControlUI* owner = state.keyboardLast ? state.focused : state.hovered;
     while (owner && owner->GetToolTip().IsEmpty()) owner = owner->m_parent;
     if (owner == state.tip.Owner()) return;
     state.tip.Over(owner);

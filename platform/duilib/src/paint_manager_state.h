@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -28,14 +29,16 @@ struct CPaintManagerUI::State {
     CControlUI* hovered = nullptr;
     CControlUI* pressed = nullptr;
     CControlUI* focused = nullptr;
-    CControlUI* modal = nullptr;       // input goes to it and what lies in it alone
-    CScrollViewUI* dragged = nullptr;  // its bar is
+    CControlUI* modal = nullptr;          // input goes to it and what lies in it alone
+    CControlUI* focusedBefore = nullptr;  // what gets the focus back after that
+    CScrollViewUI* dragged = nullptr;     // its bar is
     std::vector<CScrollViewUI*> moving;
     std::vector<CControlUI*> hot;  // those under the pointer that change their look for it, buttons excluded
 
     // ---- Input
     std::optional<CDuiPoint> pointer;  // in the window, where it was last
-    bool focusShown = false;           // the keyboard was used last
+    bool focusShown = false;           // the focus has its ring
+    bool keyboardLast = false;         // the keyboard was used after the pointer: the focus shows its tip
     ToolTipTimer tip;
     CDuiRect tipPlace;  // [device px] as painted last; empty while there is none
 
@@ -43,10 +46,11 @@ struct CPaintManagerUI::State {
     std::function<void()> wakeUp;
     bool watched = false;  // somebody paints, or wants to be woken
     bool awake = false;    // has been woken since the last painting
+    bool laidOut = false;  // since the last painting
     DirtyArea dirty;
     const PaintSurface* painted = nullptr;
 
-    bool IsPointerIn(const CDuiRect& place) const { return pointer && place.Contains(*pointer); }
+    bool IsHot(const CControlUI& control) const { return std::ranges::find(hot, &control) != hot.end(); }
     CDuiRect ClientArea() const { return {0, 0, clientSize.cx, clientSize.cy}; }
 };
 

@@ -8,8 +8,9 @@
 
 namespace DuiLib {
 
-// The picture of a file as a raster of exactly that size [device px], in the middle and as large as fits; null when the
-// file cannot be read. Kept as long as there is room, and valid until the next call. UI turn.
-cairo_surface_t* RasterOf(const std::filesystem::path& file, CDuiSize size);
+// The picture of a file as a raster as large as fits into the room [device px] in its own proportions; null when the
+// file cannot be read, or the raster would be absurdly large. Kept as long as there is space, and valid until the next
+// call. UI turn.
+cairo_surface_t* RasterOf(const std::filesystem::path& file, CDuiSize room);
 
 }  // namespace DuiLib

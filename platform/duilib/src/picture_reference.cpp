@@ -35,13 +35,15 @@ std::filesystem::path VersionFor(const std::filesystem::path& file, unsigned sca
     std::error_code ignored;
     std::filesystem::path version = file;
     if (std::filesystem::exists(version.replace_extension(".svg"), ignored)) return version;
+    std::filesystem::path largest = file;
     for (const unsigned made : {125u, 150u, 200u, 300u}) {
-        if (scale <= 100 || made < scale) continue;
         version = file.parent_path() / file.stem();
         version += "@" + std::to_string(made) + ".png";
-        if (std::filesystem::exists(version, ignored)) return version;
+        if (scale <= 100 || !std::filesystem::exists(version, ignored)) continue;
+        if (made >= scale) return version;
+        largest = version;
     }
-    return file;
+    return largest;
 }
 
 std::filesystem::path Choose(const std::wstring& file, unsigned scale) {

@@ -58,7 +58,7 @@ TEST_F(PictureFiles, TheSmallestVersionThatIsLargeEnoughIsTaken) {
     EXPECT_EQ(Found(L"x.png", 125), "x@150.png");
     EXPECT_EQ(Found(L"x.png", 150), "x@150.png");
     EXPECT_EQ(Found(L"x.png", 200), "x@300.png");
-    EXPECT_EQ(Found(L"x.png", 400), "x.png");
+    EXPECT_EQ(Found(L"x.png", 400), "x@300.png");
 }
 
 TEST_F(PictureFiles, AMissingPictureIsReportedOnceAndReplacedByTheFallback) {

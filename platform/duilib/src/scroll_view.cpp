@@ -41,7 +41,9 @@ void CScrollViewUI::ArrangeChildren() {
     for (CControlUI* child : Children()) {
         if (!child->IsVisible()) continue;
         const CDuiRect margin = child->Margin();
-        const int height = child->PreferredHeight(child->FillWidth(inner.Width())) + margin.top + margin.bottom;
+        const int height = child->HasPlace(LayoutAxis::kVertical)
+                               ? child->PosInPixels().bottom
+                               : child->PreferredHeight(child->FillWidth(inner.Width())) + margin.top + margin.bottom;
         m_contentHeight = std::max(m_contentHeight, height);
     }
     m_position = std::clamp(m_position, 0.0, GetScrollRange());
@@ -49,6 +51,10 @@ void CScrollViewUI::ArrangeChildren() {
     const int offset = OffsetInPixels();
     for (CControlUI* child : Children()) {
         if (!child->IsVisible()) continue;
+        if (child->IsFloating()) {
+            PlaceOver(*child, {inner.left, inner.top - offset, inner.right, inner.bottom - offset});
+            continue;
+        }
         const CDuiRect margin = child->Margin();
         const int width = child->FillWidth(inner.Width());
         const int x = inner.left + margin.left + AlignX(inner.Width() - margin.left - margin.right - width);
@@ -125,11 +131,11 @@ void CScrollViewUI::EnsureVisible(CControlUI& control, bool smoothly) {
 // ---- The bar
 
 CScrollViewUI::Thumb CScrollViewUI::BarThumb() const {
-    const int view = m_place.Height();
+    const int view = InnerRect().Height();
     if (m_contentHeight <= view || view <= 0) return {};
     const CResourceManager& resources = *CResourceManager::GetInstance();
     const int margin = resources.Scale(kThumbMargin, m_manager);
-    const int track = std::max(0, view - 2 * margin);
+    const int track = std::max(0, m_place.Height() - 2 * margin);
     Thumb thumb;
     thumb.height = static_cast<int>(std::int64_t{track} * view / m_contentHeight);
     thumb.height = std::min(track, std::max(thumb.height, resources.Scale(kThumbMinHeight, m_manager)));

@@ -19,10 +19,13 @@ void ToolTipTimer::Dismiss() {
     m_due.reset();
 }
 
+auto ToolTipTimer::Due(TimePoint now) -> std::optional<TimePoint> {
+    if (m_waiting && !m_due) m_due = now + kDelay;
+    return m_due;
+}
+
 bool ToolTipTimer::Tick(TimePoint now) {
-    if (!m_waiting) return false;
-    if (!m_due) m_due = now + kDelay;
-    if (now < *m_due) return false;
+    if (!m_waiting || now < *Due(now)) return false;
     Dismiss();
     m_shown = true;
     return true;

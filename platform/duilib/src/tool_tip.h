@@ -23,7 +23,9 @@ public:
 
     // True when the tip has become due.
     bool Tick(TimePoint now);
-    std::optional<TimePoint> Due() const { return m_due; }
+    // When Tick has something to do next; nothing when the tip waits for nothing.
+    std::optional<TimePoint> Due(TimePoint now);
+    bool IsWaiting() const { return m_waiting; }
 
     CControlUI* Owner() const { return m_owner; }
     CControlUI* Shown() const { return m_shown ? m_owner : nullptr; }
@@ -32,7 +34,7 @@ private:
     CControlUI* m_owner = nullptr;
     bool m_waiting = false;
     bool m_shown = false;
-    std::optional<TimePoint> m_due;  // known from the first Tick of a wait on
+    std::optional<TimePoint> m_due;  // known once a wait was looked at
 };
 
 }  // namespace DuiLib

@@ -19,12 +19,12 @@ protected:
 TEST_F(ToolTipTimerTest, ATipIsShownHalfASecondAfterThePointerCameToRest) {
     tip.Over(&control);
     EXPECT_FALSE(tip.Tick(start));
-    EXPECT_EQ(tip.Due(), start + milliseconds(500));
+    EXPECT_EQ(tip.Due(start), start + milliseconds(500));
     EXPECT_FALSE(tip.Tick(start + milliseconds(499)));
     EXPECT_EQ(tip.Shown(), nullptr);
     EXPECT_TRUE(tip.Tick(start + milliseconds(500)));
     EXPECT_EQ(tip.Shown(), &control);
-    EXPECT_FALSE(tip.Due());
+    EXPECT_FALSE(tip.Due(start + milliseconds(500)));
 }
 
 TEST_F(ToolTipTimerTest, AnotherControlHidesTheTipAndWaitsForItsOwn) {
@@ -55,7 +55,7 @@ TEST_F(ToolTipTimerTest, ADismissedTipStaysAwayUntilItsTextIsAnother) {
 TEST_F(ToolTipTimerTest, NothingIsWaitedForWithoutAControl) {
     tip.Restart();
     EXPECT_FALSE(tip.Tick(start));
-    EXPECT_FALSE(tip.Due());
+    EXPECT_FALSE(tip.Due(start));
 }
 
 class ToolTipPlaceTest : public ToolkitTest {

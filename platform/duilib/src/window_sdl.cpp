@@ -49,7 +49,13 @@ private:
     }
 };
 
-std::optional<DuiKey> KeyOf(const SDL_Keysym& key) {
+// A key that is held down moves and scrolls again and again, but presses once; with Ctrl, Alt or the like it means
+// something else.
+std::optional<DuiKey> KeyOf(const SDL_KeyboardEvent& event) {
+    const SDL_Keysym& key = event.keysym;
+    if (key.mod & (KMOD_CTRL | KMOD_ALT | KMOD_GUI)) return {};
+    const bool presses = key.sym == SDLK_RETURN || key.sym == SDLK_KP_ENTER || key.sym == SDLK_SPACE;
+    if (presses && event.repeat) return {};
     switch (key.sym) {
         case SDLK_TAB:
             return key.mod & KMOD_SHIFT ? DuiKey::kShiftTab : DuiKey::kTab;
@@ -102,9 +108,21 @@ struct CWindowWnd::State {
     void FollowDisplay() {
         CResourceManager& resources = *CResourceManager::GetInstance();
         resources.SetScale(options.scale.value_or(DisplayScale(window.get())));
+        const CDuiSize least = InUnits(options.smallest);
+        SDL_SetWindowMinimumSize(window.get(), least.cx, least.cy);
+    }
+
+    // A size [design px] in the desktop's units; no larger than the display that the window is on.
+    CDuiSize InUnits(CDuiSize design) const {
         const double unit = PixelsPerUnit(window.get());
-        const CDuiSize least = resources.Scale(options.smallest);
-        SDL_SetWindowMinimumSize(window.get(), static_cast<int>(least.cx / unit), static_cast<int>(least.cy / unit));
+        const CDuiSize pixels = CResourceManager::GetInstance()->Scale(design);
+        CDuiSize size{static_cast<int>(pixels.cx / unit), static_cast<int>(pixels.cy / unit)};
+        SDL_Rect room;
+        const int display = SDL_GetWindowDisplayIndex(window.get());
+        if (display >= 0 && SDL_GetDisplayUsableBounds(display, &room) == 0) {
+            size = {std::min(size.cx, room.w), std::min(size.cy, room.h)};
+        }
+        return size;
     }
 
     void FollowSize() {
@@ -115,10 +133,16 @@ struct CWindowWnd::State {
 
     // ---- Painting
     void Paint() {
-        nextTick = manager.Tick(std::chrono::steady_clock::now());
+        const auto now = std::chrono::steady_clock::now();
+        manager.Tick(now);
         const std::vector<CDuiRect> areas = manager.Paint(surface);
-        SDL_Surface* const target = areas.empty() ? nullptr : SDL_GetWindowSurface(window.get());
-        if (!target) return;
+        nextTick = manager.NextTick(now);
+        if (areas.empty()) return;
+        SDL_Surface* const target = SDL_GetWindowSurface(window.get());
+        if (!target) {
+            surface = {};  // the next painting is whole
+            return;
+        }
         const CDuiSize size = surface.Size();
         const std::unique_ptr<SDL_Surface, FreeSurface> source(SDL_CreateRGBSurfaceWithFormatFrom(
             surface.Pixels(), size.cx, size.cy, 32, surface.BytesPerRow(), SDL_PIXELFORMAT_RGB888));
@@ -163,7 +187,7 @@ struct CWindowWnd::State {
                 HandleWheel(event.wheel);
                 break;
             case SDL_KEYDOWN:
-                if (const auto key = KeyOf(event.key.keysym)) manager.KeyDown(*key);
+                if (const auto key = KeyOf(event.key)) manager.KeyDown(*key);
                 break;
             case SDL_WINDOWEVENT:
                 HandleWindow(event.window.event);
@@ -222,9 +246,8 @@ CWindowWnd::CWindowWnd(CPaintManagerUI& manager, const WindowOptions& options)
                                         first.cy, SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI | SDL_WINDOW_HIDDEN));
     if (!state.window) throw std::runtime_error(Reason(kNoWindow));
     state.FollowDisplay();
-    const CDuiSize size = CResourceManager::GetInstance()->Scale(options.size);
-    const double unit = PixelsPerUnit(state.window.get());
-    SDL_SetWindowSize(state.window.get(), static_cast<int>(size.cx / unit), static_cast<int>(size.cy / unit));
+    const CDuiSize size = state.InUnits(options.size);
+    SDL_SetWindowSize(state.window.get(), size.cx, size.cy);
     SDL_SetWindowPosition(state.window.get(), SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED);
     SDL_ShowWindow(state.window.get());
     state.FollowSize();

@@ -98,12 +98,13 @@ void Connection::Connect() {
 }
 
 void Connection::ConnectLater(const std::string& reason) {
+    bool changed = false;
     {
         const std::lock_guard lock(m_stateMutex);
-        m_phase = Phase::kUnreachable;
+        changed = std::exchange(m_phase, Phase::kUnreachable) != Phase::kUnreachable;
     }
     m_phaseChanged.notify_all();
-    TellOfChange();
+    if (changed) TellOfChange();
     if (std::exchange(m_lastReason, reason) != reason) {
         Log(kIpcLogEvent, "the pipe cannot be reached, trying again: " + reason);
     }

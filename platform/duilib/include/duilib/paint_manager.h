@@ -86,8 +86,8 @@ public:
     CControlUI* GetHovered() const;  // what the pointer was over when it moved last; null when that is gone
 
     // Keyboard input: Tab moves the focus through the shown, enabled buttons, Enter and Space click the focused one,
-    // Escape takes a tool tip away, else is the notification
-    // "cancel" of the control that holds the input, arrows, Page, Home and End keys scroll. Returns whether the key did something.
+    // arrows, Page, Home and End keys scroll. Escape takes a tool tip away; without one it is the notification "cancel"
+    // of the control that has the input for itself. Returns whether the key did something.
     bool KeyDown(DuiKey key);
     CControlUI* GetFocus() const;        // null when nothing has it, or when what had it is gone
     void SetFocus(CControlUI* control);  // as the keyboard would; null takes it away
@@ -105,14 +105,16 @@ public:
     std::vector<CDuiRect> Paint(PaintSurface& surface);
     void InvalidateAll();
 
-    // Called once after each painting when there is something to lay out or paint again, on whichever thread made the
-    // change, under the UI turn: it wakes whoever paints.
+    // Called once after each painting when there is something to lay out or paint again, or something came or went in a
+    // place that is hidden, on whichever thread made the change, under the UI turn: it wakes whoever paints. What Tick
+    // and Paint do themselves wakes nobody: paint after Tick.
     void SetWakeUp(std::function<void()> wakeUp);
 
     // What moves by itself: scrolling, and tool tips that wait for their time. Returns when it wants to be called next;
     // nothing while all is at rest.
     using TimePoint = std::chrono::steady_clock::time_point;
     std::optional<TimePoint> Tick(TimePoint now);
+    std::optional<TimePoint> NextTick(TimePoint now);  // the same without a step: painting may have started something
 
     CControlUI* GetToolTipOwner() const;  // whose tool tip is shown; null for none
 
@@ -130,6 +132,7 @@ private:
     void Invalidate(const CControlUI& control);
     void Invalidate(const CDuiRect& area);
     void LayOutForPainting();
+    void PaintAreas(PaintSurface& surface, const std::vector<CDuiRect>& areas);
     void Moving(CScrollViewUI* view);
     CControlUI* InputRoot() const;
     CControlUI* Hit(CDuiPoint point) const;
@@ -137,7 +140,7 @@ private:
     void UpdateHot();
     void MoveFocus(bool forward);
     bool Scroll(DuiKey key);
-    void ToolTipSet(const CControlUI* control);
+    void ToolTipSet(const CControlUI* control, bool changed);
     void UpdateToolTipOwner();
     void UpdateToolTipPlace();
     void DismissToolTip();
