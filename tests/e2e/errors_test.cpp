@@ -86,5 +86,15 @@ TEST_F(ErrorsTest, ACatalogueWithAWrongFieldIsRefusedWithFileEntryAndField) {
     EXPECT_FALSE(std::filesystem::exists(m_folder / "work"));
 }
 
+TEST_F(ErrorsTest, ASignalWhileAScriptWaitsEndsTheHostWell) {
+    const std::string script = m_folder / "wait.script";
+    WriteFile(script, "say waiting\nwait nothing-left within 600\n");
+    test_process::Process host(SETTINGS_HOST_PROGRAM, {"--headless", "--script", script}, HostEnvironment());
+    ASSERT_TRUE(host.Output().WaitFor("# waiting"));
+    host.Signal(SIGTERM);
+    EXPECT_EQ(host.WaitForEnd(), 0) << host.Errors().Text();
+    EXPECT_EQ(host.Output().Lines().back(), "stopped");
+}
+
 }  // namespace
 }  // namespace e2e

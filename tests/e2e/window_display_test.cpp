@@ -54,6 +54,15 @@ TEST_F(FineDisplayTest, AScaleOfTheCommandLineOverridesTheDisplay) {
     m_host->End();
 }
 
+TEST_F(FineDisplayTest, AWindowIsNoLargerThanItsDisplay) {
+    OpenPage({"--scale", "300"});  // it would be 2640 x 1800
+    ExpectSize(2000, 1400, 156);
+    const Place navigation = m_host->Where("navAccessories");
+    EXPECT_GE(navigation.x, 0);
+    EXPECT_GE(navigation.y, 0);
+    m_host->End();
+}
+
 class PictureTest : public DisplayTest {
 protected:
     void OpenPage() { DisplayTest::OpenPage({"--pictures", m_folder.Path().string()}); }

@@ -332,7 +332,149 @@ TEST_F(PaintingTest, WhoeverPaintsIsWokenOnceForAllChangesSinceThen) {
     EXPECT_EQ(woken, 2);
 }
 
+TEST_F(PaintingTest, ASurfaceThatWasMadeAnewIsPaintedWholeWhereverItLies) {
+    Add({{L"bkcolor", L"#FFFF0000"}});
+    std::optional<PaintSurface> surface(std::in_place);
+    window.Paint(*surface);
+    surface.emplace();
+    EXPECT_THAT(window.Paint(*surface), ElementsAre(CDuiRect{0, 0, 400, 300}));
+    EXPECT_EQ(surface->Pixel(5, 5), kRed);
+}
+
+TEST_F(PaintingTest, WhatComesOrGoesInAHiddenPlaceWakesToo) {
+    auto* const outer = Add<CContainerUI>({{L"visible", L"false"}});
+    auto* const heading = Add<CLabelUI>({}, outer);
+    Repainted();
+    int woken = 0;
+    window.SetWakeUp([&woken] { ++woken; });
+    heading->SetVisible(false);
+    EXPECT_EQ(woken, 1);
+}
+
+TEST_F(PaintingTest, WhatPaintingDoesItselfWakesNobody) {
+    auto* const view = Add<CScrollViewUI>();
+    Add<CButtonUI>({{L"height", L"1000"}}, view);
+    Repainted();
+    int woken = 0;
+    window.SetWakeUp([&woken] { ++woken; });
+    window.MouseWheel({50, 50}, 3);
+    EXPECT_EQ(woken, 1);
+    auto now = kStart;
+    for (auto next = window.Tick(now); next; next = window.NextTick(now)) {
+        Repainted();
+        EXPECT_GT(*next, now);
+        now = *next;
+        window.Tick(now);
+    }
+    EXPECT_EQ(view->GetScrollPos(), 180);
+    EXPECT_EQ(woken, 1);
+}
+
+TEST_F(PaintingTest, ATipThatALayoutBroughtUnderThePointerIsTimed) {
+    auto* const button = Add<CButtonUI>({{L"pos", L"0,0,20,20"}, {L"tooltip", L"Pause"}, {L"visible", L"false"}});
+    window.MouseMove({5, 5});
+    Repainted();
+    button->SetVisible(true);
+    EXPECT_FALSE(window.Tick(kStart));
+    Repainted();
+    EXPECT_EQ(window.NextTick(kStart), kStart + std::chrono::milliseconds(500));
+}
+
+TEST_F(PaintingTest, WhatSomebodyElseLaidOutUnderThePointerIsHotToo) {
+    auto* const button = Add<CButtonUI>({{L"hotbkcolor", L"#FF222222"}, {L"pos", L"100,0,120,20"}});
+    window.MouseMove({5, 5});
+    Repainted();
+    button->SetAttribute(L"pos", L"0,0,20,20");
+    button->GetPos();  // lays out
+    EXPECT_EQ(At(5, 5), 0xFF222222u);
+}
+
+TEST_F(PaintingTest, AHotColourThatComesUnderThePointerIsShown) {
+    auto* const label = Add<CLabelUI>({{L"pos", L"0,0,20,20"}});
+    window.MouseMove({5, 5});
+    Repainted();
+    label->SetAttribute(L"hotbkcolor", L"#FF222222");
+    EXPECT_EQ(At(5, 5), 0xFF222222u);
+}
+
+TEST_F(PaintingTest, WhatIsScrolledOutUnderThePointerIsNotHot) {
+    auto* const view = Add<CScrollViewUI>({{L"pos", L"0,50,400,150"}});
+    Add<CLabelUI>({{L"height", L"1000"}, {L"bkcolor", L"#FF111111"}, {L"hotbkcolor", L"#FF222222"}}, view);
+    window.MouseMove({5, 5});
+    view->ScrollTo(200, false);
+    EXPECT_EQ(At(5, 60), 0xFF111111u);
+}
+
+TEST_F(PaintingTest, AButtonThatIsDisabledWhilePressedLosesThatLook) {
+    auto* const button = Add<CButtonUI>({{L"pos", L"0,0,20,20"}, {L"pushedbkcolor", L"#FF333333"}});
+    window.ButtonDown({5, 5});
+    EXPECT_EQ(At(5, 5), 0xFF333333u);
+    button->SetEnabled(false);
+    EXPECT_EQ(At(5, 5), kWhite);
+}
+
+TEST_F(PaintingTest, TheFocusRingGoesWithTheContainerAroundItsButton) {
+    auto* const box = Add<CContainerUI>({{L"pos", L"20,20,60,40"}});
+    Add<CButtonUI>({}, box);
+    window.KeyDown(DuiKey::kTab);
+    EXPECT_EQ(At(40, 18), 0xFF0A59F7u);
+    box->SetVisible(false);
+    EXPECT_EQ(At(40, 18), kWhite);
+}
+
+// ---- Absurd sizes
+
+TEST_F(PaintingTest, AControlOfAbsurdSizeIsPainted) {
+    for (const wchar_t* round : {L"0,0", L"28,28"}) {
+        auto* const huge =
+            Add<CContainerUI>({{L"pos", L"-9,-9,16777216,16777216"}, {L"bkcolor", L"#FFFF0000"}, {L"bkround", round}});
+        Add({{L"pos", L"100,0,16777216,16777216"}, {L"bkcolor", L"#FF0000FF"}}, huge);
+        EXPECT_EQ(At(20, 299), kRed);
+        EXPECT_EQ(At(399, 299), kBlue);
+        huge->SetAttribute(L"bordersize", L"9000000");
+        huge->SetAttribute(L"bordercolor", L"#FF00FF00");
+        EXPECT_EQ(At(20, 299), 0xFF00FF00u);
+        root->Remove(huge);
+    }
+}
+
+TEST_F(PaintingTest, WindowsWithoutASizeOrAScaleAreSurvived) {
+    Add<CButtonUI>({{L"text", L"x"}, {L"bkround", L"8,8"}, {L"bordersize", L"1"}});
+    window.SetClientSize({0, 0});
+    EXPECT_THAT(Repainted(), IsEmpty());
+    window.SetClientSize({10, 10});
+    CResourceManager::GetInstance()->SetScale(0);
+    EXPECT_THAT(Repainted(), ElementsAre(CDuiRect{0, 0, 10, 10}));
+}
+
 // ---- Tool tips
+
+TEST_F(PaintingTest, ThePointerGetsItsTipAlsoAfterTheKeyboardWasUsed) {
+    auto* const first = Add<CButtonUI>({{L"pos", L"0,0,50,50"}});
+    auto* const second = Add<CButtonUI>({{L"pos", L"100,100,150,150"}, {L"tooltip", L"Pause"}});
+    window.KeyDown(DuiKey::kTab);
+    EXPECT_EQ(window.GetFocus(), first);
+    window.MouseMove({120, 120});
+    window.Tick(kStart);
+    window.Tick(kStart + std::chrono::milliseconds(500));
+    EXPECT_EQ(window.GetToolTipOwner(), second);
+}
+
+TEST_F(PaintingTest, TheSameTipAgainIsShownAgainAfterAClickButDoesNotFlicker) {
+    auto* const button = Add<CButtonUI>({{L"pos", L"100,100,150,150"}});
+    EXPECT_TRUE(Click(button));
+    button->SetToolTip(L"Not now");
+    window.Tick(kStart);
+    window.Tick(kStart + std::chrono::milliseconds(500));
+    button->SetToolTip(L"Not now");
+    EXPECT_EQ(window.GetToolTipOwner(), button);
+    EXPECT_TRUE(Click(button));
+    EXPECT_EQ(window.GetToolTipOwner(), nullptr);
+    button->SetToolTip(L"Not now");
+    window.Tick(kStart + std::chrono::milliseconds(600));
+    window.Tick(kStart + std::chrono::milliseconds(1100));
+    EXPECT_EQ(window.GetToolTipOwner(), button);
+}
 
 TEST_F(PaintingTest, ATipIsPaintedBelowItsControlAndTakenAwayAgain) {
     Add<CButtonUI>({{L"pos", L"100,100,200,120"}, {L"tooltip", L"Pause"}});
@@ -383,6 +525,20 @@ TEST_F(PaintingTest, AModalControlHasTheInputForItself) {
     EXPECT_EQ(window.GetFocus(), answer);
     question->SetVisible(false);
     EXPECT_TRUE(Click(below));
+}
+
+TEST_F(PaintingTest, TheFocusComesBackWhenAModalControlEnds) {
+    auto* const below = Add<CButtonUI>({{L"pos", L"0,0,50,50"}});
+    auto* const question = Add<CContainerUI>({{L"visible", L"false"}});
+    auto* const answer = Add<CButtonUI>({{L"pos", L"100,100,150,150"}}, question);
+    window.SetFocus(below);
+    question->SetVisible(true);
+    window.SetModal(question);
+    EXPECT_EQ(window.GetFocus(), nullptr);
+    window.SetFocus(answer);
+    question->SetVisible(false);
+    window.SetModal(nullptr);
+    EXPECT_EQ(window.GetFocus(), below);
 }
 
 TEST_F(PaintingTest, EscapeCancelsAModalControl) {

@@ -1,5 +1,7 @@
 #include "picture_reference.h"
 
+#include <sys/stat.h>
+
 #include "duilib/paint_surface.h"
 #include "test_support.h"
 
@@ -80,6 +82,61 @@ TEST_F(PictureFiles, ADamagedPictureIsReportedWithItsName) {
     skin.Write("damaged.png", "no picture");
     EXPECT_EQ(Found(L"damaged.png", 100), "");
     EXPECT_THAT(TakeDiagnostics(), testing::ElementsAre(testing::HasSubstr("damaged.png")));
+}
+
+TEST_F(PictureFiles, APictureOfAbsurdSizeIsRefusedBeforeItIsRead) {
+    MakePng("huge.png");
+    std::fstream file(skin.Path() / "huge.png", std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(16);
+    file.write("\x00\x00\x75\x30\x00\x00\x75\x30", 8);  // 30000 x 30000
+    file.close();
+    EXPECT_EQ(Found(L"huge.png", 100), "");
+    EXPECT_THAT(TakeDiagnostics(), testing::ElementsAre(testing::HasSubstr("huge.png: the picture is too large")));
+}
+
+TEST_F(PictureFiles, WhatIsNoFileIsNotReadAtAll) {
+    ASSERT_EQ(::mkfifo((skin.Path() / "pipe.png").c_str(), 0600), 0);
+    std::filesystem::create_directory(skin.Path() / "folder.svg");
+    EXPECT_EQ(Found(L"pipe.png", 100), "");
+    EXPECT_EQ(Found(L"folder.svg", 100), "");
+    EXPECT_THAT(TakeDiagnostics(), testing::Each(testing::HasSubstr(": it is no file")));
+}
+
+TEST_F(PictureFiles, APictureIsDrawnInItsOwnProportionsInTheMiddle) {
+    skin.Write(
+        "wide.svg",
+        "<svg xmlns='http://www.w3.org/2000/svg' width='40' height='20'>"
+        "<rect width='20' height='20' fill='#ff0000'/><rect x='20' width='20' height='20' fill='#0000ff'/></svg>");
+    CPaintManagerUI window;
+    window.SetClientSize({40, 40});
+    auto* const label = new CLabelUI;
+    label->SetAttribute(L"bkimage", L"file='wide.svg'");
+    window.AttachRoot(label);
+    PaintSurface picture;
+    window.Paint(picture);
+    EXPECT_EQ(picture.Pixel(10, 5), 0xFFFFFFFFu);
+    EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
+    EXPECT_EQ(picture.Pixel(30, 20), 0xFF0000FFu);
+    EXPECT_EQ(picture.Pixel(10, 35), 0xFFFFFFFFu);
+}
+
+TEST_F(PictureFiles, APictureWithReverseIsMirroredInRightToLeftLanguages) {
+    skin.Write("half.svg",
+               "<svg xmlns='http://www.w3.org/2000/svg' width='40' height='40'>"
+               "<rect width='20' height='40' fill='#ff0000'/></svg>");
+    UICulture::GetInstance()->Load(skin.Write("rtl.xml", "<Language name='xx' rtl='true'/>"));
+    CPaintManagerUI window;
+    window.SetClientSize({40, 40});
+    auto* const label = new CLabelUI;
+    window.AttachRoot(label);
+    PaintSurface picture;
+    label->SetAttribute(L"bkimage", L"file='half.svg'");
+    window.Paint(picture);
+    EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
+    label->SetAttribute(L"bkimage", L"file='half.svg' reverse='true'");
+    window.Paint(picture);
+    EXPECT_EQ(picture.Pixel(10, 20), 0xFFFFFFFFu);
+    EXPECT_EQ(picture.Pixel(30, 20), 0xFFFF0000u);
 }
 
 }  // namespace

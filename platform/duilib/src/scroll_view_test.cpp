@@ -133,6 +133,26 @@ TEST_F(ScrollViewTest, PositionsAreDesignPixelsAtEveryScale) {
     EXPECT_EQ(root->GetScrollRange(), 700);
 }
 
+TEST_F(ScrollViewTest, AFreelyPlacedChildMovesWithTheContent) {
+    auto* const free = Add<CLabelUI>({{L"pos", L"10,1100,50,1200"}});
+    window.Layout();
+    EXPECT_EQ(root->GetScrollRange(), 900);
+    root->ScrollTo(900, false);
+    EXPECT_EQ(free->GetPos(), (CDuiRect{10, 200, 50, 300}));
+}
+
+TEST_F(ScrollViewTest, TheBarFitsTheContentAlsoWithinAnInset) {
+    root->SetAttribute(L"inset", L"0,100,0,100");
+    window.Layout();
+    EXPECT_EQ(root->GetScrollRange(), 900);
+    window.ButtonDown({396, 10});
+    window.MouseMove({396, 1000});
+    EXPECT_EQ(root->GetScrollPos(), 900);
+    window.MouseMove({396, 10});
+    EXPECT_EQ(root->GetScrollPos(), 0);
+    window.ButtonUp({396, 10});
+}
+
 TEST_F(ScrollViewTest, WhatIsScrolledOutOfTheViewCannotBeClicked) {
     root->ScrollTo(150, false);
     EXPECT_EQ(window.FindControl(CDuiPoint{100, 10}), buttons[1]);
