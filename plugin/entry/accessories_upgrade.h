@@ -6,8 +6,10 @@
 
 // The module's whole boundary towards the host: two functions and one class member. docs/host.md and
 // docs/examples/minimal_host.cpp show their use.
-#if defined(_WIN32)
+#if defined(_MSC_VER)
 #define ACCESSORIES_UPGRADE_API __declspec(dllexport)
+#elif defined(_WIN32)
+#define ACCESSORIES_UPGRADE_API  // exports.def has the names that the platform compiler would give
 #else
 #define ACCESSORIES_UPGRADE_API __attribute__((visibility("default")))
 #endif

@@ -33,7 +33,7 @@ AccessoriesFirwareWnd::~AccessoriesFirwareWnd() {
 const DUI_MSGMAP* AccessoriesFirwareWnd::GetMessageMap() const {
     static constexpr DUI_MSGMAP_ENTRY kEntries[] = {{kNotifyClick, nullptr, &CNotifyPump::OnClick},
                                                     {nullptr, nullptr, nullptr}};
-    static constexpr DUI_MSGMAP kMap{&CNotifyPump::s_messageMap, kEntries};
+    static const DUI_MSGMAP kMap{&CNotifyPump::s_messageMap, kEntries};  // the base may be in another module
     return &kMap;
 }
 

@@ -40,7 +40,7 @@ AccessoriesUpdateWnd::~AccessoriesUpdateWnd() {
 
 const DUI_MSGMAP* AccessoriesUpdateWnd::GetMessageMap() const {
     static constexpr DUI_MSGMAP_ENTRY kEntries[] = {{nullptr, nullptr, nullptr}};
-    static constexpr DUI_MSGMAP kMap{&CNotifyPump::s_messageMap, kEntries};
+    static const DUI_MSGMAP kMap{&CNotifyPump::s_messageMap, kEntries};  // the base may be in another module
     return &kMap;
 }
 
