@@ -1,50 +1,22 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <vector>
 
 #include "cairo_owned.h"
 #include "canvas.h"
+#include "canvas_clips.h"
 #include "dirty_area.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
 #include "pango_text.h"
 #include "picture_files_cairo.h"
+#include "text_place.h"
 
 namespace DuiLib {
 
-namespace {
-
-constexpr int kMaxReach = 1 << 20;  // [device px] of corners and borders
-
-}  // namespace
-
 struct Canvas::State {
     explicit State(PaintSurface& target)
-        : surface(CairoView(target)),
-          owned(cairo_create(surface.get())),
-          context(owned.get()),
-          whole{0, 0, target.Size().cx, target.Size().cy} {}
-
-    struct Cut {
-        bool rounded;
-        CDuiRect area;
-        CDuiSize corner;
-        CDuiRect bounds;  // of everything that can be drawn on
-    };
-
-    const CDuiRect& Bounds() const { return clips.empty() ? whole : clips.back().bounds; }
-
-    // The rectangle with edges that are far out of sight brought near: Cairo's numbers are smaller than the toolkit's.
-    // What is drawn at an edge, at most `reach` wide, stays where it is or out of sight.
-    CDuiRect Near(const CDuiRect& area, int reach) const {
-        const CDuiRect room = Inflated(Bounds(), reach + 1);
-        return {std::clamp(area.left, room.left, room.right), std::clamp(area.top, room.top, room.bottom),
-                std::clamp(area.right, room.left, room.right), std::clamp(area.bottom, room.top, room.bottom)};
-    }
-    CDuiRect Near(const CDuiRect& area, CDuiSize corner, int thickness = 0) const {
-        return Near(area, std::clamp(std::max(corner.cx, corner.cy), 0, kMaxReach) + std::min(thickness, kMaxReach));
-    }
+        : surface(CairoView(target)), owned(cairo_create(surface.get())), context(owned.get()), clips(target.Size()) {}
 
     void SetColor(CDuiColor color) const {
         const auto part = [color](int shift) { return ((color >> shift) & 0xFF) / 255.0; };
@@ -80,29 +52,17 @@ struct Canvas::State {
         cairo_close_path(context);
     }
 
-    // Whether what is drawn now is cut at this very shape. A round shape drawn on top would have its smooth edge
-    // twice, and look faint at the corners.
-    bool IsCutAt(const CDuiRect& area, CDuiSize corner) const {
-        if (clips.empty() || !clips.back().rounded) return false;
-        const CDuiRect& cut = clips.back().area;
-        const CDuiSize& cutCorner = clips.back().corner;
-        return cut.left == area.left && cut.top == area.top && cut.right == area.right && cut.bottom == area.bottom &&
-               cutCorner.cx == corner.cx && cutCorner.cy == corner.cy;
-    }
-
     const CairoSurface surface;
     const CairoContext owned;
     cairo_t* const context;
-    const CDuiRect whole;
-    std::vector<Cut> clips;
+    CanvasClips clips;
 };
 
 Canvas::Canvas(PaintSurface& surface) : m_state(std::make_unique<State>(surface)) {}
 Canvas::~Canvas() = default;
 
 void Canvas::Clip(const CDuiRect& area) {
-    const CDuiRect bounds = Intersection(m_state->Bounds(), area);
-    m_state->clips.push_back({false, bounds, {}, bounds});
+    const CDuiRect bounds = m_state->clips.Push(area).bounds;
     cairo_save(m_state->context);
     m_state->Path(bounds, {});
     cairo_clip(m_state->context);
@@ -111,8 +71,7 @@ void Canvas::Clip(const CDuiRect& area) {
 // What is drawn within goes onto a layer of its own first: were each drawing cut by itself, the smooth edge of one
 // would shine through the next.
 void Canvas::ClipRounded(const CDuiRect& area, CDuiSize corner) {
-    const CDuiRect bounds = Intersection(m_state->Bounds(), area);
-    m_state->clips.push_back({true, area, corner, bounds});
+    const CDuiRect bounds = m_state->clips.PushRounded(area, corner).bounds;
     cairo_save(m_state->context);
     m_state->Path(bounds, {});
     cairo_clip(m_state->context);
@@ -120,11 +79,10 @@ void Canvas::ClipRounded(const CDuiRect& area, CDuiSize corner) {
 }
 
 void Canvas::Restore() {
-    const State::Cut clip = m_state->clips.back();
-    m_state->clips.pop_back();
+    const CanvasClips::Cut clip = m_state->clips.Pop();
     if (clip.rounded) {
         cairo_pop_group_to_source(m_state->context);
-        m_state->Path(m_state->Near(clip.area, clip.corner), clip.corner);
+        m_state->Path(m_state->clips.Near(clip.area, clip.corner), clip.corner);
         cairo_fill(m_state->context);
     }
     cairo_restore(m_state->context);
@@ -140,7 +98,7 @@ void Canvas::Clear(const CDuiRect& area, CDuiColor color) {
 void Canvas::Fill(const CDuiRect& area, CDuiSize corner, CDuiColor color) {
     if (area.Width() <= 0 || area.Height() <= 0) return;
     m_state->SetColor(color);
-    m_state->Path(m_state->Near(area, corner), m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
+    m_state->Path(m_state->clips.Near(area, corner), m_state->clips.IsCutAt(area, corner) ? CDuiSize{} : corner);
     cairo_fill(m_state->context);
 }
 
@@ -149,8 +107,8 @@ void Canvas::Border(const CDuiRect& area, CDuiSize corner, int thickness, CDuiCo
     // What lies between the outer shape and the inner one.
     m_state->SetColor(color);
     cairo_new_path(m_state->context);
-    const CDuiRect outer = m_state->Near(area, corner, thickness);
-    m_state->AddPath(outer, m_state->IsCutAt(area, corner) ? CDuiSize{} : corner);
+    const CDuiRect outer = m_state->clips.Near(area, corner, thickness);
+    m_state->AddPath(outer, m_state->clips.IsCutAt(area, corner) ? CDuiSize{} : corner);
     const CDuiRect inner = Inflated(outer, -std::min(thickness, kMaxReach));
     if (inner.Width() > 0 && inner.Height() > 0) {
         m_state->AddPath(inner, {std::max(0, corner.cx - thickness), std::max(0, corner.cy - thickness)});
@@ -176,22 +134,6 @@ void Canvas::Picture(const CDuiRect& area, const std::filesystem::path& file, bo
 }
 
 // ---- Text
-
-namespace {
-
-// Where a line of a text starts, relative to the left edge of its area.
-double LineOffset(unsigned style, bool rightToLeft, double space) {
-    if (style & kTextCenter) return std::floor(space / 2);
-    const bool atEnd = (style & kTextRight) != 0;
-    return atEnd != rightToLeft ? space : 0;
-}
-
-double TextTop(unsigned style, double space) {
-    if (style & kTextVCenter) return std::floor(space / 2);
-    return style & kTextBottom ? space : 0;
-}
-
-}  // namespace
 
 void Canvas::Text(const CDuiRect& area, std::wstring_view text, const FontDescription& font, unsigned scale,
                   CDuiColor color, unsigned style) {

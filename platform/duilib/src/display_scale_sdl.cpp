@@ -3,9 +3,10 @@
 #include <SDL.h>
 #include <SDL_syswm.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdlib>
+#include <initializer_list>
+
+#include "display_scale.h"
 
 #if defined(SDL_VIDEO_DRIVER_X11)
 #include <X11/Xlib.h>
@@ -14,8 +15,6 @@
 namespace DuiLib {
 
 namespace {
-
-constexpr double kPlainDensity = 96;  // [dots an inch] at 100 percent
 
 // What an X server knows [dots an inch]; 0 for what it does not, and without one.
 struct XDensities {
@@ -48,11 +47,6 @@ double DensityOfMonitor(SDL_Window* window) {
 }
 
 }  // namespace
-
-unsigned ScaleForDensity(double dotsPerInch) {
-    const long steps = std::lround(dotsPerInch / kPlainDensity * 4);
-    return static_cast<unsigned>(std::clamp(steps, 4l, 12l)) * 25;
-}
 
 double PixelsPerUnit(SDL_Window* window) {
     int units = 0;

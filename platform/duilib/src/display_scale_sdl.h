@@ -12,7 +12,4 @@ unsigned DisplayScale(SDL_Window* window);
 // that scale windows themselves.
 double PixelsPerUnit(SDL_Window* window);
 
-// The nearest step of 25 between 100 and 300 for a number of device pixels an inch.
-unsigned ScaleForDensity(double dotsPerInch);
-
 }  // namespace DuiLib

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
+#include "display_scale.h"
 
-#include "display_scale_sdl.h"
+#include <gtest/gtest.h>
 
 namespace DuiLib {
 namespace {

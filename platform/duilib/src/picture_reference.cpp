@@ -31,11 +31,14 @@ std::optional<PictureReference> ParsePicture(std::wstring_view text) {
 namespace {
 
 std::filesystem::path VersionFor(const std::filesystem::path& file, unsigned scale) {
-    if (file.extension() != ".png") return file;
+    const bool drawing = file.extension() == ".svg";
+    if (file.extension() != ".png" && (!drawing || CanDrawSvg())) return file;
     std::error_code ignored;
     std::filesystem::path version = file;
-    if (std::filesystem::exists(version.replace_extension(".svg"), ignored)) return version;
+    version.replace_extension(".svg");
+    if (CanDrawSvg() && std::filesystem::exists(version, ignored)) return version;
     std::filesystem::path largest = file;
+    largest.replace_extension(".png");
     for (const unsigned made : {125u, 150u, 200u, 300u}) {
         version = file.parent_path() / file.stem();
         version += "@" + std::to_string(made) + ".png";

@@ -1,7 +1,9 @@
 #include "picture_reference.h"
 
-#include <sys/stat.h>
+#include <iomanip>
+#include <sstream>
 
+#include "canvas.h"
 #include "duilib/paint_surface.h"
 #include "test_support.h"
 
@@ -48,10 +50,17 @@ protected:
     TemporaryFolder skin;
 };
 
-TEST_F(PictureFiles, ADrawingOfTheSameNameIsTakenForAPng) {
+TEST_F(PictureFiles, ADrawingOfTheSameNameIsTakenForAPngWhereDrawingsCanBeDrawn) {
     MakePng("x.png");
     MakeSvg("x.svg");
-    EXPECT_EQ(Found(L"x.png", 100), "x.svg");
+    EXPECT_EQ(Found(L"x.png", 100), CanDrawSvg() ? "x.svg" : "x.png");
+}
+
+TEST_F(PictureFiles, PngVersionsStandInForADrawingThatCannotBeDrawn) {
+    MakeSvg("x.svg");
+    for (const char* name : {"x.png", "x@150.png"}) MakePng(name);
+    EXPECT_EQ(Found(L"x.svg", 100), CanDrawSvg() ? "x.svg" : "x.png");
+    EXPECT_EQ(Found(L"x.svg", 125), CanDrawSvg() ? "x.svg" : "x@150.png");
 }
 
 TEST_F(PictureFiles, TheSmallestVersionThatIsLargeEnoughIsTaken) {
@@ -64,10 +73,10 @@ TEST_F(PictureFiles, TheSmallestVersionThatIsLargeEnoughIsTaken) {
 }
 
 TEST_F(PictureFiles, AMissingPictureIsReportedOnceAndReplacedByTheFallback) {
-    MakeSvg("fallback.svg");
-    CResourceManager::GetInstance()->SetFallbackPicture(skin.Path() / "fallback.svg");
-    EXPECT_EQ(Found(L"gone.png", 100), "fallback.svg");
-    EXPECT_EQ(Found(L"gone.png", 100), "fallback.svg");
+    MakePng("fallback.png");
+    CResourceManager::GetInstance()->SetFallbackPicture(skin.Path() / "fallback.png");
+    EXPECT_EQ(Found(L"gone.png", 100), "fallback.png");
+    EXPECT_EQ(Found(L"gone.png", 100), "fallback.png");
     const std::vector<std::string> told = TakeDiagnostics();
     ASSERT_EQ(told.size(), 1u);
     EXPECT_THAT(told[0], testing::AllOf(testing::HasSubstr("gone.png"), testing::HasSubstr("cannot be shown")));
@@ -95,48 +104,87 @@ TEST_F(PictureFiles, APictureOfAbsurdSizeIsRefusedBeforeItIsRead) {
 }
 
 TEST_F(PictureFiles, WhatIsNoFileIsNotReadAtAll) {
-    ASSERT_EQ(::mkfifo((skin.Path() / "pipe.png").c_str(), 0600), 0);
-    std::filesystem::create_directory(skin.Path() / "folder.svg");
-    EXPECT_EQ(Found(L"pipe.png", 100), "");
-    EXPECT_EQ(Found(L"folder.svg", 100), "");
-    EXPECT_THAT(TakeDiagnostics(), testing::Each(testing::HasSubstr(": it is no file")));
+    std::vector<std::wstring> names{L"folder.svg", L"folder.png"};
+    for (const std::wstring& name : names) std::filesystem::create_directory(skin.Path() / name);
+    if (MakePipe(skin.Path() / "pipe.png")) names.push_back(L"pipe.png");
+    for (const std::wstring& name : names) EXPECT_EQ(Found(name, 100), "");
+    const std::vector<std::string> told = TakeDiagnostics();
+    EXPECT_EQ(told.size(), names.size());
+    EXPECT_THAT(told, testing::Each(testing::HasSubstr(": it is no file")));
 }
 
-TEST_F(PictureFiles, APictureIsDrawnInItsOwnProportionsInTheMiddle) {
-    skin.Write(
-        "wide.svg",
-        "<svg xmlns='http://www.w3.org/2000/svg' width='40' height='20'>"
-        "<rect width='20' height='20' fill='#ff0000'/><rect x='20' width='20' height='20' fill='#0000ff'/></svg>");
-    CPaintManagerUI window;
-    window.SetClientSize({40, 40});
-    auto* const label = new CLabelUI;
-    label->SetAttribute(L"bkimage", L"file='wide.svg'");
-    window.AttachRoot(label);
-    PaintSurface picture;
-    window.Paint(picture);
-    EXPECT_EQ(picture.Pixel(10, 5), 0xFFFFFFFFu);
-    EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
-    EXPECT_EQ(picture.Pixel(30, 20), 0xFF0000FFu);
-    EXPECT_EQ(picture.Pixel(10, 35), 0xFFFFFFFFu);
+// The same picture as a file of each kind that can be drawn: columns of two colours, the left one first.
+class DrawnPictures : public PictureFiles {
+protected:
+    std::vector<std::wstring> MakePictures(CDuiSize size, std::uint32_t left, std::uint32_t right) {
+        PaintSurface png(size);
+        for (int i = 0; i < size.cx * size.cy; ++i) png.Pixels()[i] = i % size.cx < size.cx / 2 ? left : right;
+        png.SavePng(skin.Path() / "raster.png");
+        std::vector<std::wstring> names{L"raster.png"};
+        if (!CanDrawSvg()) return names;
+        std::ostringstream svg;
+        svg << "<svg xmlns='http://www.w3.org/2000/svg' width='" << size.cx << "' height='" << size.cy << "'>";
+        int x = 0;
+        for (const std::uint32_t color : {left, right}) {
+            svg << "<rect x='" << x << "' width='" << size.cx / 2 << "' height='" << size.cy << "' fill='#" << std::hex
+                << std::setfill('0') << std::setw(6) << (color & 0xFFFFFF) << std::dec << "' fill-opacity='"
+                << (color >> 24) / 255.0 << "'/>";
+            x += size.cx / 2;
+        }
+        skin.Write("drawing.svg", svg.str() + "</svg>");
+        names.push_back(L"drawing.svg");
+        return names;
+    }
+
+    PaintSurface Shown(const std::wstring& image) {
+        CPaintManagerUI window;
+        window.SetClientSize({40, 40});
+        auto* const label = new CLabelUI;
+        label->SetAttribute(L"bkimage", image);
+        window.AttachRoot(label);
+        PaintSurface picture;
+        window.Paint(picture);
+        return picture;
+    }
+};
+
+TEST_F(DrawnPictures, APictureIsDrawnInItsOwnProportionsInTheMiddle) {
+    for (const std::wstring& name : MakePictures({40, 20}, 0xFFFF0000, 0xFF0000FF)) {
+        const PaintSurface picture = Shown(L"file='" + name + L"'");
+        EXPECT_EQ(picture.Pixel(10, 5), 0xFFFFFFFFu);
+        EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
+        EXPECT_EQ(picture.Pixel(30, 20), 0xFF0000FFu);
+        EXPECT_EQ(picture.Pixel(10, 35), 0xFFFFFFFFu);
+    }
 }
 
-TEST_F(PictureFiles, APictureWithReverseIsMirroredInRightToLeftLanguages) {
-    skin.Write("half.svg",
-               "<svg xmlns='http://www.w3.org/2000/svg' width='40' height='40'>"
-               "<rect width='20' height='40' fill='#ff0000'/></svg>");
+TEST_F(DrawnPictures, ALargePictureIsMadeSmaller) {
+    for (const std::wstring& name : MakePictures({160, 80}, 0xFFFF0000, 0xFF0000FF)) {
+        const PaintSurface picture = Shown(L"file='" + name + L"'");
+        EXPECT_EQ(picture.Pixel(10, 5), 0xFFFFFFFFu);
+        EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
+        EXPECT_EQ(picture.Pixel(30, 20), 0xFF0000FFu);
+        EXPECT_EQ(picture.Pixel(10, 35), 0xFFFFFFFFu);
+    }
+}
+
+TEST_F(DrawnPictures, APictureWithReverseIsMirroredInRightToLeftLanguages) {
     UICulture::GetInstance()->Load(skin.Write("rtl.xml", "<Language name='xx' rtl='true'/>"));
-    CPaintManagerUI window;
-    window.SetClientSize({40, 40});
-    auto* const label = new CLabelUI;
-    window.AttachRoot(label);
-    PaintSurface picture;
-    label->SetAttribute(L"bkimage", L"file='half.svg'");
-    window.Paint(picture);
-    EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
-    label->SetAttribute(L"bkimage", L"file='half.svg' reverse='true'");
-    window.Paint(picture);
-    EXPECT_EQ(picture.Pixel(10, 20), 0xFFFFFFFFu);
-    EXPECT_EQ(picture.Pixel(30, 20), 0xFFFF0000u);
+    for (const std::wstring& name : MakePictures({40, 40}, 0xFFFF0000, 0)) {
+        EXPECT_EQ(Shown(L"file='" + name + L"'").Pixel(10, 20), 0xFFFF0000u);
+        const PaintSurface mirrored = Shown(L"file='" + name + L"' reverse='true'");
+        EXPECT_EQ(mirrored.Pixel(10, 20), 0xFFFFFFFFu);
+        EXPECT_EQ(mirrored.Pixel(30, 20), 0xFFFF0000u);
+    }
+}
+
+TEST_F(DrawnPictures, ASavedPictureIsReadBackAsItWas) {
+    PaintSurface saved({3, 1});
+    saved.Pixels()[0] = 0xFF123456;
+    saved.Pixels()[1] = 0x80402000;
+    saved.SavePng(skin.Path() / "saved.png");
+    const PaintSurface read = PaintSurface::LoadPng(skin.Path() / "saved.png");
+    for (int x = 0; x < 3; ++x) EXPECT_EQ(read.Pixel(x, 0), saved.Pixel(x, 0)) << x;
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "duilib/duilib.h"
+#include "test_system.h"
 
 namespace DuiLib {
 
@@ -70,7 +71,7 @@ protected:
 private:
     static void Reset() {
         CResourceManager::GetInstance()->SetScale(100);
-        CResourceManager::GetInstance()->SetResourceBase(std::filesystem::read_symlink("/proc/self/exe").parent_path());
+        CResourceManager::GetInstance()->SetResourceBase(FolderOfThisTest());
         UICulture::GetInstance()->Clear();
     }
 };
@@ -115,11 +116,7 @@ protected:
 // A folder of the test's own, gone after it.
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "duilib-test-XXXXXX").string();
-        if (!::mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder");
-        m_path = pattern;
-    }
+    TemporaryFolder() : m_path(MakeTemporaryFolder()) {}
     ~TemporaryFolder() {
         std::error_code ignored;
         std::filesystem::remove_all(m_path, ignored);
@@ -134,7 +131,7 @@ public:
     }
 
 private:
-    std::filesystem::path m_path;
+    const std::filesystem::path m_path;
 };
 
 }  // namespace DuiLib
