@@ -1,6 +1,9 @@
 #include "kernel/code_pages.h"
 
 #include <gtest/gtest.h>
+#if defined(_WIN32)
+#include <windows.h>
+#endif
 
 #include <limits>
 #include <string>
@@ -28,11 +31,23 @@ std::string Narrow(unsigned page, const std::wstring& text) {
     return result;
 }
 
+#if defined(_WIN32)
+TEST(AnsiPage, IsTheSystemsAndStays) {
+    const unsigned page = GetACP();
+    EXPECT_TRUE(SetAnsiCodePage(page));
+    for (const unsigned other : {1252u, 936u, kCodePageUtf8, kCodePageAnsi, 4711u}) {
+        EXPECT_EQ(SetAnsiCodePage(other), other == page) << other;
+    }
+    EXPECT_EQ(Narrow(kCodePageAnsi, L"a\u00E9\u6F22"), Narrow(page, L"a\u00E9\u6F22"));
+    EXPECT_EQ(Wide(kCodePageAnsi, "\xC3\xA9"), Wide(page, "\xC3\xA9"));
+}
+#else
 // Leaves the process with the page that it started with.
 class AnsiPage : public testing::Test {
 protected:
     ~AnsiPage() override { SetAnsiCodePage(kCodePageUtf8); }
 };
+#endif
 
 TEST(CodePages, Utf8TextBecomesOneWideCharacterACodePoint) {
     EXPECT_EQ(Wide(kCodePageUtf8, "a\xC3\xA9\xE6\xBC\xA2\xF0\x9F\x96\xB1"), L"a\u00E9\u6F22\U0001F5B1");
@@ -94,7 +109,12 @@ TEST(CodePages, WhatCannotBeConvertedAtAllGivesZero) {
     EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 0, nullptr, 3, narrow, 4, nullptr, nullptr), 0);
     EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 1, L"abc", 3, narrow, 4, nullptr, nullptr), 0);
     EXPECT_EQ(WideCharToMultiByte(1252, 0, L"abc", 3, narrow, 4, "!", nullptr), 0);
-    for (const unsigned unknown : {1u, 7u, 1200u, 54936u, 65000u, 99999u, 0xFFFFFFFFu}) {
+#if defined(_WIN32)
+    const std::vector<unsigned> unknownPages = {7, 1200, 99999, 0xFFFFFFFF};  // the system has more pages
+#else
+    const std::vector<unsigned> unknownPages = {1, 7, 1200, 54936, 65000, 99999, 0xFFFFFFFF};
+#endif
+    for (const unsigned unknown : unknownPages) {
         EXPECT_EQ(MultiByteToWideChar(unknown, 0, "abc", 3, wide, 4), 0) << unknown;
         EXPECT_EQ(WideCharToMultiByte(unknown, 0, L"abc", 3, narrow, 4, nullptr, nullptr), 0) << unknown;
     }
@@ -168,7 +188,9 @@ TEST(CodePages, PairsWithoutMeaningBecomeOneDefaultCharacter) {
     EXPECT_EQ(Wide(936, "\xD6"), L"?");          // a lead byte at the end
     EXPECT_EQ(Wide(936, "\xD6\0a"s), L"?\0a"s);  // before a zero
     EXPECT_EQ(Wide(936, "\xD6\x20z"), L"?z");    // before what cannot follow it
+#if !defined(_WIN32)                             // where the byte is a private character
     EXPECT_EQ(Wide(936, "\xFF"), L"?");
+#endif
     EXPECT_EQ(Wide(932, "\x81\x20z"), L"\u30FBz");  // this page has another one
 }
 
@@ -182,6 +204,7 @@ TEST(CodePages, OtherPagesOfTheSystemAreConverted) {
     EXPECT_EQ(Wide(1258, "e"), L"e");  // held back by the converter in case an accent follows
 }
 
+#if !defined(_WIN32)
 TEST_F(AnsiPage, IsUtf8AtFirst) { EXPECT_EQ(Wide(kCodePageAnsi, "\xC3\xA9"), L"\u00E9"); }
 
 TEST_F(AnsiPage, CanBeChosen) {
@@ -199,6 +222,7 @@ TEST_F(AnsiPage, StaysWhenTheNewOneIsUnknown) {
     EXPECT_FALSE(SetAnsiCodePage(kCodePageAnsi));
     EXPECT_EQ(Narrow(kCodePageAnsi, L"\u00E9"), "\xE9");
 }
+#endif
 
 TEST(CodePages, ThreadsMayAskForAPageAtTheSameTime) {
     std::vector<std::jthread> threads;

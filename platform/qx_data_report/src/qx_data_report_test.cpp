@@ -2,25 +2,34 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <thread>
 
 #include "kernel/code_pages.h"
+#include "own_folder.h"
 
 namespace {
 
 using Json = nlohmann::ordered_json;
 
+// Where the system decides, only the cases of its own page can be looked at.
+bool ChooseAnsiPage(unsigned page) {
+    const bool isChosen = kernel::SetAnsiCodePage(page);
+#if !defined(_WIN32)
+    EXPECT_TRUE(isChosen) << page;
+#endif
+    return isChosen;
+}
+
+// As testing::MatchesRegex, which does not know all of these expressions everywhere.
+MATCHER_P(MatchesWholly, expression, "") { return std::regex_match(arg, std::regex(expression)); }
+
 class Report : public testing::Test {
 protected:
-    Report() {
-        std::string name = (std::filesystem::temp_directory_path() / "qx_report_XXXXXX").string();
-        m_folder = mkdtemp(name.data());
-        QxDataReport::Instance()->SetFile(File());
-    }
+    Report() { QxDataReport::Instance()->SetFile(File()); }
     ~Report() override {
         QxDataReport::Instance()->SetFile({});
         kernel::SetAnsiCodePage(kernel::kCodePageUtf8);
@@ -36,7 +45,7 @@ protected:
         return lines;
     }
 
-    std::filesystem::path m_folder;
+    const std::filesystem::path m_folder = test_support::MakeOwnFolder("qx_report");
 };
 
 TEST_F(Report, AnEventIsAppendedAsOneLine) {
@@ -57,9 +66,8 @@ TEST_F(Report, AnEventIsAppendedAsOneLine) {
 
 TEST_F(Report, TheTimeIsWrittenInUtcWithMilliseconds) {
     QxDataReport::Instance()->SendMsg(QxDataEvent("1", REPORT_PLATFORM_DEFAULT));
-    EXPECT_THAT(
-        Lines().at(0)["time"].get<std::string>(),
-        testing::MatchesRegex("[0-9]+-[0-9][0-9]-[0-9][0-9]T[0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9][0-9][0-9]Z"));
+    EXPECT_THAT(Lines().at(0)["time"].get<std::string>(),
+                MatchesWholly("[0-9]+-[0-9][0-9]-[0-9][0-9]T[0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9][0-9][0-9]Z"));
 }
 
 TEST_F(Report, FieldsKeepTheOrderInWhichTheyWerePut) {
@@ -92,7 +100,7 @@ TEST_F(Report, FieldsAreReadInTheAnsiCodePage) {
         {65001, "", ""},
     };
     for (const Case& c : cases) {
-        ASSERT_TRUE(kernel::SetAnsiCodePage(c.page));
+        if (!ChooseAnsiPage(c.page)) continue;
         QxDataEvent event("1", REPORT_PLATFORM_DEFAULT);
         event.PutString("key", c.value);
         ASSERT_EQ(QxDataReport::Instance()->SendMsg(event), 0);
@@ -123,7 +131,7 @@ TEST_F(Report, InitWithNothingKeepsWhatIsSet) {
 }
 
 TEST_F(Report, InitChoosesApplicationAndFolder) {
-    ASSERT_TRUE(kernel::SetAnsiCodePage(1252));
+    if (!ChooseAnsiPage(1252)) GTEST_SKIP() << "this system has another page";
     const auto folder = m_folder / u8"caf\u00E9";
     std::filesystem::create_directory(folder);
     QxDataReport::Instance()->Init(7, m_folder.string() + "/caf\xE9");

@@ -2,7 +2,6 @@
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/rotating_file_sink.h>
-#include <spdlog/sinks/stdout_sinks.h>
 
 #include <memory>
 #include <mutex>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "console_sink.h"
 #include "kernel/code_pages.h"
 
 namespace {
@@ -60,7 +60,7 @@ std::string Line(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
 
 struct QxLogger::State {
     std::mutex mutex;  // guards what follows, and keeps lines apart
-    std::unique_ptr<spdlog::logger> backEnd = MakeBackEnd({std::make_shared<spdlog::sinks::stderr_sink_st>()});
+    std::unique_ptr<spdlog::logger> backEnd = MakeBackEnd({MakeConsoleSink()});
 };
 
 QxLogger::QxLogger() : m_state(new State) {}
@@ -84,11 +84,11 @@ void QxLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line) {
 
 void QxLogger::Open(const Options& options) {
     Sinks sinks;
-    if (options.console) sinks.push_back(std::make_shared<spdlog::sinks::stderr_sink_st>());
+    if (options.console) sinks.push_back(MakeConsoleSink());
     if (!options.file.empty()) {
         try {
             sinks.push_back(std::make_shared<spdlog::sinks::rotating_file_sink_st>(
-                options.file.string(), options.maxFileBytes, options.maxFiles));
+                options.file.native(), options.maxFileBytes, options.maxFiles));
         } catch (const spdlog::spdlog_ex& error) {
             throw std::runtime_error("cannot open the log file \"" + options.file.string() + "\": " + error.what());
         }

@@ -32,7 +32,8 @@ KERNEL_API int WideCharToMultiByte(unsigned codePage, std::uint32_t flags, const
 
 // Chooses the page that kCodePageAnsi stands for in this process: 65001 (the default where the system has no code
 // pages), 1252 or 936, or any page of one- or two-byte characters that the system converts. Returns false, and changes
-// nothing, for any other. Any thread. Not on Windows, where the system decides.
+// nothing, for any other. Any thread. Not on Windows, where the system
+// decides: true there for the page that it is already.
 KERNEL_API bool SetAnsiCodePage(unsigned codePage);
 
 }  // namespace kernel

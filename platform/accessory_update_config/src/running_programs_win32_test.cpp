@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <fstream>
+#include <stdexcept>
+
+#include "accessory_update_config/accessory_update_config.h"
+#include "own_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::wstring OwnProgram() {
+    wchar_t path[MAX_PATH];
+    return std::wstring(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
+}
+
+// This program under another name, which stands and waits until the object goes.
+class Program {
+public:
+    explicit Program(const fs::path& file) {
+        fs::copy_file(OwnProgram(), file);
+        std::wstring commandLine =
+            L'"' + file.wstring() + L"\" --gtest_also_run_disabled_tests --gtest_filter=StandIn.DISABLED_Waits";
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        const std::wstring libraries = fs::path(OwnProgram()).parent_path().wstring();
+        SetEnvironmentVariableW(L"PATH", libraries.c_str());
+        if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, libraries.c_str(),
+                            &startup, &m_process)) {
+            throw std::runtime_error("the copy cannot be started");
+        }
+    }
+    ~Program() {
+        Stop();
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    void Stop() {
+        TerminateProcess(m_process.hProcess, 0);
+        WaitForSingleObject(m_process.hProcess, INFINITE);
+    }
+
+private:
+    PROCESS_INFORMATION m_process{};
+};
+
+// Not a test: what a copy of this program does.
+TEST(StandIn, DISABLED_Waits) { ::Sleep(60'000); }
+
+class Companion : public testing::Test {
+protected:
+    ~Companion() override {
+        Load("unset");
+        fs::remove_all(m_folder);
+    }
+
+    void Load(const std::string& program) {
+        std::ofstream(m_folder / "companions.json")
+            << R"({"companions": {"pen": {"program": ")" << program << R"("}}})";
+        AccessoryUpdateConfig::Load(m_folder / "companions.json");
+    }
+
+    static bool Runs() { return AccessoryUpdateConfig::IsAccessoryAppRunning(L"pen"); }
+
+    // Names that nothing else on this machine has.
+    std::string Unique(const std::string& suffix) const { return m_folder.filename().string() + suffix; }
+
+    const fs::path m_folder = test_support::MakeOwnFolder("companions");
+};
+
+TEST_F(Companion, RunsFromItsStartToItsEnd) {
+    Load(Unique("_tool"));
+    EXPECT_FALSE(Runs());
+    Program program(m_folder / Unique("_tool.exe"));
+    EXPECT_TRUE(Runs());
+    program.Stop();
+    EXPECT_FALSE(Runs());
+}
+
+TEST_F(Companion, IsFoundInAnyCaseWithAndWithoutItsExtension) {
+    const Program program(m_folder / Unique("_Tool.exe"));
+    for (const char* name : {"_Tool", "_tool", "_TOOL.EXE", "_Tool.exe"}) {
+        Load(Unique(name));
+        EXPECT_TRUE(Runs()) << name;
+    }
+}
+
+TEST_F(Companion, OnlyTheWholeFileNameCounts) {
+    const Program program(m_folder / Unique("_tool_two.exe"));
+    for (const char* name : {"_tool", "_tool_two.ex", "_tool_two.exe.exe", "_two"}) {
+        Load(Unique(name));
+        EXPECT_FALSE(Runs()) << name;
+    }
+}
+
+}  // namespace
