@@ -253,6 +253,7 @@ TEST_F(DeliveryTest, WhatARemovedCallbackHoldsMayUseTheClientWhenItGoes) {
     EXPECT_EQ(gone, 3) << "removed with all";
 }
 
+#if !defined(_WIN32)  // no limit there lets threads run out in one process alone
 TEST_F(DeliveryTest, WithoutADeliveryThreadARegistrationIsALogLineAndPostsStillGoOut) {
     IPCMessageClient other(kPage, true, false, kPipe);
     Inbox inbox;
@@ -269,6 +270,7 @@ TEST_F(DeliveryTest, WithoutADeliveryThreadARegistrationIsALogLineAndPostsStillG
     PostToSelf(kSecond, "received");
     EXPECT_THAT(inbox.WaitForData(2), ElementsAre("posted", "received"));
 }
+#endif
 
 TEST_F(DeliveryTest, ACallbackMayRemoveItself) {
     Inbox inbox;

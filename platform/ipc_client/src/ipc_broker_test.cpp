@@ -2,13 +2,7 @@
 
 #include "ipc_client/ipc_broker.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <csignal>
 
 #include "frame.h"
 #include "ipc_client/ipc_message_client.h"
@@ -44,59 +38,6 @@ TEST_F(IpcBrokerTest, BrokersOfOtherNamesDoNotMind) {
     IPCBroker first(kPipe), second(L"\\\\.\\Pipe\\Other");
     first.Start();
     EXPECT_NO_THROW(second.Start());
-}
-
-TEST_F(IpcBrokerTest, StartAndStopMayBeCalledAgain) {
-    IPCBroker broker(kPipe);
-    broker.Stop();
-    for (int round = 0; round < 3; ++round) {
-        broker.Start();
-        broker.Start();
-        EXPECT_TRUE(std::filesystem::exists(SocketPath()));
-        broker.Stop();
-        broker.Stop();
-        EXPECT_FALSE(std::filesystem::exists(SocketPath()));
-    }
-}
-
-TEST_F(IpcBrokerTest, TheSocketOfAKilledBrokerIsReplaced) {
-    const pid_t child = fork();
-    if (child == 0) {
-        // Only what a process with threads may do after a fork, up to the broker, which is all that is needed here.
-        auto* broker = new IPCBroker(kPipe);
-        broker->Start();
-        pause();
-        _exit(0);
-    }
-    ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(SocketPath()); }));
-    EXPECT_THROW(IPCBroker(kPipe).Start(), std::runtime_error);
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-    EXPECT_TRUE(std::filesystem::exists(SocketPath()));
-    IPCBroker broker(kPipe);
-    EXPECT_NO_THROW(broker.Start());
-    RawPeer peer(SocketPath());
-    EXPECT_EQ(peer.Read(8), Hello());
-}
-
-TEST_F(IpcBrokerTest, TheSocketIsForThisUserAlone) {
-    IPCBroker broker(kPipe);
-    broker.Start();
-    struct stat info;
-    ASSERT_EQ(stat(SocketPath().c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0600u);
-}
-
-TEST_F(IpcBrokerTest, AFolderOpenToOthersIsRefused) {
-    chmod(Folder().c_str(), 0755);
-    IPCBroker broker(kPipe);
-    EXPECT_THAT([&] { broker.Start(); }, ThrowsMessage<std::runtime_error>(HasSubstr("open to other users")));
-}
-
-TEST_F(IpcBrokerTest, APathThatIsTooLongIsRefusedWithItsLength) {
-    IPCBroker broker(std::wstring(120, L'p'));
-    EXPECT_THAT([&] { broker.Start(); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("a socket path may have 107 bytes")));
 }
 
 TEST_F(IpcBrokerTest, AConnectionGetsOneCopyHoweverOftenItAnnounces) {

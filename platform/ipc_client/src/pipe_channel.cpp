@@ -12,7 +12,7 @@ void PipeChannel::Start(std::chrono::milliseconds handshake) {
     });
     std::string hello;
     AppendHello(hello);
-    if (WriteNow(m_socket, hello) != hello.size()) return Close("the handshake could not be written");
+    if (!WriteHello(m_socket, hello)) return Close("the handshake could not be written");
     Read();
 }
 
@@ -71,7 +71,7 @@ void PipeChannel::Read() {
 
 void PipeChannel::HandleRead(std::error_code error, std::size_t bytes) {
     if (m_closed) return;  // written on this thread alone
-    if (error) return Close(error == asio::error::eof ? "the other side closed it" : error.message(), kIpcLogDetail);
+    if (error) return Close(IsEndOfPipe(error) ? "the other side closed it" : error.message(), kIpcLogDetail);
     m_reader.Commit(bytes);
     try {
         TakeFrames();

@@ -27,9 +27,16 @@ using PipeSocket = asio::local::stream_protocol::socket;
 // other side belongs to another user.
 PipeSocket ConnectPipe(asio::io_context& io, const std::filesystem::path& path);
 
+// Writes the first bytes of a new connection, few enough for any pipe's buffer. False when they could not be written.
+bool WriteHello(PipeSocket& socket, std::string_view bytes);
+
 // Writes what the pipe takes at once and returns how much that was; 0 also on an error, which an asynchronous write
-// will find again. May be called while asynchronous operations of the same socket are under way.
+// will find again, and always where a pipe cannot tell what it takes. May be called while asynchronous operations of
+// the same socket are under way.
 std::size_t WriteNow(PipeSocket& socket, std::string_view bytes);
+
+// Whether a read failed because the other side has closed the pipe, and everything it wrote has been read.
+bool IsEndOfPipe(std::error_code error);
 
 // "process 1234", for log lines.
 std::string PeerName(PipeSocket& socket);
@@ -47,7 +54,7 @@ public:
 
 private:
     struct State;
-    std::unique_ptr<State> m_state;
+    std::shared_ptr<State> m_state;
 };
 
 }  // namespace ipc_client

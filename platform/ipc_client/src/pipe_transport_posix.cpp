@@ -110,6 +110,10 @@ std::size_t WriteNow(PipeSocket& socket, std::string_view bytes) {
     return written < 0 ? 0 : static_cast<std::size_t>(written);
 }
 
+bool WriteHello(PipeSocket& socket, std::string_view bytes) { return WriteNow(socket, bytes) == bytes.size(); }
+
+bool IsEndOfPipe(std::error_code error) { return error == asio::error::eof; }
+
 std::string PeerName(PipeSocket& socket) { return "process " + std::to_string(Peer(socket.native_handle()).pid); }
 
 struct PipeListener::State {
@@ -129,7 +133,7 @@ struct PipeListener::State {
     asio::local::stream_protocol::acceptor acceptor;
 };
 
-PipeListener::PipeListener(asio::io_context& io, const fs::path& path) : m_state(std::make_unique<State>(io, path)) {}
+PipeListener::PipeListener(asio::io_context& io, const fs::path& path) : m_state(std::make_shared<State>(io, path)) {}
 
 PipeListener::~PipeListener() { unlink(m_state->path.c_str()); }
 

@@ -1,19 +1,12 @@
 #include "test_support.h"
 
-#include <pthread.h>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <sys/un.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <thread>
 
 #include "frame.h"
 #include "ipc_client/ipc_log.h"
+#include "own_folder.h"
+#include "pipe_path.h"
 
 namespace ipc_test {
 
@@ -28,10 +21,8 @@ bool Eventually(const std::function<bool()>& condition) {
     return true;
 }
 
-PipeTest::PipeTest() {
-    char name[] = "/tmp/ipc_test_XXXXXX";
-    m_folder = mkdtemp(name);
-    setenv("BRINDLE_PIPE_DIR", m_folder.c_str(), 1);
+PipeTest::PipeTest() : m_folder(test_support::MakeOwnFolder("ipc_test")) {
+    test_support::SetVariable("BRINDLE_PIPE_DIR", m_folder.string().c_str());
     SetIpcLogSink([this](int, const std::string& line) {
         const std::lock_guard lock(m_mutex);
         m_lines.push_back(line);
@@ -41,9 +32,11 @@ PipeTest::PipeTest() {
 
 PipeTest::~PipeTest() {
     SetIpcLogSink(nullptr);
-    unsetenv("BRINDLE_PIPE_DIR");
+    test_support::SetVariable("BRINDLE_PIPE_DIR", nullptr);
     std::filesystem::remove_all(m_folder);
 }
+
+std::filesystem::path PipeTest::SocketPath() const { return ipc_client::PipePath(kPipe); }
 
 bool PipeTest::Logged(const std::string& text) {
     std::unique_lock lock(m_mutex);
@@ -99,100 +92,6 @@ bool Post(IPCMessageClient& client, int destId, int msgId, std::string data) {
     item.data = data.empty() ? nullptr : data.data();
     return client.PostIPCMessage(item);
 }
-
-namespace {
-
-sockaddr_un Address(const std::filesystem::path& socketPath) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, socketPath.c_str(), sizeof address.sun_path - 1);
-    return address;
-}
-
-}  // namespace
-
-RawPeer::RawPeer(const std::filesystem::path& socketPath) : m_fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    const sockaddr_un address = Address(socketPath);
-    const timeval patience{kPatience.count(), 0};
-    setsockopt(m_fd, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    setsockopt(m_fd, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
-    EXPECT_EQ(connect(m_fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << std::strerror(errno);
-}
-
-RawPeer::~RawPeer() { close(m_fd); }
-
-bool RawPeer::Write(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = send(m_fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-        if (written <= 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return true;
-}
-
-std::string RawPeer::Read(std::size_t bytes) {
-    std::string all(bytes, '\0');
-    std::size_t have = 0;
-    while (have < bytes) {
-        const ssize_t got = recv(m_fd, all.data() + have, bytes - have, 0);
-        if (got <= 0) break;
-        have += static_cast<std::size_t>(got);
-    }
-    all.resize(have);
-    return all;
-}
-
-bool RawPeer::IsClosedByPeer() {
-    char buffer[4096];
-    ssize_t got = 0;
-    do got = recv(m_fd, buffer, sizeof buffer, 0);
-    while (got > 0);
-    return got == 0 || errno == ECONNRESET || errno == EPIPE;
-}
-
-RawBroker::RawBroker(const std::filesystem::path& socketPath, std::string answer)
-    : m_listener(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    const sockaddr_un address = Address(socketPath);
-    EXPECT_EQ(bind(m_listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(listen(m_listener, 1), 0);
-    m_thread = std::thread([this, answer = std::move(answer)] {
-        const int connection = accept(m_listener, nullptr, nullptr);
-        if (connection < 0) return;
-        send(connection, answer.data(), answer.size(), MSG_NOSIGNAL);
-        char buffer[4096];
-        while (recv(connection, buffer, sizeof buffer, 0) > 0) {
-        }
-        close(connection);
-    });
-}
-
-RawBroker::~RawBroker() {
-    shutdown(m_listener, SHUT_RDWR);  // wakes an accept that still waits
-    m_thread.join();
-    close(m_listener);
-}
-
-namespace {
-
-// Sets the stack size of threads to come, and returns the one before. [bytes]
-std::size_t ExchangeStackSize(std::size_t size) {
-    pthread_attr_t attributes;
-    std::size_t earlier = 0;
-    EXPECT_EQ(pthread_getattr_default_np(&attributes), 0);
-    EXPECT_EQ(pthread_attr_getstacksize(&attributes, &earlier), 0);
-    EXPECT_EQ(pthread_attr_setstacksize(&attributes, size), 0);
-    EXPECT_EQ(pthread_setattr_default_np(&attributes), 0);
-    pthread_attr_destroy(&attributes);
-    return earlier;
-}
-
-constexpr std::size_t kMoreThanThereIs = std::size_t{1} << 47;  // [bytes] of address space
-
-}  // namespace
-
-NoMoreThreads::NoMoreThreads() : m_stackSize(ExchangeStackSize(kMoreThanThereIs)) {}
-
-NoMoreThreads::~NoMoreThreads() { ExchangeStackSize(m_stackSize); }
 
 std::string Hello() {
     std::string hello;

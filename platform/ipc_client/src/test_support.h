@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <mutex>
@@ -30,7 +31,7 @@ protected:
     ~PipeTest() override;
 
     std::filesystem::path Folder() const { return m_folder; }
-    std::filesystem::path SocketPath() const { return m_folder / "Test.sock"; }
+    std::filesystem::path SocketPath() const;  // of kPipe
 
     // Whether a log line with that text has come, or comes in time.
     bool Logged(const std::string& text);
@@ -88,7 +89,7 @@ public:
     bool IsClosedByPeer();
 
 private:
-    int m_fd;
+    std::intptr_t m_fd;  // a descriptor, on Windows a handle
 };
 
 // A broker that answers its first connection with bytes of its own choice.
@@ -100,12 +101,13 @@ public:
     RawBroker& operator=(const RawBroker&) = delete;
 
 private:
-    int m_listener;
+    std::intptr_t m_listener;  // a descriptor, on Windows a handle
     std::thread m_thread;
 };
 
 std::string Hello();
 
+#if !defined(_WIN32)
 // While it lives, this process can start no threads. Not while another thread starts one that it needs.
 class NoMoreThreads {
 public:
@@ -117,5 +119,6 @@ public:
 private:
     std::size_t m_stackSize = 0;  // [bytes] of threads before
 };
+#endif
 
 }  // namespace ipc_test

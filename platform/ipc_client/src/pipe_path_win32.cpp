@@ -1,0 +1,47 @@
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+#include "pipe_path.h"
+
+namespace ipc_client {
+namespace {
+
+constexpr std::wstring_view kPrefix = L"\\\\.\\Pipe\\";
+
+// The system takes the prefix in any case.
+bool HasPipePrefix(std::wstring_view name) {
+    const auto lower = [](wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; };
+    return name.size() >= kPrefix.size() && std::equal(kPrefix.begin(), kPrefix.end(), name.begin(),
+                                                       [&](wchar_t a, wchar_t b) { return lower(a) == lower(b); });
+}
+
+// FNV-1a: the same number for the same folder in every process.
+std::uint64_t Hash(std::wstring_view text) {
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const wchar_t unit : text) hash = (hash ^ unit) * 0x100000001B3;
+    return hash;
+}
+
+// "brindle-0123456789abcdef-" for a chosen pipe folder, else empty.
+std::wstring FolderMark() {
+    const wchar_t* const folder = _wgetenv(L"BRINDLE_PIPE_DIR");
+    if (folder == nullptr || folder[0] == L'\0') return {};
+    static constexpr wchar_t kDigits[] = L"0123456789abcdef";
+    std::wstring mark = L"brindle-";
+    const std::uint64_t hash = Hash(folder);
+    for (int shift = 60; shift >= 0; shift -= 4) mark += kDigits[(hash >> shift) & 15];
+    return mark + L'-';
+}
+
+}  // namespace
+
+std::filesystem::path PipePath(const std::wstring& pipeName) {
+    std::wstring name = HasPipePrefix(pipeName) ? pipeName.substr(kPrefix.size()) : pipeName;
+    std::replace_if(
+        name.begin(), name.end(), [](wchar_t c) { return c == L'/' || c == L'\\' || c < 32; }, L'_');
+    return std::wstring(kPrefix) + FolderMark() + name;
+}
+
+}  // namespace ipc_client
