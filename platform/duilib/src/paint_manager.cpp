@@ -26,6 +26,7 @@ CPaintManagerUI::CPaintManagerUI() : m_state(std::make_shared<State>(this)) {
 
 CPaintManagerUI::~CPaintManagerUI() {
     kernel::UiTurn turn;
+    SetWakeUp({});  // nobody is to paint this any more
     AttachRoot(nullptr);
     m_state->pumps.clear();
     std::erase(Windows(), this);
