@@ -61,6 +61,20 @@ protected:
     HWND handle = nullptr;
 };
 
+class Clicks : public CNotifyPump {
+public:
+    explicit Clicks(int& count) : m_count(count) {}
+    const DUI_MSGMAP* GetMessageMap() const override { return &s_map; }
+    void OnClick(TNotifyUI&) override { ++m_count; }
+
+private:
+    static constexpr DUI_MSGMAP_ENTRY s_entries[] = {{kNotifyClick, nullptr, &CNotifyPump::OnClick},
+                                                     {nullptr, nullptr, nullptr}};
+    static const DUI_MSGMAP s_map;
+    int& m_count;
+};
+const DUI_MSGMAP Clicks::s_map = {nullptr, Clicks::s_entries};
+
 TEST_F(WindowOnDesktop, ItShowsTheTreeAndWhatChangesInIt) {
     EXPECT_TRUE(Shows({200, 100}, RGB(255, 0, 0)));
     EXPECT_TRUE(Shows({50, 30}, RGB(0, 0, 255)));
@@ -119,6 +133,34 @@ TEST_F(WindowOnDesktop, ThePointerThatLeavesIsOverNothing) {
 TEST_F(WindowOnDesktop, TheTabKeyMovesTheFocus) {
     ::PostMessageW(handle, WM_KEYDOWN, VK_TAB, 1);
     EXPECT_TRUE(Until([this] { return window.GetFocus() == button; }));
+}
+
+// The second message is the keyboard's repetition of the first.
+TEST_F(WindowOnDesktop, AHeldEnterKeyPressesOnce) {
+    constexpr LPARAM kWasDown = 1 << 30;
+    int clicks = 0;
+    window.SetFocus(button);
+    Clicks pump(clicks);
+    window.AddNotifyPump(&pump);
+    ::PostMessageW(handle, WM_KEYDOWN, VK_RETURN, 1);
+    ::PostMessageW(handle, WM_KEYDOWN, VK_RETURN, 1 | kWasDown);
+    ::PostMessageW(handle, WM_CLOSE, 0, 0);
+    bool handled = false;
+    shown->SetCloseHandler([&handled] { handled = true; });
+    EXPECT_TRUE(Until([&handled] { return handled; }));
+    EXPECT_EQ(clicks, 1);
+    window.RemoveNotifyPump(&pump);
+}
+
+TEST_F(WindowOnDesktop, AnotherScaleMovesTheWindowToThePlaceThatTheSystemSuggests) {
+    RECT place{};
+    ::GetWindowRect(handle, &place);
+    const CDuiSize before = window.GetClientSize();
+    place.right += 60;
+    place.bottom += 40;
+    ::SendMessageW(handle, WM_DPICHANGED, MAKEWPARAM(120, 120), reinterpret_cast<LPARAM>(&place));
+    EXPECT_EQ(window.GetClientSize(), (CDuiSize{before.cx + 60, before.cy + 40}));
+    EXPECT_TRUE(Shows({before.cx + 50, before.cy + 30}, RGB(255, 0, 0)));
 }
 
 TEST_F(WindowOnDesktop, ClosingIsAskedForAndTheWindowStays) {
