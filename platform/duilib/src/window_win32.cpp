@@ -244,6 +244,11 @@ struct CWindowWnd::State {
                            -static_cast<double>(turned) / WHEEL_DELTA);
     }
 
+    void AskToClose() {
+        kernel::UiTurn turn;
+        if (closeHandler) closeHandler();
+    }
+
     // ---- Messages. Nothing: the system handles it in its own way.
     std::optional<LRESULT> Handle(UINT message, WPARAM wide, LPARAM low) {
         switch (message) {
@@ -267,7 +272,7 @@ struct CWindowWnd::State {
                 Paint();
                 return 0;
             case WM_CLOSE:
-                if (closeHandler) closeHandler();
+                AskToClose();
                 return 0;
             default:
                 return HandleInput(message, wide, low);
@@ -377,6 +382,7 @@ void CWindowWnd::RunOnce(std::optional<std::chrono::milliseconds> limit) {
     ::MsgWaitForMultipleObjectsEx(0, nullptr, m_state->WaitTime(limit), QS_ALLINPUT, MWMO_INPUTAVAILABLE);
     MSG message;
     while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        if (message.message == WM_QUIT) m_state->AskToClose();
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
     }

@@ -168,6 +168,8 @@ TEST_F(WindowOnDesktop, ClosingIsAskedForAndTheWindowStays) {
     shown->SetCloseHandler([&asked] { ++asked; });
     ::PostMessageW(handle, WM_CLOSE, 0, 0);
     EXPECT_TRUE(Until([&asked] { return asked == 1; }));
+    ::PostQuitMessage(0);
+    EXPECT_TRUE(Until([&asked] { return asked == 2; }));
     EXPECT_TRUE(::IsWindow(handle));
 }
 
