@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 
 namespace settings_host {
@@ -17,7 +18,12 @@ public:
     void Stop(const std::string& program);
 
 private:
+#if defined(_WIN32)
+    struct Child;
+    std::map<std::string, std::shared_ptr<Child>> m_running;  // by program
+#else
     std::map<std::string, int> m_running;  // process ids by program
+#endif
 };
 
 }  // namespace settings_host

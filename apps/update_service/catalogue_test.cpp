@@ -75,8 +75,13 @@ TEST_F(CatalogueFile, PathsStartAtItsFolder) {
     EXPECT_EQ(Read({GoodEntry()}).folder, m_folder.Path());
     EXPECT_EQ(Read({GoodEntry()}).accessories[0].package, m_folder / "packages/pen.bin");
     Json entry = GoodEntry();
-    entry["package"] = "/elsewhere/pen.bin";
-    EXPECT_EQ(Read({entry}).accessories[0].package, "/elsewhere/pen.bin");
+#if defined(_WIN32)
+    const std::string elsewhere = "D:/elsewhere/pen.bin";  // without its drive a path begins at the folder's
+#else
+    const std::string elsewhere = "/elsewhere/pen.bin";
+#endif
+    entry["package"] = elsewhere;
+    EXPECT_EQ(Read({entry}).accessories[0].package, elsewhere);
 }
 
 TEST_F(CatalogueFile, DescriptionMayBeLeftOut) {
@@ -88,7 +93,12 @@ TEST_F(CatalogueFile, DescriptionMayBeLeftOut) {
 TEST_F(CatalogueFile, AnInstallerThatIsOneTextGoesToTheShell) {
     Json entry = GoodEntry();
     entry["installer"] = "cp \"$1\" /tmp";
-    EXPECT_THAT(Read({entry}).accessories[0].installer, ElementsAre("/bin/sh", "-c", "cp \"$1\" /tmp", "installer"));
+#if defined(_WIN32)
+    const auto expected = ElementsAre("cmd.exe", "/d", "/s", "/c", "cp \"$1\" /tmp");
+#else
+    const auto expected = ElementsAre("/bin/sh", "-c", "cp \"$1\" /tmp", "installer");
+#endif
+    EXPECT_THAT(Read({entry}).accessories[0].installer, expected);
 }
 
 TEST_F(CatalogueFile, KeepsTheOrderAndFindsByKey) {

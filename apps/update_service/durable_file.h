@@ -26,7 +26,11 @@ private:
     [[noreturn]] void Fail() const;
 
     std::filesystem::path m_path;
+#if defined(_WIN32)
+    std::intptr_t m_descriptor;  // a handle
+#else
     int m_descriptor;
+#endif
 };
 
 // Renames the file, over an existing one too, and returns once that is on the disk.

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <gmock/gmock.h>
+#if !defined(_WIN32)
 #include <sys/stat.h>
+#endif
 
 #include <algorithm>
 #include <chrono>
@@ -77,19 +79,27 @@ protected:
         accessory.deviceKey = key;
         accessory.version = "2";
         accessory.package = m_folder / (key + ".source");
+#if defined(_WIN32)
+        accessory.installer = Shell("copy \"%ACCESSORY_PACKAGE%\" \"%ACCESSORY_KEY%.installed\"");
+#else
         accessory.installer = Shell("cp \"$1\" \"$ACCESSORY_KEY.installed\"");
+#endif
         WriteFile(accessory.package, Bytes(kSize));
         accessory.sha256 = *Sha256OfFile(accessory.package);
         m_catalogue.accessories.push_back(accessory);
     }
 
-    static std::vector<std::string> Shell(const std::string& text) { return {"/bin/sh", "-c", text, "installer"}; }
-
     // An installer that waits until LetInstall is called, and the call.
+#if defined(_WIN32)
+    static std::vector<std::string> Shell(const std::string& text) { return {"cmd.exe", "/d", "/s", "/c", text}; }
+    static std::vector<std::string> WaitingInstaller() { return Shell("for /L %i in () do if exist gate exit 0"); }
+#else
+    static std::vector<std::string> Shell(const std::string& text) { return {"/bin/sh", "-c", text, "installer"}; }
     std::vector<std::string> WaitingInstaller() {
         mkfifo((m_folder / "gate").c_str(), 0600);
         return Shell("read line < gate");
     }
+#endif
     void LetInstall() const { WriteFile(m_folder / "gate", "go\n"); }
 
     // The service as the process's start makes it; an earlier one has been stopped.

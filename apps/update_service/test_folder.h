@@ -1,23 +1,30 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <system_error>
+
+#include "own_folder.h"
 
 namespace update_service {
 
 // A folder for one test, removed at its end.
 class TestFolder {
 public:
-    TestFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "update_service_XXXXXX").string();
-        m_path = mkdtemp(name.data());
+    TestFolder() = default;
+    ~TestFolder() {
+        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        std::error_code error;
+        do {  // on Windows the folder of a program that is just ending cannot be removed
+            std::filesystem::remove_all(m_path, error);
+        } while (error && std::chrono::steady_clock::now() < patience);
+        EXPECT_FALSE(error) << error.message();
     }
-    ~TestFolder() { std::filesystem::remove_all(m_path); }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
 
@@ -25,7 +32,7 @@ public:
     std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
 
 private:
-    std::filesystem::path m_path;
+    const std::filesystem::path m_path = test_support::MakeOwnFolder("update_service");
 };
 
 inline void WriteFile(const std::filesystem::path& file, const std::string& content) {

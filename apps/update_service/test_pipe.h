@@ -1,7 +1,5 @@
 #pragma once
 
-#include <stdlib.h>
-
 #include <condition_variable>
 #include <functional>
 #include <mutex>
@@ -19,8 +17,8 @@ namespace update_service {
 // Keeps the pipes of this process, and of what it starts, in the test's own folder.
 class TestPipe {
 public:
-    TestPipe() { setenv("BRINDLE_PIPE_DIR", m_folder.Path().c_str(), 1); }
-    ~TestPipe() { unsetenv("BRINDLE_PIPE_DIR"); }
+    TestPipe() { test_support::SetVariable("BRINDLE_PIPE_DIR", m_folder.Path().string().c_str()); }
+    ~TestPipe() { test_support::SetVariable("BRINDLE_PIPE_DIR", nullptr); }
 
 private:
     TestFolder m_folder;

@@ -8,6 +8,14 @@
 namespace update_service {
 namespace {
 
+#if defined(_WIN32)
+constexpr const char* kIsAllowed = "if not exist allowed exit 7";
+constexpr const char* kCopyToPen = "copy \"%ACCESSORY_PACKAGE%\" pen.installed";
+#else
+constexpr const char* kIsAllowed = "test -e allowed || exit 7";
+constexpr const char* kCopyToPen = "cp \"$1\" pen.installed";
+#endif
+
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
@@ -191,7 +199,7 @@ TEST_F(ServiceTest, ADamagedPackageFailsBeforeItsInstallation) {
 
 TEST_F(ServiceTest, AFailingInstallerIsToldAndARetryDoesNotFetchAgain) {
     AddAccessory("pen");
-    m_catalogue.accessories[0].installer = Shell("test -e allowed || exit 7");
+    m_catalogue.accessories[0].installer = Shell(kIsAllowed);
     Start();
     m_service->OnStart("pen");
     ASSERT_TRUE(Told("failed pen"));
@@ -307,7 +315,7 @@ TEST_F(ServiceTest, AnInstallationThatWasCutOffIsDoneAgain) {
     LetInstall();  // ends the abandoned one
 
     m_service.reset();
-    m_catalogue.accessories[0].installer = Shell("cp \"$1\" pen.installed");
+    m_catalogue.accessories[0].installer = Shell(kCopyToPen);
     Start();
     ASSERT_TRUE(Told("ended pen"));
     EXPECT_TRUE(m_log.Has("pen: goes on: it was installing"));

@@ -1,11 +1,10 @@
-#include "installer.h"
-
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/stat.h>
 
 #include <thread>
 
+#include "installer.h"
 #include "test_folder.h"
 
 namespace update_service {
