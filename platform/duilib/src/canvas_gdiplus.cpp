@@ -57,7 +57,7 @@ private:
 
 }  // namespace
 
-// Shapes and pictures are put onto the pixels here: what GDI+ makes of smooth edges differs between its versions.
+// Shapes and pictures are put onto the pixels here: not every GDI+ has smooth edges (that of Wine has none).
 struct Canvas::State {
     explicit State(PaintSurface& surface) : clips(surface.Size()) { targets.emplace_back(surface); }
 

@@ -163,6 +163,22 @@ TEST_F(WindowOnDesktop, AnotherScaleMovesTheWindowToThePlaceThatTheSystemSuggest
     EXPECT_TRUE(Shows({before.cx + 50, before.cy + 30}, RGB(255, 0, 0)));
 }
 
+// The system gives the wheel's place on the desktop, and positive turns upwards. The movement ends by itself: the
+// window paints each of its steps without a message.
+TEST_F(WindowOnDesktop, TheWheelScrollsWhatIsUnderThePointer) {
+    auto* const view = Add<CScrollViewUI>({{L"pos", L"200,0,400,100"}});
+    Add({{L"height", L"1000"}}, view);
+    const CDuiPoint origin = shown->GetOrigin();
+    const auto turn = [&](int notches, CDuiPoint point) {
+        Post(WM_MOUSEWHEEL, MAKEWPARAM(0, notches * WHEEL_DELTA), {origin.x + point.x, origin.y + point.y});
+    };
+    turn(-2, {300, 50});
+    turn(-2, {50, 200});
+    EXPECT_TRUE(Until([&] { return view->GetScrollPos() == 120; }));
+    turn(1, {300, 50});
+    EXPECT_TRUE(Until([&] { return view->GetScrollPos() == 60; }));
+}
+
 TEST_F(WindowOnDesktop, ClosingIsAskedForAndTheWindowStays) {
     int asked = 0;
     shown->SetCloseHandler([&asked] { ++asked; });
