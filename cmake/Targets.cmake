@@ -25,7 +25,7 @@ function(add_unit_test name)
   endif()
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;INCLUDES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_include_directories(${name} PRIVATE ${ARG_INCLUDES})
+  target_include_directories(${name} PRIVATE ${ARG_INCLUDES} ${CMAKE_SOURCE_DIR}/tests/support/portable)
   target_link_libraries(${name} PRIVATE project_warnings ${ARG_LIBS} GTest::gmock GTest::gtest GTest::gtest_main Threads::Threads)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES

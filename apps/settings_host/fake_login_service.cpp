@@ -9,7 +9,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "process.h"
+#include "test_process.h"
 
 namespace settings_host {
 

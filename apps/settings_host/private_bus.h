@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "process.h"
+#include "test_process.h"
 
 namespace settings_host {
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "process.h"
+#include "test_process.h"
 #include "test_folder.h"
 
 // The accessory page from end to end: the built service and the built host, each in a process of its own, over a real

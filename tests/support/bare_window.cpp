@@ -7,7 +7,7 @@
 #include <chrono>
 #include <stdexcept>
 
-#include "process.h"
+#include "test_process.h"
 
 namespace test_display {
 

@@ -23,6 +23,14 @@ bool NothrowFailure::Happened() const { return untilFailure == 0; }
 // The linker hands every call of the program's own objects to __wrap_NAME, and has the allocation function itself as
 // __real_NAME: replacing the functions would collide with ThreadSanitizer's. An absurd size throws under
 // AddressSanitizer too, which otherwise ends the program.
+#if defined(_WIN64)  // the size's type is part of the decorated names
+#define __real__Znwm __real__Znwy
+#define __real__ZnwmRKSt9nothrow_t __real__ZnwyRKSt9nothrow_t
+#define __real__ZnamRKSt9nothrow_t __real__ZnayRKSt9nothrow_t
+#define __wrap__Znwm __wrap__Znwy
+#define __wrap__ZnwmRKSt9nothrow_t __wrap__ZnwyRKSt9nothrow_t
+#define __wrap__ZnamRKSt9nothrow_t __wrap__ZnayRKSt9nothrow_t
+#endif
 extern "C" {
 #pragma GCC visibility push(default)  // the linker wants it for what shared libraries call too
 void* __real__Znwm(std::size_t size);

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <system_error>
 
-#include "process.h"
+#include "test_process.h"
 
 extern char** environ;
 

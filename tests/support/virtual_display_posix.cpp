@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "process.h"
+#include "test_process.h"
 #include "virtual_display.h"
 
 namespace test_display {
