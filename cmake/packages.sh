@@ -3,8 +3,8 @@
 run_packages="g++ cmake ninja-build pkg-config libpugixml-dev libpango1.0-dev librsvg2-dev libsdl2-dev libasio-dev libspdlog-dev
   nlohmann-json3-dev libcli11-dev libssl-dev libsystemd-dev libgtest-dev libgmock-dev libbenchmark-dev fonts-noto-core
   fonts-noto-cjk"
-test_packages="$run_packages dbus libxtst-dev xvfb clang-16 libclang-rt-16-dev binutils
-  ccache"
+test_packages="$run_packages dbus libxtst-dev xvfb clang-16 libclang-rt-16-dev llvm-16
+  binutils ccache"
 
 # install_packages NAME...: installs those that are missing; says what to install where it cannot.
 install_packages() {

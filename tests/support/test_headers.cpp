@@ -1,0 +1,1 @@
+// Nothing: what this is for is its precompiled header.
