@@ -1,7 +1,7 @@
 #pragma once
 
-// What nearly every test includes, compiled once ahead for all of them (see add_unit_test). Tests still include what they
-// use.
+// What nearly every test includes, compiled once ahead for all of them (see add_unit_test). Tests still include what
+// they use.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
