@@ -14,12 +14,16 @@ if [ "$exports" != "$expected" ]; then
   failed=1
 fi
 
-for needed in $("$objdump" -p "$module" | sed -n 's/.*DLL Name: //p'); do
+imports=$("$objdump" -p "$module" | sed -n 's/.*DLL Name: //p')
+for needed in $imports; do
   case $needed in
     kernel.dll|duilib.dll|ipc_client.dll|qx_logger.dll|qx_data_report.dll|accessory_update_config.dll) ;;
-    libstdc++-6.dll|libgcc_s_seh-1.dll|libwinpthread-1.dll|KERNEL32.dll|msvcrt.dll) ;;
+    libstdc++-6.dll|libgcc_s_seh-1.dll|libwinpthread-1.dll|KERNEL32.dll|msvcrt.dll|api-ms-win-crt-*.dll) ;;
     *) echo "$module needs $needed"; failed=1 ;;
   esac
+done
+for platform in duilib ipc_client qx_logger qx_data_report accessory_update_config; do
+  echo "$imports" | grep -q -x "$platform.dll" || { echo "$module does not import $platform.dll"; failed=1; }
 done
 [ $failed = 0 ] && echo "three exports, platform libraries alone"
 exit $failed
