@@ -1,7 +1,8 @@
 # The one place that chooses compiler warnings: link project_warnings privately.
 add_library(project_warnings INTERFACE)
 if(MSVC)
-  target_compile_options(project_warnings INTERFACE /W4 $<$<BOOL:${BRINDLE_WARNINGS_AS_ERRORS}>:/WX>)
+  # Classes that are exported have members of the standard library: one runtime is shared by all that is built here.
+  target_compile_options(project_warnings INTERFACE /W4 /wd4251 /wd4275 $<$<BOOL:${BRINDLE_WARNINGS_AS_ERRORS}>:/WX>)
 else()
   target_compile_options(project_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion

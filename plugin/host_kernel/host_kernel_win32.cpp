@@ -17,8 +17,8 @@ int MultiByteToWideChar(unsigned codePage, std::uint32_t flags, const char* sour
 int WideCharToMultiByte(unsigned codePage, std::uint32_t flags, const wchar_t* source, int length, char* destination,
                         int capacity, const char* defaultCharacter, bool* usedDefaultCharacter) {
     BOOL used = FALSE;
-    const int converted = ::WideCharToMultiByte(codePage, flags, source, length, destination, capacity, defaultCharacter,
-                                                usedDefaultCharacter ? &used : nullptr);
+    const int converted = ::WideCharToMultiByte(codePage, flags, source, length, destination, capacity,
+                                                defaultCharacter, usedDefaultCharacter ? &used : nullptr);
     if (usedDefaultCharacter) *usedDefaultCharacter = used != FALSE;
     return converted;
 }

@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <string_view>
 
-// The qualified name of a function without return type and parameters, made at compile time from the compiler's own text
-// for it, so that every compiler gives the same:
-//     "void DuiLib::AccessoriesFirwareWnd::SetResume()"             ->  "DuiLib::AccessoriesFirwareWnd::SetResume"
+// The qualified name of a function without return type and parameters, made at compile time from the compiler's own
+// text for it, so that every compiler gives the same:
+//     "void DuiLib::AccessoriesFirwareWnd::SetResume()",
+//     "void __cdecl DuiLib::AccessoriesFirwareWnd::SetResume(void)"  ->  "DuiLib::AccessoriesFirwareWnd::SetResume"
 //     "DuiLib::AccessoriesFirwareWnd::OnClick(TNotifyUI&)::<lambda()>",
-//     "auto ...::OnClick(TNotifyUI &)::(anonymous class)::operator()() const"
+//     "auto ...::OnClick(TNotifyUI &)::(anonymous class)::operator()() const",
+//     "auto __cdecl ...::OnClick::<lambda_1>::operator ()(void) const"
 //                                            ->  "DuiLib::AccessoriesFirwareWnd::OnClick::<lambda>::operator ()"
 class FunctionName {
 public:
@@ -34,9 +36,11 @@ private:
         constexpr void Step() {
             if (rest.starts_with("<lambda(")) {
                 Finish("<lambda>::operator ()");
+            } else if (rest.starts_with("<lambda_")) {
+                Replace(GroupLength('<', '>'), "<lambda>");
             } else if (rest.starts_with("(anonymous class)")) {
                 Replace(std::string_view("(anonymous class)").size(), "<lambda>");
-            } else if (rest.starts_with("operator()")) {
+            } else if (rest.starts_with("operator()") || rest.starts_with("operator ()")) {
                 Finish("operator ()");
             } else if (rest.front() == '(') {
                 SkipParameters();

@@ -55,6 +55,27 @@ TEST_F(Log, ALambdaIsNamedAfterItsFunction) {
               L"[AccessoryLog]update retry0(DuiLib::LoggingPanel::OnClick::<lambda>::operator ())");
 }
 
+TEST_F(Log, AFunctionHasTheSameNameWhateverItsCompilerWritesAroundIt) {
+    const struct {
+        const char* pretty;
+        const char* name;
+    } cases[] = {
+        {"void DuiLib::Panel::SetResume()", "DuiLib::Panel::SetResume"},
+        {"void __cdecl DuiLib::Panel::SetResume(void)", "DuiLib::Panel::SetResume"},
+        {"class std::basic_string<char,struct std::char_traits<char> > *__cdecl DuiLib::Panel::Find(int (__cdecl *)(int))",
+         "DuiLib::Panel::Find"},
+        {"void __cdecl CreateSetting(class DuiLib::CPaintManagerUI *)", "CreateSetting"},
+        {"DuiLib::Panel::OnClick(int&)::<lambda()>", "DuiLib::Panel::OnClick::<lambda>::operator ()"},
+        {"auto DuiLib::Panel::OnClick(int &)::(anonymous class)::operator()() const",
+         "DuiLib::Panel::OnClick::<lambda>::operator ()"},
+        {"auto __cdecl DuiLib::Panel::OnClick::<lambda_1>::operator ()(void) const",
+         "DuiLib::Panel::OnClick::<lambda>::operator ()"},
+        {"auto __cdecl DuiLib::Panel::OnClick(int &)::<lambda_2>::operator ()(void) const",
+         "DuiLib::Panel::OnClick::<lambda>::operator ()"},
+    };
+    for (const auto& function : cases) EXPECT_STREQ(FunctionName(function.pretty).CStr(), function.name);
+}
+
 TEST_F(Log, APlainFunctionHasItsPlainName) {
     LogFromAPlainFunction();
     EXPECT_EQ(Last().line, L"[AccessoryLog]init access(LogFromAPlainFunction)");

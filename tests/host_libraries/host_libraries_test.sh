@@ -70,8 +70,10 @@ else
   "$source/tests/exports/exports_test.sh" "$module"
 fi
 
-others=$(find "$folder/build" -name '*.dll' -o -name '*.exe' -o -name '*.so' | grep -v -E 'AccessoriesUpgrade\.|CMakeFiles' || true)
-[ -z "$others" ] || { echo "more than the module was built: $others"; exit 1; }
+for name in $libraries kernel; do
+  others=$(find "$folder/build" -name "$name.dll" -o -name "lib$name.so" -o -name '*.exe' | grep -v CMakeFiles || true)
+  [ -z "$others" ] || { echo "more than the module was built: $others"; exit 1; }
+done
 
 for name in $libraries; do
   library=$(cd "$host/lib" && ls | grep -E "^(lib)?$name\.")
