@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "app_system/program_folder.h"
 #include "module_loader/page_module.h"
 
 namespace {
@@ -33,6 +34,5 @@ void PageModule::CreateSetting(DuiLib::CPaintManagerUI* paintManager, DuiLib::CN
 void PageModule::CloseWnd() const { m_close(); }
 
 std::filesystem::path PageModule::DefaultPath() {
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    return program.parent_path() / "lib" / "libAccessoriesUpgrade.so";
+    return app_system::ProgramFolder().parent_path() / "lib" / "libAccessoriesUpgrade.so";
 }

@@ -1,9 +1,11 @@
 #include <windows.h>
 
-#include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
+#include "app_system/command_line_win32.h"
+#include "app_system/path_text.h"
+#include "app_system/program_folder.h"
+#include "app_system/reason_win32.h"
 #include "child_programs.h"
 
 namespace settings_host {
@@ -16,21 +18,14 @@ struct ChildPrograms::Child {
 
 namespace {
 
-constexpr DWORD kPatience = 2000;  // [ms] for a program that has lost its input to end by itself
+using app_system::LastReason;
+using app_system::Utf8;
 
-std::string LastReason() { return std::error_code(static_cast<int>(GetLastError()), std::system_category()).message(); }
-
-std::filesystem::path ProgramFolder() {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size()) return std::filesystem::path(path.substr(0, length)).parent_path();
-        path.resize(path.size() * 2);
-    }
-}
+// [ms] for a program that has lost its input to end by itself: the update service waits ten seconds for an installer
+constexpr DWORD kPatience = 15000;
 
 std::filesystem::path FileOf(const std::string& program) {
-    std::filesystem::path file = ProgramFolder() / std::filesystem::path(std::u8string(program.begin(), program.end()));
+    std::filesystem::path file = app_system::ProgramFolder() / app_system::PathOf(program);
     if (!file.has_extension()) file += ".exe";
     return file;
 }
@@ -47,24 +42,31 @@ HANDLE Job() {
     return job;
 }
 
-// Starts the program on that input, without output. False with the error set when it cannot be started.
-bool StartOn(const std::filesystem::path& file, HANDLE input, PROCESS_INFORMATION& made) {
+// A new file, or "NUL" for nothing, for a child to inherit; others may read it meanwhile. INVALID_HANDLE_VALUE with the
+// error set when it cannot be made.
+HANDLE OpenOutput(const std::filesystem::path& file) {
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
-    const HANDLE nothing =
-        CreateFileW(L"NUL", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit, OPEN_EXISTING, 0, nullptr);
+    return CreateFileW(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherit,
+                       file == L"NUL" ? OPEN_EXISTING : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+struct Streams {
+    HANDLE input;
+    HANDLE output;
+    HANDLE errors;
+};
+
+// False with the error set when it cannot be started.
+bool StartOn(const Streams& streams, const std::filesystem::path& file, std::wstring commandLine,
+             PROCESS_INFORMATION& made) {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = input;
-    startup.hStdOutput = nothing;
-    startup.hStdError = GetStdHandle(STD_ERROR_HANDLE);
-    std::wstring commandLine = L'"' + file.wstring() + L'"';
-    const BOOL started = CreateProcessW(file.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
-                                        CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup, &made);
-    const DWORD error = GetLastError();
-    CloseHandle(nothing);
-    SetLastError(error);
-    return started != 0;
+    startup.hStdInput = streams.input;
+    startup.hStdOutput = streams.output;
+    startup.hStdError = streams.errors;
+    return CreateProcessW(file.c_str(), commandLine.data(), nullptr, nullptr, TRUE,
+                          CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &startup, &made) != 0;
 }
 
 }  // namespace
@@ -73,20 +75,27 @@ ChildPrograms::~ChildPrograms() {
     while (!m_running.empty()) Stop(std::string(m_running.begin()->first));
 }
 
-void ChildPrograms::Start(const std::string& program) {
+void ChildPrograms::Start(const std::string& program, const std::vector<std::string>& arguments,
+                          const std::filesystem::path& output) {
     if (m_running.count(program) != 0) throw std::runtime_error(program + " runs already");
     const std::filesystem::path file = FileOf(program);
     HANDLE theirs = nullptr;
     HANDLE ours = nullptr;
-    if (!CreatePipe(&theirs, &ours, nullptr, 0)) throw std::runtime_error(file.string() + ": " + LastReason());
+    if (!CreatePipe(&theirs, &ours, nullptr, 0)) throw std::runtime_error(Utf8(file) + ": " + LastReason());
     SetHandleInformation(theirs, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    std::vector<std::string> words{Utf8(file)};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    const HANDLE written = OpenOutput(output.empty() ? std::filesystem::path(L"NUL") : output);
     PROCESS_INFORMATION made{};
-    const bool started = StartOn(file, theirs, made);
+    const bool started = written != INVALID_HANDLE_VALUE &&
+                         StartOn({theirs, written, output.empty() ? GetStdHandle(STD_ERROR_HANDLE) : written}, file,
+                                 app_system::CommandLineOf(words), made);
     const std::string reason = started ? "" : LastReason();
     CloseHandle(theirs);
+    if (written != INVALID_HANDLE_VALUE) CloseHandle(written);
     if (!started) {
         CloseHandle(ours);
-        throw std::runtime_error(file.string() + ": cannot be started: " + reason);
+        throw std::runtime_error(Utf8(file) + ": cannot be started: " + reason);
     }
     AssignProcessToJobObject(Job(), made.hProcess);
     ResumeThread(made.hThread);
@@ -106,6 +115,11 @@ void ChildPrograms::Stop(const std::string& program) {
         WaitForSingleObject(child.process, INFINITE);
     }
     CloseHandle(child.process);
+}
+
+bool ChildPrograms::Runs(const std::string& program) const {
+    const auto found = m_running.find(program);
+    return found != m_running.end() && WaitForSingleObject(found->second->process, 0) == WAIT_TIMEOUT;
 }
 
 }  // namespace settings_host

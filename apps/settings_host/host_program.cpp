@@ -1,11 +1,14 @@
 #include "host_program.h"
 
+#include <cerrno>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 
+#include "app_system/path_text.h"
 #include "ipc_client/ipc_connection_state.h"
 #include "kernel/ui_turn.h"
 #include "log.h"
@@ -19,6 +22,7 @@ namespace settings_host {
 
 namespace {
 
+using app_system::Utf8;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -79,6 +83,11 @@ void HostProgram::AskToStop() {
     if (program) program->WakeUp();
 }
 
+bool HostProgram::NothingIsLeft() {
+    const kernel::UiTurn turn;
+    return m_channel.News().nothingLeft;
+}
+
 void HostProgram::WakeUp() {
     const std::lock_guard lock(m_wakeMutex);
     if (m_awaiting) m_awaiting->WakeUp();
@@ -90,7 +99,7 @@ void HostProgram::Run() {
     if (!m_commandLine.screenshot.empty()) {
         Settle();
         m_window.SavePicture(m_commandLine.screenshot);
-        Say("picture: " + m_commandLine.screenshot.string());
+        Say("picture: " + Utf8(m_commandLine.screenshot));
     } else if (m_commandLine.script.empty()) {
         for (;;) Step({});
     }
@@ -143,9 +152,13 @@ void HostProgram::PlayScript() {
         PlayFrom(input.Stream(), "standard input", true);
         return;
     }
+    errno = 0;
     std::ifstream file(m_commandLine.script);
-    if (!file) throw std::runtime_error(m_commandLine.script.string() + ": the script cannot be read");
-    PlayFrom(file, m_commandLine.script.string(), false);
+    if (!file) {
+        throw std::runtime_error(Utf8(m_commandLine.script) +
+                                 ": the script cannot be read: " + std::generic_category().message(errno));
+    }
+    PlayFrom(file, Utf8(m_commandLine.script), false);
 }
 
 void HostProgram::PlayFrom(std::istream& input, const std::string& name, bool fromTerminal) {

@@ -33,6 +33,9 @@ public:
     // that cannot be written.
     void Run();
 
+    // What the page said last.
+    bool NothingIsLeft();
+
     // Ends the program soon. Any thread, also when there is no program.
     static void AskToStop();
 

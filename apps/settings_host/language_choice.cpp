@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "app_system/path_text.h"
+
 namespace settings_host {
 
 namespace {
@@ -80,7 +82,7 @@ std::vector<std::string> AvailableLanguages(const std::filesystem::path& folder)
     std::error_code error;
     std::filesystem::directory_iterator file(folder, error);
     for (; !error && file != std::filesystem::directory_iterator(); file.increment(error)) {
-        if (file->path().extension() == ".xml") names.push_back(file->path().stem().string());
+        if (file->path().extension() == ".xml") names.push_back(app_system::Utf8(file->path().stem()));
     }
     std::sort(names.begin(), names.end());
     return names;

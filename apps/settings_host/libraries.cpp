@@ -31,6 +31,12 @@ void LoadLanguage(const std::filesystem::path& folder, const std::string& wanted
 
 }  // namespace
 
+void CloseLog() {
+    QxLogger::Options nowhere;
+    nowhere.console = false;
+    QxLogger::GetInstance()->Open(nowhere);
+}
+
 void SetUpLibraries(const CommandLine& commandLine) {
     OpenLog(commandLine);
     QxDataReport::Instance()->SetFile(commandLine.reportFile);

@@ -8,4 +8,7 @@ namespace settings_host {
 // Throws std::runtime_error, naming the file and the reason.
 void SetUpLibraries(const CommandLine& commandLine);
 
+// Lets go of the log file; later lines go nowhere.
+void CloseLog();
+
 }  // namespace settings_host

@@ -2,15 +2,18 @@
 // text, and plays scripts on it.
 #include <exception>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
 
+#include "app_system/arguments.h"
 #include "duilib/window.h"
 #include "host_program.h"
 #include "ipc_client/ipc_log.h"
 #include "libraries.h"
 #include "options.h"
+#include "sample.h"
 #include "stop_signal/stop_signal.h"
 #include "transcript.h"
 
@@ -18,7 +21,8 @@ namespace {
 
 using namespace settings_host;
 
-// Without a display a script or a picture is made all the same; whoever wants to see a window is told why there is none.
+// Without a display a script or a picture is made all the same; whoever wants to see a window is told why there is
+// none.
 void ChooseDisplay(CommandLine& commandLine) {
     std::string reason;
     if (commandLine.headless || DuiLib::CWindowWnd::HasDisplay(reason)) return;
@@ -29,12 +33,43 @@ void ChooseDisplay(CommandLine& commandLine) {
     commandLine.headless = true;
 }
 
+void Run(CommandLine& commandLine, std::optional<Sample>& sample) {
+    ChooseDisplay(commandLine);
+    if (!commandLine.sample.empty()) sample.emplace(commandLine);
+    SetUpLibraries(commandLine);
+    HostProgram program(commandLine);
+    if (sample) sample->StartService();
+    program.Run();
+    if (commandLine.tour) sample->CheckTour(program.NothingIsLeft());
+}
+
+int RunToTheEnd(CommandLine& commandLine) {
+    std::optional<Sample> sample;
+    int exitCode = 0;
+    try {
+        Run(commandLine, sample);
+    } catch (const Ended& ended) {
+        if (!ended.reason.empty()) Say(ended.reason);
+        if (commandLine.tour) exitCode = 1;
+    } catch (const std::exception& error) {
+        std::cerr << "settings_host: " << error.what() << std::endl;
+        exitCode = 1;
+    }
+    SetIpcLogSink({});
+    if (!sample) return exitCode;
+    SetIpcLogSink([](int, const std::string&) {});  // that the service goes is no news
+    CloseLog();
+    sample->End(exitCode == 0);
+    return exitCode;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     stop_signal::HoldStopSignals();
+    const app_system::Arguments arguments(argc, argv);
     int exitCode = 0;
-    auto commandLine = ReadCommandLine(argc, argv, exitCode);
+    auto commandLine = ReadCommandLine(arguments.Count(), arguments.Values(), exitCode);
     if (!commandLine) return exitCode;
     std::thread([] {
         for (;;) {
@@ -42,17 +77,5 @@ int main(int argc, char** argv) {
             HostProgram::AskToStop();
         }
     }).detach();  // lives as long as the process
-    try {
-        ChooseDisplay(*commandLine);
-        SetUpLibraries(*commandLine);
-        HostProgram program(*commandLine);
-        program.Run();
-    } catch (const Ended& ended) {
-        if (!ended.reason.empty()) Say(ended.reason);
-    } catch (const std::exception& error) {
-        std::cerr << "settings_host: " << error.what() << std::endl;
-        exitCode = 1;
-    }
-    SetIpcLogSink({});
-    return exitCode;
+    return RunToTheEnd(*commandLine);
 }

@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "app_system/path_text.h"
 #include "ipc/channel.h"
 #include "ipc_client/ipc_connection_state.h"
 #include "kernel/ui_turn.h"
@@ -82,9 +83,9 @@ void ScriptRunner::Do(const script::Where& where) {
 
 void ScriptRunner::Do(const script::Picture& picture) {
     m_around.idle();
-    const std::filesystem::path file = m_around.pictures / picture.file;
+    const std::filesystem::path file = m_around.pictures / app_system::PathOf(picture.file);
     m_window.SavePicture(file);
-    Say("picture: " + file.string());
+    Say("picture: " + app_system::Utf8(file));
 }
 
 void ScriptRunner::Do(const script::Words& words) { Say("# " + words.text); }

@@ -1,15 +1,15 @@
 #include <windows.h>
 
 #include <stdexcept>
-#include <system_error>
 
 #include "sleep_inhibitor.h"
+#include "app_system/reason_win32.h"
 
 namespace settings_host {
 
 namespace {
 
-std::string LastReason() { return std::error_code(static_cast<int>(GetLastError()), std::system_category()).message(); }
+using app_system::LastReason;
 
 std::wstring Wide(const std::string& utf8) {
     const int size = static_cast<int>(utf8.size());

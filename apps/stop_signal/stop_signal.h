@@ -6,7 +6,11 @@ namespace stop_signal {
 // thread is made.
 void HoldStopSignals();
 
-// Waits until the process is asked to stop, and returns that signal's name.
+// From now on the end of the standard input asks the process to stop, too, as the death of whoever started it brings it
+// about; nothing else may read it. Call after HoldStopSignals.
+void StopWithInput();
+
+// Waits until the process is asked to stop, and returns that signal's name, or "end of input".
 const char* WaitForStopSignal();
 
 }  // namespace stop_signal

@@ -1,6 +1,10 @@
 #include <signal.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
 #include <initializer_list>
+#include <thread>
 
 #include "stop_signal.h"
 
@@ -14,6 +18,16 @@ sigset_t StopSignals() {
     return signals;
 }
 
+std::atomic<bool> inputEnded{false};
+
+void ReadToTheEnd() {
+    char bytes[512];
+    for (;;) {
+        const ssize_t size = read(STDIN_FILENO, bytes, sizeof bytes);
+        if (size == 0 || (size < 0 && errno != EINTR)) return;
+    }
+}
+
 }  // namespace
 
 void HoldStopSignals() {
@@ -22,11 +36,20 @@ void HoldStopSignals() {
     signal(SIGPIPE, SIG_IGN);  // a reader of the log that went away is no reason to end
 }
 
+void StopWithInput() {
+    std::thread([] {
+        ReadToTheEnd();
+        inputEnded = true;
+        kill(getpid(), SIGTERM);  // the one that waits for signals wakes
+    }).detach();                  // lives as long as the process
+}
+
 const char* WaitForStopSignal() {
     const sigset_t signals = StopSignals();
     int number = 0;
     while (sigwait(&signals, &number) != 0) {
     }
+    if (number == SIGTERM && inputEnded.exchange(false)) return "end of input";
     return number == SIGTERM ? "SIGTERM" : number == SIGINT ? "SIGINT" : "SIGHUP";
 }
 

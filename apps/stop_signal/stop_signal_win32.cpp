@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 #include "stop_signal.h"
 
@@ -35,15 +36,17 @@ const char* NameOf(DWORD event) {
     }
 }
 
+void Ask(const char* name) {
+    Asked& asked = Request();
+    const std::lock_guard guard(asked.mutex);
+    if (asked.name == nullptr) asked.name = name;
+    asked.came.notify_all();
+}
+
 // After the window's close button, a logoff or a shutdown the system ends the process when this returns, so it does
 // not: the process ends by itself, or the system's patience does.
 BOOL WINAPI Handle(DWORD event) {
-    Asked& asked = Request();
-    {
-        const std::lock_guard guard(asked.mutex);
-        if (asked.name == nullptr) asked.name = NameOf(event);
-        asked.came.notify_all();
-    }
+    Ask(NameOf(event));
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) ::Sleep(INFINITE);
     return TRUE;
 }
@@ -54,6 +57,18 @@ BOOL WINAPI Handle(DWORD event) {
 void HoldStopSignals() {
     SetConsoleCtrlHandler(nullptr, FALSE);
     SetConsoleCtrlHandler(Handle, TRUE);
+}
+
+// Not through the C library, which keeps a stream that is read locked until the process has ended.
+void StopWithInput() {
+    std::thread([] {
+        const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+        char bytes[512];
+        DWORD size = 0;
+        while (ReadFile(input, bytes, sizeof bytes, &size, nullptr) && size != 0) {
+        }
+        Ask("end of input");
+    }).detach();  // lives as long as the process
 }
 
 const char* WaitForStopSignal() {

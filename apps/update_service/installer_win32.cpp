@@ -5,10 +5,10 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <system_error>
 
-#include "command_line_win32.h"
 #include "installer.h"
+#include "app_system/command_line_win32.h"
+#include "app_system/reason_win32.h"
 
 namespace update_service {
 namespace {
@@ -22,8 +22,6 @@ struct HandleCloser {
     }
 };
 using OwnedHandle = std::unique_ptr<void, HandleCloser>;
-
-std::string Reason(DWORD error) { return std::error_code(static_cast<int>(error), std::system_category()).message(); }
 
 // A crash anywhere among the installer's processes ends that process, instead of asking a user who is not there. The
 // job ends nothing by itself: an installer that is abandoned runs on.
@@ -84,9 +82,9 @@ OwnedHandle Start(const InstallerCall& call) {
     startup.StartupInfo.hStdError = output;
     startup.lpAttributeList = inherited.List();
 
-    const std::wstring program = ProgramPath(call.command[0], call.folder);
-    std::wstring commandLine = CommandLineOf(call.command);
-    std::wstring environment = EnvironmentWith(call.environment);
+    const std::wstring program = app_system::ProgramPath(call.command[0], call.folder);
+    std::wstring commandLine = app_system::CommandLineOf(call.command);
+    std::wstring environment = app_system::EnvironmentWith(call.environment);
     constexpr DWORD kFlags =
         CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP | CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT;
     PROCESS_INFORMATION made{};
@@ -134,7 +132,7 @@ InstallerResult Judge(DWORD code) {
 
 InstallerResult RunInstaller(const InstallerCall& call, const std::stop_token& stop, std::chrono::milliseconds grace) {
     const OwnedHandle process = Start(call);
-    if (!process) return {InstallerEnd::kFailed, "cannot be started: " + Reason(GetLastError())};
+    if (!process) return {InstallerEnd::kFailed, "cannot be started: " + app_system::LastReason()};
     const std::optional<DWORD> code = WaitFor(process.get(), stop, grace);
     return code ? Judge(*code) : InstallerResult{InstallerEnd::kAbandoned, ""};
 }

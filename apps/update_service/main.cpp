@@ -11,6 +11,7 @@
 #include "log.h"
 #include "options.h"
 #include "stop_signal/stop_signal.h"
+#include "app_system/arguments.h"
 #include "text.h"
 #include "update_service.h"
 
@@ -44,9 +45,11 @@ void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
 
 int Main(int argc, const char* const* argv) {
     stop_signal::HoldStopSignals();
+    const app_system::Arguments arguments(argc, argv);
     int exitCode = 0;
-    const auto commandLine = ReadCommandLine(argc, argv, exitCode);
+    const auto commandLine = ReadCommandLine(arguments.Count(), arguments.Values(), exitCode);
     if (!commandLine) return exitCode;
+    if (commandLine->endWithInput) stop_signal::StopWithInput();
     try {
         const Catalogue catalogue = ReadCatalogue(commandLine->catalogue);
         CheckFailKeys(*commandLine, catalogue);

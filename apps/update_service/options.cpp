@@ -4,6 +4,8 @@
 #include <charconv>
 #include <stdexcept>
 
+#include "app_system/path_text.h"
+
 namespace update_service {
 namespace {
 
@@ -41,6 +43,7 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_option("--log-file", logFile, "Write the log to FILE too")->type_name("FILE");
+    app.add_flag("--end-with-input", result.endWithInput, "End when the standard input ends, as on a signal");
     try {
         app.parse(argc, argv);
         for (const std::string& fail : fails) result.failAt.insert(ReadFail(fail));
@@ -48,16 +51,16 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
         exitCode = app.exit(error);
         return std::nullopt;
     }
-    result.catalogue = catalogue;
-    result.workFolder = workFolder;
-    result.logFile = logFile;
+    result.catalogue = app_system::PathOf(catalogue);
+    result.workFolder = app_system::PathOf(workFolder);
+    result.logFile = app_system::PathOf(logFile);
     return result;
 }
 
 void CheckFailKeys(const CommandLine& commandLine, const Catalogue& catalogue) {
     for (const auto& [key, percent] : commandLine.failAt) {
         if (Find(catalogue, key)) continue;
-        throw std::runtime_error("--fail: " + commandLine.catalogue.string() + " has no accessory \"" + key + "\"");
+        throw std::runtime_error("--fail: " + app_system::Utf8(commandLine.catalogue) + " has no accessory \"" + key + "\"");
     }
 }
 

@@ -15,6 +15,7 @@ struct CommandLine {
     std::filesystem::path workFolder;
     std::filesystem::path logFile;      // empty: standard error alone
     std::uint64_t bytesPerSecond = 0;   // 0: no limit
+    bool endWithInput = false;
     std::map<std::string, int> failAt;  // [percent] by device key
 };
 

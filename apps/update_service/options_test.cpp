@@ -32,12 +32,13 @@ protected:
 
 TEST_F(Options, AllAreRead) {
     const auto line = Read({"--catalogue", "c.json", "--work-dir", "w", "--rate", "5000000000", "--log-file", "l.log",
-                            "--fail", "pen:40", "--fail", "a:b:0"});
+                            "--fail", "pen:40", "--fail", "a:b:0", "--end-with-input"});
     ASSERT_TRUE(line);
     EXPECT_EQ(line->catalogue, "c.json");
     EXPECT_EQ(line->workFolder, "w");
     EXPECT_EQ(line->logFile, "l.log");
     EXPECT_EQ(line->bytesPerSecond, 5000000000u);
+    EXPECT_TRUE(line->endWithInput);
     EXPECT_THAT(line->failAt, ElementsAre(Pair("a:b", 0), Pair("pen", 40)));
 }
 
@@ -47,12 +48,13 @@ TEST_F(Options, WhatIsLeftOutHasNoLimitAndNoLogFile) {
     EXPECT_EQ(line->bytesPerSecond, 0u);
     EXPECT_TRUE(line->logFile.empty());
     EXPECT_TRUE(line->failAt.empty());
+    EXPECT_FALSE(line->endWithInput);
 }
 
 TEST_F(Options, HelpIsShownAndIsNoError) {
     EXPECT_FALSE(Read({"--help"}));
     EXPECT_EQ(m_exitCode, 0);
-    for (const char* option : {"--catalogue", "--work-dir", "--rate", "--fail", "--log-file"}) {
+    for (const char* option : {"--catalogue", "--work-dir", "--rate", "--fail", "--log-file", "--end-with-input"}) {
         EXPECT_THAT(m_output, HasSubstr(option));
     }
 }

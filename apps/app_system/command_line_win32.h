@@ -6,7 +6,7 @@
 #include <vector>
 
 // What the system takes in one text where others take lists. Texts that come in are UTF-8.
-namespace update_service {
+namespace app_system {
 
 // Program and arguments in one line, quoted so that the program's own runtime takes them apart again. What
 // begins with "cmd.exe", "/d", "/s", "/c" and a text ends there: the command interpreter takes the text as it stands,
@@ -20,4 +20,4 @@ std::wstring ProgramPath(const std::string& program, const std::filesystem::path
 // and one more at the end.
 std::wstring EnvironmentWith(const std::vector<std::pair<std::string, std::string>>& variables);
 
-}  // namespace update_service
+}  // namespace app_system

@@ -4,7 +4,7 @@
 
 #include <map>
 
-namespace update_service {
+namespace app_system {
 namespace {
 
 std::wstring Wide(const std::string& utf8) {
@@ -85,4 +85,4 @@ std::wstring EnvironmentWith(const std::vector<std::pair<std::string, std::strin
     return block + L'\0';
 }
 
-}  // namespace update_service
+}  // namespace app_system

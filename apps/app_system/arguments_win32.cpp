@@ -1,0 +1,24 @@
+#include <windows.h>
+
+#include "arguments.h"
+// The shell's header needs the one before it.
+#include <shellapi.h>
+
+#include <filesystem>
+
+#include "path_text.h"
+
+namespace app_system {
+
+// What main gets has lost the characters that the system's code page does not know.
+Arguments::Arguments(int argc, const char* const* argv) {
+    SetConsoleOutputCP(CP_UTF8);
+    int count = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    for (int i = 0; words != nullptr && i < count; ++i) m_texts.push_back(Utf8(words[i]));
+    LocalFree(words);
+    if (m_texts.empty()) m_texts.assign(argv, argv + argc);
+    List();
+}
+
+}  // namespace app_system

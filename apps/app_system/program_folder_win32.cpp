@@ -1,0 +1,21 @@
+#include <windows.h>
+
+#include <string>
+#include <system_error>
+
+#include "program_folder.h"
+
+namespace app_system {
+
+// The whole path, however long.
+std::filesystem::path ProgramFolder() {
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+        if (length == 0) throw std::system_error(static_cast<int>(GetLastError()), std::system_category());
+        if (length < path.size()) return std::filesystem::path(path.substr(0, length)).parent_path();
+        path.resize(path.size() * 2);
+    }
+}
+
+}  // namespace app_system
