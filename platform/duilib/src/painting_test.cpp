@@ -589,15 +589,17 @@ TEST(PaintSurfaceTest, APictureIsSavedAndLoadedAsItIs) {
 }
 
 TEST(PaintSurfaceTest, AFileThatCannotBeReadOrWrittenIsNamed) {
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder.Path() / "missing" / "x.png";
     for (const auto& attempt :
-         {std::function<void()>([] { PaintSurface::LoadPng("/nowhere/x.png"); }), std::function<void()>([] {
-              PaintSurface({1, 1}).SavePng("/nowhere/x.png");
+         {std::function<void()>([&file] { PaintSurface::LoadPng(file); }), std::function<void()>([&file] {
+              PaintSurface({1, 1}).SavePng(file);
           })}) {
         try {
             attempt();
             FAIL() << "no error";
         } catch (const std::runtime_error& error) {
-            EXPECT_THAT(error.what(), testing::HasSubstr("/nowhere/x.png: "));
+            EXPECT_THAT(error.what(), testing::HasSubstr(file.string() + ": "));
         }
     }
 }
