@@ -344,6 +344,7 @@ bool CWindowWnd::HasDisplay(std::string& reason) {
         reason = std::string(kNoWindow) + ": no display answers";
         return false;
     }
+    BeAwareOfScales();
     const Window trial(
         ::CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 1, 1, nullptr, nullptr, ThisModule(), nullptr));
     if (!trial) reason = Reason(kNoWindow);
