@@ -4,13 +4,15 @@
 #include <algorithm>
 #include <system_error>
 
+#include "app_system/path_text.h"
 #include "durable_file.h"
 
 namespace update_service {
 namespace {
 
 [[noreturn]] void FailWith(const std::filesystem::path& path) {
-    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), path.string());
+    const int error = static_cast<int>(GetLastError());
+    throw std::system_error(error, std::system_category(), app_system::Utf8(path));
 }
 
 HANDLE HandleOf(std::intptr_t file) { return reinterpret_cast<HANDLE>(file); }

@@ -1,8 +1,12 @@
 // The update service: owns the broker of the assistant pipe, lists what the catalogue has, fetches and installs it.
 
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <stdexcept>
 
+#include "app_system/arguments.h"
+#include "app_system/path_text.h"
 #include "catalogue.h"
 #include "ipc/channel.h"
 #include "ipc_client/ipc_broker.h"
@@ -11,7 +15,6 @@
 #include "log.h"
 #include "options.h"
 #include "stop_signal/stop_signal.h"
-#include "app_system/arguments.h"
 #include "text.h"
 #include "update_service.h"
 
@@ -22,6 +25,12 @@ void OpenLog(const std::filesystem::path& file) {
     if (!file.empty()) QxLogger::GetInstance()->Open({.file = file});
     SetIpcLogSink(
         [](int level, const std::string& line) { LogToQxLogger(static_cast<LOG_MESSAGE_LEVEL>(level), line); });
+}
+
+void MakeFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) throw std::runtime_error(app_system::Utf8(folder) + ": the folder cannot be made: " + error.message());
 }
 
 void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
@@ -53,7 +62,7 @@ int Main(int argc, const char* const* argv) {
     try {
         const Catalogue catalogue = ReadCatalogue(commandLine->catalogue);
         CheckFailKeys(*commandLine, catalogue);
-        std::filesystem::create_directories(commandLine->workFolder);
+        MakeFolder(commandLine->workFolder);
         OpenLog(commandLine->logFile);
         Serve(catalogue, *commandLine);
     } catch (const std::exception& error) {

@@ -34,11 +34,13 @@ TEST_F(ErrorsTest, AHostThatLacksAFileNamesItInOneLine) {
     } cases[] = {
         {{"--module", nowhere}, nowhere, "the module cannot be loaded: "},
         {{"--module", notModule}, notModule, "the module does not export CreateSetting"},
-        {{"--language", "xx-XX"}, "components/brindle/res/language/xx-XX.xml", "the file cannot be read"},
-        {{"--components", nowhere}, nowhere + "/brindle/res/language/en-US.xml", "the file cannot be read"},
-        {{"--script", nowhere}, nowhere, "the script cannot be read"},
-        {{"--companions", nowhere}, nowhere, ": "},
-        {{"--companions", broken}, broken, ": "},
+        {{"--language", "xx-XX"}, "components/brindle/res/language/xx-XX.xml", "the file cannot be read: No such file"},
+        {{"--components", nowhere},
+         nowhere + "/brindle/res/language/en-US.xml",
+         "the file cannot be read: No such file"},
+        {{"--script", nowhere}, nowhere, "the script cannot be read: No such file or directory"},
+        {{"--companions", nowhere}, nowhere, ": cannot be opened: No such file or directory"},
+        {{"--companions", broken}, broken, ": parse error at line 1, column 2: "},
         {{"--log-file", notFolder + "/host.log"}, notFolder + "/host.log", "Not a directory"},
     };
     for (const auto& c : cases) {
@@ -84,6 +86,36 @@ TEST_F(ErrorsTest, ACatalogueWithAWrongFieldIsRefusedWithFileEntryAndField) {
     EXPECT_EQ(service.WaitForEnd(), 1);
     EXPECT_EQ(service.Errors().Text(), "update_service: " + file + ": accessories[0].modelId: must be a text\n");
     EXPECT_FALSE(std::filesystem::exists(m_folder / "work"));
+}
+
+TEST_F(ErrorsTest, AServiceThatLacksWhatItNeedsSaysSoInOneLine) {
+    AddAccessory("pen");
+    StartService();
+    ASSERT_TRUE(ServiceLogs("ready"));
+    const std::string catalogue = (m_folder / "catalogue.json").string();
+    const std::string nowhere = (m_folder / "nowhere").string();
+    const std::string noFolder = catalogue + "/work";
+    const std::string work = (m_folder / "other work").string();
+    const struct {
+        std::vector<std::string> options;
+        std::string file;
+        std::string reason;
+    } cases[] = {
+        {{"--catalogue", nowhere, "--work-dir", work}, nowhere, "cannot be opened: No such file or directory"},
+        {{"--catalogue", catalogue, "--work-dir", noFolder}, noFolder, "the folder cannot be made: Not a directory"},
+        {{"--catalogue", catalogue, "--work-dir", work, "--log-file", noFolder}, noFolder, "Not a directory"},
+        {{"--catalogue", catalogue, "--work-dir", work}, PipeSocket().string(), "another broker"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.file);
+        test_process::Process service(UPDATE_SERVICE_PROGRAM, c.options, Environment());
+        EXPECT_EQ(service.WaitForEnd(), 1);
+        const std::string error = service.Errors().Text();
+        EXPECT_THAT(error, testing::StartsWith("update_service: "));
+        EXPECT_THAT(error, HasSubstr(c.file));
+        EXPECT_THAT(error, HasSubstr(c.reason));
+        EXPECT_EQ(error.find('\n'), error.size() - 1) << error;
+    }
 }
 
 TEST_F(ErrorsTest, ASignalWhileAScriptWaitsEndsTheHostWell) {

@@ -12,7 +12,9 @@ namespace {
 using Json = nlohmann::json;
 
 [[noreturn]] void Fail(const std::filesystem::path& file, const std::string& where, const std::string& reason) {
-    throw std::runtime_error(file.string() + ": " + (where.empty() ? "" : where + ": ") + reason);
+    const std::u8string name = file.u8string();
+    throw std::runtime_error(std::string(name.begin(), name.end()) + ": " + (where.empty() ? "" : where + ": ") +
+                             reason);
 }
 
 std::wstring WideFromUtf8(const std::string& text) {

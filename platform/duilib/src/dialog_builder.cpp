@@ -80,12 +80,12 @@ CControlUI* CDialogBuilder::Create(std::wstring_view file, const wchar_t* type, 
     m_error.Empty();
     try {
         const std::filesystem::path path = CResourceManager::GetInstance()->Resolve(file);
-        if (type) throw XmlError(path.string() + ":1: resources of type \"" + ToUtf8(type) + "\" are not supported");
+        if (type) throw XmlError(PathText(path) + ":1: resources of type \"" + ToUtf8(type) + "\" are not supported");
         std::unique_ptr<CControlUI> root = LayoutBuilder(LoadLayout(path), callback).Build();
         if (parent) {
             auto* const container = dynamic_cast<CContainerUI*>(parent);
             if (!container || !container->Add(root.get())) {
-                throw XmlError(path.string() + ":1: the parent is not a container");
+                throw XmlError(PathText(path) + ":1: the parent is not a container");
             }
         }
         return root.release();

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "file_stamp.h"
+#include "text_utf8.h"
 #include "xml_source.h"
 
 namespace DuiLib {
@@ -27,7 +28,7 @@ std::map<std::filesystem::path, Entry>& Entries() {
 
 std::shared_ptr<const LayoutFile> LoadLayout(const std::filesystem::path& path) {
     const std::optional<FileStamp> stamp = StampOf(path);
-    if (!stamp) throw XmlError(path.string() + ":1: there is no such file");
+    if (!stamp) throw XmlError(PathText(path) + ":1: there is no such file");
     auto& entries = Entries();
     const auto known = entries.find(path);
     if (known != entries.end() && known->second.settled && known->second.stamp == *stamp) return known->second.file;

@@ -96,7 +96,7 @@ LayoutFile ParseLayout(const std::filesystem::path& path, std::string text) {
     if (const pugi::xml_attribute attribute = window.first_attribute()) {
         source.Fail(source.LineOf(attribute), "<Window> has no attributes");
     }
-    LayoutFile file{path.string(), {}, {}};
+    LayoutFile file{PathText(path), {}, {}};
     bool hasControl = false;
     for (const pugi::xml_node& node : window.children()) {
         RequireElement(source, node);

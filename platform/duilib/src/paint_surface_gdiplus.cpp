@@ -6,6 +6,7 @@
 
 #include "gdiplus_session.h"
 #include "pixel_blending.h"
+#include "text_utf8.h"
 
 namespace DuiLib {
 
@@ -14,7 +15,7 @@ namespace {
 constexpr CLSID kPngEncoder{0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
 
 [[noreturn]] void Fail(const std::filesystem::path& file, const std::string& reason) {
-    throw std::runtime_error(file.string() + ": " + reason);
+    throw std::runtime_error(PathText(file) + ": " + reason);
 }
 
 void Check(Gdiplus::Status status, const std::filesystem::path& file, const char* what) {

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "duilib/geometry.h"
+#include "text_utf8.h"
 
 namespace DuiLib {
 
@@ -67,7 +68,8 @@ private:
 
 // What is wrong with a file, with its name once.
 inline std::string PictureError(const std::filesystem::path& file, const std::string& reason) {
-    return reason.starts_with(file.string()) ? reason : file.string() + ": " + reason;
+    const std::string name = PathText(file);
+    return reason.starts_with(name) ? reason : name + ": " + reason;
 }
 
 }  // namespace DuiLib

@@ -1,25 +1,29 @@
 #include "xml_source.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <system_error>
 
 #include "text_utf8.h"
 
 namespace DuiLib {
 
 std::string ReadXmlFile(const std::filesystem::path& path) {
+    errno = 0;
     try {
         std::ifstream file(path, std::ios::binary);
         file.exceptions(std::ios::badbit | std::ios::failbit);
         return std::string{std::istreambuf_iterator<char>(file), {}};
     } catch (const std::ios_base::failure&) {  // also what reading a folder comes to
-        throw XmlError(path.string() + ":1: the file cannot be read");
+        const std::string reason = errno == 0 ? "" : ": " + std::generic_category().message(errno);
+        throw XmlError(PathText(path) + ":1: the file cannot be read" + reason);
     }
 }
 
-XmlSource::XmlSource(const std::filesystem::path& path, std::string text) : m_path(path.string()) {
+XmlSource::XmlSource(const std::filesystem::path& path, std::string text) : m_path(PathText(path)) {
     m_lineStarts.push_back(0);
     for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
         m_lineStarts.push_back(at + 1);

@@ -90,7 +90,9 @@ void QxLogger::Open(const Options& options) {
             sinks.push_back(std::make_shared<spdlog::sinks::rotating_file_sink_st>(
                 options.file.native(), options.maxFileBytes, options.maxFiles));
         } catch (const spdlog::spdlog_ex& error) {
-            throw std::runtime_error("cannot open the log file \"" + options.file.string() + "\": " + error.what());
+            const std::u8string name = options.file.u8string();
+            throw std::runtime_error("cannot open the log file \"" + std::string(name.begin(), name.end()) +
+                                     "\": " + error.what());
         }
     }
     auto backEnd = MakeBackEnd(sinks);
