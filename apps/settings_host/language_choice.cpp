@@ -1,7 +1,6 @@
 #include "language_choice.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string_view>
 
 #include "app_system/path_text.h"
@@ -67,14 +66,6 @@ std::string ChooseLanguage(const std::vector<std::string>& available, const std:
         if (tag.language == wanted.language && tag.script == wanted.script) return name;
     }
     return kFallbackLanguage;
-}
-
-std::string SystemLocale() {
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* const value = std::getenv(name);
-        if (value != nullptr && *value != '\0') return value;
-    }
-    return {};
 }
 
 std::vector<std::string> AvailableLanguages(const std::filesystem::path& folder) {

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
-#include <map>
+
+#include "own_folder.h"
 
 namespace settings_host {
 namespace {
@@ -76,59 +76,12 @@ TEST(LanguageChoice, ThePseudoLanguageIsOnlyChosenWhenItIsNamed) {
     EXPECT_EQ(ChooseLanguage({"qps-ploc"}, "qps_XX"), "en-US");
 }
 
-// The three variables as a test wants them; puts the old values back.
-class SystemLocaleTest : public testing::Test {
-protected:
-    SystemLocaleTest() {
-        for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-            const char* const value = std::getenv(name);
-            if (value != nullptr) m_old[name] = value;
-            unsetenv(name);
-        }
-    }
-    ~SystemLocaleTest() override {
-        for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-            if (m_old.contains(name)) {
-                setenv(name, m_old[name].c_str(), 1);
-            } else {
-                unsetenv(name);
-            }
-        }
-    }
-    static void Set(const char* name, const char* value) { setenv(name, value, 1); }
-
-private:
-    std::map<std::string, std::string> m_old;
-};
-
-TEST_F(SystemLocaleTest, AllComesBeforeMessagesAndMessagesBeforeLang) {
-    EXPECT_EQ(SystemLocale(), "");
-    Set("LANG", "de_DE.UTF-8");
-    EXPECT_EQ(SystemLocale(), "de_DE.UTF-8");
-    Set("LC_MESSAGES", "fr_FR.UTF-8");
-    EXPECT_EQ(SystemLocale(), "fr_FR.UTF-8");
-    Set("LC_ALL", "C");
-    EXPECT_EQ(SystemLocale(), "C");
-}
-
-TEST_F(SystemLocaleTest, AnEmptyVariableCountsAsUnset) {
-    Set("LC_ALL", "");
-    Set("LC_MESSAGES", "");
-    EXPECT_EQ(SystemLocale(), "");
-    Set("LANG", "ar_EG");
-    EXPECT_EQ(SystemLocale(), "ar_EG");
-}
-
 class AvailableLanguagesTest : public testing::Test {
 protected:
-    AvailableLanguagesTest() {
-        std::string name = (std::filesystem::temp_directory_path() / "languages-XXXXXX").string();
-        m_folder = mkdtemp(name.data());
-    }
     ~AvailableLanguagesTest() override { std::filesystem::remove_all(m_folder); }
     void Write(const char* name) { std::ofstream(m_folder / name) << "<Language/>"; }
 
-    std::filesystem::path m_folder;
+    const std::filesystem::path m_folder = test_support::MakeOwnFolder("languages");
 };
 
 TEST_F(AvailableLanguagesTest, EveryLanguageFileIsALanguage) {
