@@ -1,11 +1,14 @@
-// conformance_replay [--module PATH] FILE...
+// conformance_replay [--module PATH] [--line NUMBER] FILE...
 //
 // Replays scenarios and decode vectors (JSON Lines) and prints the first difference of each that fails. Closes with
-// "N passed, M failed"; exit code 1 if M is not 0, 2 for a file that cannot be read.
+// "N passed, M failed"; exit code 1 if M is not 0, 2 for a file that cannot be read. With --line it plays one scenario
+// in this process and prints the difference alone: so it starts itself for each, as a module and its rows live as long
+// as their process.
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -22,25 +25,41 @@ struct Totals {
     int failed = 0;
 };
 
-std::string Replay(const json& entry, const std::filesystem::path& module) {
-    if (entry.contains("record")) return CheckDecodeVector(entry);
-    return RunIsolated([&entry, &module]() -> std::string {
-        try {
-            return PlayScenario(entry, module);
-        } catch (const std::exception& error) {
-            return error.what();
-        }
-    });
-}
+// What a program that plays one scenario needs besides that.
+struct Command {
+    std::string program;
+    std::filesystem::path module = PageModule::DefaultPath();
+    int onlyLine = 0;  // 0: all
+    std::vector<std::string> files;
+};
 
-void ReplayLine(const std::string& line, const std::string& where, const std::filesystem::path& module,
-                Totals& totals) {
-    std::string name = where;
+// In the process of its own: prints the difference, an empty line when there is none.
+int PlayOnlyLine(const Command& command) {
+    std::ifstream input(command.files.front());
+    std::string text;
+    for (int line = 0; line < command.onlyLine; ++line) std::getline(input, text);
     std::string difference;
     try {
-        const json entry = json::parse(line);
-        name = where + " \"" + entry.at("name").get<std::string>() + "\"";
-        difference = Replay(entry, module);
+        difference = PlayScenario(json::parse(text), command.module);
+    } catch (const std::exception& error) {
+        difference = error.what();
+    }
+    std::cout << difference << std::endl;
+    return 0;
+}
+
+std::string Replay(const json& entry, const std::string& file, int line, const Command& command) {
+    if (entry.contains("record")) return CheckDecodeVector(entry);
+    return RunIsolated(command.program, {"--module", command.module.string(), "--line", std::to_string(line), file});
+}
+
+void ReplayLine(const std::string& text, const std::string& file, int line, const Command& command, Totals& totals) {
+    std::string name = file + ":" + std::to_string(line);
+    std::string difference;
+    try {
+        const json entry = json::parse(text);
+        name += " \"" + entry.at("name").get<std::string>() + "\"";
+        difference = Replay(entry, file, line, command);
     } catch (const std::exception& error) {
         difference = error.what();
     }
@@ -52,35 +71,51 @@ void ReplayLine(const std::string& line, const std::string& where, const std::fi
     std::cout << "FAILED " << name << ": " << difference << "\n";
 }
 
-bool ReplayFile(const std::string& file, const std::filesystem::path& module, Totals& totals) {
+bool ReplayFile(const std::string& file, const Command& command, Totals& totals) {
     std::ifstream input(file);
     if (!input) {
         std::cerr << "conformance_replay: " << file << ": cannot be read\n";
         return false;
     }
-    std::string line;
-    for (int number = 1; std::getline(input, line); ++number) {
-        if (!line.empty()) ReplayLine(line, file + ":" + std::to_string(number), module, totals);
+    std::string text;
+    for (int line = 1; std::getline(input, text); ++line) {
+        if (!text.empty()) ReplayLine(text, file, line, command, totals);
     }
     return true;
+}
+
+// Throws std::exception for a line that is none.
+Command ReadCommandLine(int argc, char** argv) {
+    Command command;
+    command.program = argv[0];
+    command.files.assign(argv + 1, argv + argc);
+    const auto take = [&command](const std::string& option) -> std::string {
+        std::vector<std::string>& files = command.files;
+        if (files.size() < 2 || files[0] != option) return {};
+        const std::string value = files[1];
+        files.erase(files.begin(), files.begin() + 2);
+        return value;
+    };
+    if (const std::string module = take("--module"); !module.empty()) command.module = module;
+    if (const std::string line = take("--line"); !line.empty()) command.onlyLine = std::stoi(line);
+    if (command.files.empty()) throw std::invalid_argument("no file is named");
+    return command;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::vector<std::string> arguments(argv + 1, argv + argc);
-    std::filesystem::path module = PageModule::DefaultPath();
-    if (arguments.size() >= 2 && arguments[0] == "--module") {
-        module = arguments[1];
-        arguments.erase(arguments.begin(), arguments.begin() + 2);
-    }
-    if (arguments.empty()) {
-        std::cerr << "usage: conformance_replay [--module PATH] FILE...\n";
+    Command command;
+    try {
+        command = ReadCommandLine(argc, argv);
+    } catch (const std::exception&) {
+        std::cerr << "usage: conformance_replay [--module PATH] [--line NUMBER] FILE...\n";
         return 2;
     }
+    if (command.onlyLine != 0) return PlayOnlyLine(command);
     Totals totals;
     bool readable = true;
-    for (const std::string& file : arguments) readable = ReplayFile(file, module, totals) && readable;
+    for (const std::string& file : command.files) readable = ReplayFile(file, command, totals) && readable;
     std::cout << totals.passed << " passed, " << totals.failed << " failed\n";
     if (!readable) return 2;
     return totals.failed == 0 ? 0 : 1;

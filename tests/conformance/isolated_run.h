@@ -1,8 +1,8 @@
 #pragma once
 
-#include <functional>
 #include <string>
+#include <vector>
 
-// Runs `work` in a process of its own and returns what it returned. A process that ends in another way gives a text that
-// says how.
-std::string RunIsolated(const std::function<std::string()>& work);
+// Runs `program` with these arguments in a process of its own and returns what it printed, without the last line's end.
+// A process that ends in another way than it should gives a text that says how. Its errors go where ours go.
+std::string RunIsolated(const std::string& program, const std::vector<std::string>& arguments);
