@@ -12,12 +12,17 @@ endfunction()
 # What the sanitizers' runtimes are told; others do not look. ThreadSanitizer does not see the locks of libraries that were not
 # built for it (Pango, GLib, Fontconfig), so it ignores what happens inside them.
 find_program(LLVM_SYMBOLIZER llvm-symbolizer HINTS /usr/lib/llvm-16/bin)  # names the functions in their reports
-set(SANITIZER_ENVIRONMENT
+set(TEST_ENVIRONMENT
   "ASAN_SYMBOLIZER_PATH=${LLVM_SYMBOLIZER}"
   "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1"
   "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leak_suppressions.txt:print_suppressions=0"
   "UBSAN_OPTIONS=print_stacktrace=1"
   "TSAN_OPTIONS=halt_on_error=1:ignore_noninstrumented_modules=1")
+
+# Programs find their libraries beside them, or where Wine is told to look.
+if(WIN32)
+  list(APPEND TEST_ENVIRONMENT "WINEPATH=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+endif()
 
 # The headers that tests share, compiled once ahead. Nobody measures tests, so they are compiled as fast as can be.
 # Their flags must agree with those of every test, so all have what some get from SDL2 and Cairo.
@@ -44,5 +49,5 @@ function(add_unit_test name)
   target_precompile_headers(${name} REUSE_FROM test_headers)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES
-    LABELS "unit;${ARG_LABELS}" TIMEOUT 300 ENVIRONMENT "${SANITIZER_ENVIRONMENT}")
+    LABELS "unit;${ARG_LABELS}" TIMEOUT 300 ENVIRONMENT "${TEST_ENVIRONMENT}")
 endfunction()

@@ -6,7 +6,8 @@ set(prefix x86_64-w64-mingw32)
 set(CMAKE_C_COMPILER ${prefix}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${prefix}-g++-posix)
 set(CMAKE_RC_COMPILER ${prefix}-windres)
-set(CMAKE_CROSSCOMPILING_EMULATOR wine)
+find_program(WINE wine64 wine HINTS /usr/lib/wine)  # Debian's wine complains of 32-bit programs that it cannot run
+set(CMAKE_CROSSCOMPILING_EMULATOR ${WINE})
 
 # What cmake/windows_libraries.sh made, and nothing of the building system.
 set(BRINDLE_WINDOWS_LIBRARIES "${CMAKE_CURRENT_LIST_DIR}/../build/windows-libraries")

@@ -5,6 +5,9 @@ run_packages="g++ cmake ninja-build pkg-config libpugixml-dev libpango1.0-dev li
   fonts-noto-cjk"
 test_packages="$run_packages dbus libxtst-dev xvfb clang-16 libclang-rt-16-dev llvm-16
   binutils ccache"
+windows_packages="g++ g++-mingw-w64-x86-64-posix cmake ninja-build dpkg-dev libasio-dev libspdlog-dev libfmt-dev
+  nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev librsvg2-bin fonts-noto-core fonts-noto-cjk wine wine64 xvfb
+  ccache"
 
 # install_packages NAME...: installs those that are missing; says what to install where it cannot.
 install_packages() {
@@ -32,13 +35,13 @@ install_packages() {
   $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing >/dev/null
 }
 
-# configure_preset NAME [OPTION...]: with ccache where there is one.
+# configure_preset NAME [OPTION...]: with ccache where there is one; it is told that headers compiled ahead are no obstacle.
 configure_preset() {
   preset=$1
   shift
   launcher=""
-  command -v ccache >/dev/null 2>&1 && launcher="-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"
-  cmake --preset "$preset" $launcher "$@" >"build/$preset.configure.log" 2>&1 || {
+  command -v ccache >/dev/null 2>&1 && launcher="-DCMAKE_CXX_COMPILER_LAUNCHER=env;CCACHE_SLOPPINESS=pch_defines,time_macros;ccache"
+  cmake --preset "$preset" ${launcher:+"$launcher"} "$@" >"build/$preset.configure.log" 2>&1 || {
     cat "build/$preset.configure.log" >&2
     exit 1
   }

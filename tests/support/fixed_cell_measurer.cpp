@@ -8,7 +8,7 @@ namespace {
 
 int Units(std::wstring_view text) {
     int units = 0;
-    for (const wchar_t c : text) units += static_cast<std::uint32_t>(c) > 0xFFFF ? 2 : 1;
+    for (const wchar_t c : text) units += (static_cast<std::uint32_t>(c) >> 16) != 0 ? 2 : 1;
     return units;
 }
 

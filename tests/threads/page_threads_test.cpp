@@ -23,6 +23,7 @@
 #include "kernel/ui_turn.h"
 #include "minimal_layouts.h"
 #include "module_loader/page_module.h"
+#include "own_folder.h"
 #include "qx_logger/qx_logger.h"
 
 namespace {
@@ -35,15 +36,11 @@ constexpr std::uint32_t kHeightPause = 100, kEndPause = 2000;  // [ms] what the 
 // A pipe folder of one test. Clients of an earlier test's rows, which live on, go on looking at theirs.
 class PipeFolder {
 public:
-    PipeFolder() {
-        char name[] = "/tmp/page_threads_XXXXXX";
-        m_folder = mkdtemp(name);
-        setenv("BRINDLE_PIPE_DIR", m_folder.c_str(), 1);
-    }
+    PipeFolder() { test_support::SetVariable("BRINDLE_PIPE_DIR", m_folder.string().c_str()); }
     ~PipeFolder() { std::filesystem::remove_all(m_folder); }
 
 private:
-    std::filesystem::path m_folder;
+    const std::filesystem::path m_folder = test_support::MakeOwnFolder("page_threads");
 };
 
 // An endpoint that keeps what it is sent: "MSG payload", ids in hex, zero bytes left out.

@@ -1,0 +1,30 @@
+# Sourced by test: a Windows system and a display of this build's own, in build/wine. Call start_wine before anything runs
+# under Wine, and stop_wine at the end.
+
+export WINEPREFIX="$PWD/build/wine" WINEARCH=win64 WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"  # no .NET, no browser, no menus
+wine_server=/usr/lib/wine/wineserver
+wine_display=""
+
+start_wine() {
+  [ -x "$wine_server" ] || wine_server=$(command -v wineserver)
+  mkdir -p "$WINEPREFIX"
+  mkfifo "$WINEPREFIX/display"
+  Xvfb -displayfd 3 -screen 0 1920x1200x24 -nolisten tcp -noreset 3>"$WINEPREFIX/display" 2>/dev/null &
+  wine_display=$!
+  read -r number <"$WINEPREFIX/display"
+  rm "$WINEPREFIX/display"
+  export DISPLAY=":$number"
+  unset WAYLAND_DISPLAY
+  "$wine_server" -p  # it stays, so that programs start quickly
+  if [ ! -f "$WINEPREFIX/ready" ]; then
+    wineboot --init >"$WINEPREFIX/boot.log" 2>&1 || { cat "$WINEPREFIX/boot.log" >&2; return 1; }
+    touch "$WINEPREFIX/ready"
+  fi
+}
+
+stop_wine() {
+  "$wine_server" -k || true
+  [ -z "$wine_display" ] || kill "$wine_display"
+  wine_display=""
+}
