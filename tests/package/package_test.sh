@@ -1,0 +1,70 @@
+#!/bin/sh
+# package_test.sh ZIP: unpacks the Windows package into an empty folder, plays its sample tour there under Wine, and expects
+# every package of the sample to arrive whole. Nothing outside that folder is found but the system. $WINE is the Wine to
+# use, $WINEPREFIX its Windows system; without one, a new one is made and removed.
+set -eu
+zip=$(realpath "${1:?no package was named}")
+wine=${WINE:-wine}
+unset WINEPATH
+export LC_ALL=C.UTF-8
+export WINEDEBUG="${WINEDEBUG:--all}" WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
+
+folder=$(mktemp -d)
+own_system=""
+finish() {
+  if [ -n "$own_system" ]; then
+    WINEPREFIX=$own_system wineserver -w 2>/dev/null || true
+  fi
+  rm -rf "$folder"
+}
+trap finish EXIT
+trap 'exit 130' INT TERM
+if [ -z "${WINEPREFIX:-}" ]; then
+  own_system=$folder/wine
+  export WINEPREFIX="$own_system"
+fi
+
+fail() {
+  echo "package_test: $1" >&2
+  exit 1
+}
+
+# A folder with a blank and letters that few code pages have.
+program=$folder/"Un pack 测试 é"
+mkdir "$program"
+cd "$program"
+cmake -E tar xf "$zip"
+for file in AccessoriesUpgrade.dll settings_host.exe update_service.exe pen_studio.exe sample/catalogue.json \
+  sample/installers/install.cmd components/brindle/res/layout/Tolvane.xml licences/gcc-runtime.txt licences/mingw-w64.txt \
+  licences/pugixml.txt; do
+  [ -s "$file" ] || fail "the package has no $file"
+done
+[ -z "$(find . -name '*.svg' -o -name '*.sh')" ] || fail "the package holds what Windows cannot use"
+
+"$wine" settings_host.exe --headless >"$folder/tour.txt" 2>&1 || {
+  cat "$folder/tour.txt" >&2
+  fail "the tour failed"
+}
+for package in sample/packages/*.pkg; do
+  grep -q "^arrived whole: $(basename "$package")" "$folder/tour.txt" || fail "$package did not arrive whole"
+done
+grep -q '^The tour is complete' "$folder/tour.txt" || fail "the tour is not complete"
+
+# Bad input: one line that names the file, and exit code 1.
+expect_error() {
+  expected=$1
+  shift
+  code=0
+  "$wine" "$@" >/dev/null 2>"$folder/error.txt" || code=$?
+  [ "$code" = 1 ] || fail "$*: exit code $code"
+  [ "$(wc -l <"$folder/error.txt")" = 1 ] || fail "$*: $(cat "$folder/error.txt")"
+  grep -q -F "$expected" "$folder/error.txt" || fail "$*: $(cat "$folder/error.txt")"
+}
+expect_error 'nowhere\é.dll: the module cannot be loaded: ' settings_host.exe --headless --quiet-log --no-sample \
+  --module 'nowhere\é.dll'
+expect_error 'readme.dll: the module cannot be loaded: ' settings_host.exe --headless --quiet-log --no-sample \
+  --module 'sample\catalogue.json\readme.dll'
+expect_error 'en-US.xml' settings_host.exe --headless --quiet-log --no-sample --language en-US --components 'nowhere 测试'
+expect_error '测试' settings_host.exe --headless --sample 'nowhere 测试'
+expect_error 'catalogue.json: cannot be opened: ' update_service.exe --catalogue '测试\catalogue.json' --work-dir work
+echo "The package works."
