@@ -51,8 +51,7 @@ TEST_F(Log, ABoolIsANumber) {
 TEST_F(Log, ALambdaIsNamedAfterItsFunction) {
     int unused = 0;
     panel.OnClick(unused);
-    EXPECT_EQ(Last().line,
-              L"[AccessoryLog]update retry0(DuiLib::LoggingPanel::OnClick::<lambda>::operator ())");
+    EXPECT_EQ(Last().line, L"[AccessoryLog]update retry0(DuiLib::LoggingPanel::OnClick::<lambda>::operator ())");
 }
 
 TEST_F(Log, AFunctionHasTheSameNameWhateverItsCompilerWritesAroundIt) {
@@ -62,7 +61,8 @@ TEST_F(Log, AFunctionHasTheSameNameWhateverItsCompilerWritesAroundIt) {
     } cases[] = {
         {"void DuiLib::Panel::SetResume()", "DuiLib::Panel::SetResume"},
         {"void __cdecl DuiLib::Panel::SetResume(void)", "DuiLib::Panel::SetResume"},
-        {"class std::basic_string<char,struct std::char_traits<char> > *__cdecl DuiLib::Panel::Find(int (__cdecl *)(int))",
+        {"class std::basic_string<char,struct std::char_traits<char> > *__cdecl DuiLib::Panel::Find(int (__cdecl "
+         "*)(int))",
          "DuiLib::Panel::Find"},
         {"void __cdecl CreateSetting(class DuiLib::CPaintManagerUI *)", "CreateSetting"},
         {"DuiLib::Panel::OnClick(int&)::<lambda()>", "DuiLib::Panel::OnClick::<lambda>::operator ()"},
