@@ -30,8 +30,8 @@ set(CPACK_PACKAGE_FILE_NAME AccessoryUpdatePage-win64)
 set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR})
 set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
 set(CPACK_VERBATIM_VARIABLES ON)
-include(CPack)
 set(BRINDLE_WINDOWS_PACKAGE ${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.zip)
+include(CPack)  # changes the name
 add_custom_target(windows_package
   COMMAND ${CMAKE_CPACK_COMMAND} --config ${CMAKE_BINARY_DIR}/CPackConfig.cmake
   DEPENDS ${package_targets} page_resources

@@ -67,4 +67,22 @@ expect_error 'readme.dll: the module cannot be loaded: ' settings_host.exe --hea
 expect_error 'en-US.xml' settings_host.exe --headless --quiet-log --no-sample --language en-US --components 'nowhere 测试'
 expect_error '测试' settings_host.exe --headless --sample 'nowhere 测试'
 expect_error 'catalogue.json: cannot be opened: ' update_service.exe --catalogue '测试\catalogue.json' --work-dir work
+
+# A service that ends with its input, and another one on the same pipe.
+mkfifo "$folder/input"
+"$wine" update_service.exe --catalogue sample/catalogue.json --work-dir work --end-with-input \
+  <"$folder/input" 2>"$folder/service.txt" &
+service=$!
+exec 3>"$folder/input"
+tries=0
+until grep -q 'ready' "$folder/service.txt"; do
+  tries=$((tries + 1))
+  [ $tries -lt 300 ] || fail "the service does not serve: $(cat "$folder/service.txt")"
+  sleep 0.1
+done
+expect_error 'iKorvelAssistant: the name is taken by another broker' update_service.exe --catalogue sample/catalogue.json \
+  --work-dir other
+exec 3>&-
+wait "$service" || fail "the service did not end well: $(cat "$folder/service.txt")"
+grep -q 'stops: end of input' "$folder/service.txt" || fail "the service ended: $(cat "$folder/service.txt")"
 echo "The package works."
