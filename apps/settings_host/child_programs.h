@@ -14,8 +14,8 @@ class ChildPrograms {
 public:
     ~ChildPrograms();
 
-    // Returns once the program runs. Its output goes to a new file, or else nowhere, but its errors where the host's go.
-    // Throws std::runtime_error, naming the program and the reason.
+    // Returns once the program runs. Its output goes to a new file, or else nowhere, but its errors where the host's
+    // go. Throws std::runtime_error, naming the program and the reason.
     void Start(const std::string& program, const std::vector<std::string>& arguments = {},
                const std::filesystem::path& output = {});
 

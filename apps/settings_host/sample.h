@@ -22,10 +22,12 @@ public:
     // that the sample lacks and the reason.
     explicit Sample(CommandLine& commandLine);
 
-    // Returns once the service serves, and says where the logs are unless the tour is played. Throws std::runtime_error with what the service says instead.
+    // Returns once the service serves, and says where the logs are unless the tour is played. Throws std::runtime_error
+    // with what the service says instead.
     void StartService();
 
-    // Says which packages have arrived whole, and that the tour is complete. Throws std::runtime_error when one has not, or an update is left.
+    // Says which packages have arrived whole, and that the tour is complete. Throws std::runtime_error when one has
+    // not, or an update is left.
     void CheckTour(bool nothingIsLeft) const;
 
     // Stops the service. What went well leaves nothing behind, nor does what never began; else the work folder stays

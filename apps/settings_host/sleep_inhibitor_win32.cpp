@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "sleep_inhibitor.h"
 #include "app_system/reason_win32.h"
+#include "sleep_inhibitor.h"
 
 namespace settings_host {
 

@@ -6,9 +6,9 @@
 #include <mutex>
 #include <optional>
 
-#include "installer.h"
 #include "app_system/command_line_win32.h"
 #include "app_system/reason_win32.h"
+#include "installer.h"
 
 namespace update_service {
 namespace {

@@ -3,15 +3,15 @@
 
 #include <thread>
 
-#include "installer.h"
 #include "app_system/command_line_win32.h"
+#include "installer.h"
 #include "test_folder.h"
 
 namespace update_service {
 namespace {
 
-using std::chrono::milliseconds;
 using app_system::CommandLineOf;
+using std::chrono::milliseconds;
 
 class Installer : public testing::Test {
 protected:

@@ -60,7 +60,8 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
 void CheckFailKeys(const CommandLine& commandLine, const Catalogue& catalogue) {
     for (const auto& [key, percent] : commandLine.failAt) {
         if (Find(catalogue, key)) continue;
-        throw std::runtime_error("--fail: " + app_system::Utf8(commandLine.catalogue) + " has no accessory \"" + key + "\"");
+        throw std::runtime_error("--fail: " + app_system::Utf8(commandLine.catalogue) + " has no accessory \"" + key +
+                                 "\"");
     }
 }
 
