@@ -4,9 +4,11 @@
 export WINEPREFIX="$PWD/build/wine" WINEARCH=win64 WINEDEBUG=-all
 export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"  # no .NET, no browser, no menus
 wine_server=/usr/lib/wine/wineserver
+wine=/usr/lib/wine/wine64  # Debian's command wine complains of 32-bit programs that it cannot run
 wine_display=""
 
 start_wine() {
+  [ -x "$wine" ] || wine=$(command -v wine)
   [ -x "$wine_server" ] || wine_server=$(command -v wineserver)
   mkdir -p "$WINEPREFIX"
   mkfifo "$WINEPREFIX/display"
@@ -19,8 +21,12 @@ start_wine() {
   "$wine_server" -p  # it stays, so that programs start quickly
   if [ ! -f "$WINEPREFIX/ready" ]; then
     wineboot --init >"$WINEPREFIX/boot.log" 2>&1 || { cat "$WINEPREFIX/boot.log" >&2; return 1; }
+    # A crash ends a program at once: nobody is there to debug it.
+    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /d none /f >/dev/null
     touch "$WINEPREFIX/ready"
   fi
+  # Its services and its desktop start with the first program, and keep that one's output open: so here.
+  "$wine" winecfg -v win10 >"$WINEPREFIX/boot.log" 2>&1
 }
 
 stop_wine() {
