@@ -118,7 +118,6 @@ Sample::Sample(CommandLine& commandLine)
     commandLine.script = m_folder / "tour.script";
     commandLine.language = "en-US";  // the tour compares texts
     fill(commandLine.pictures, m_work / "pictures");
-    fs::create_directories(commandLine.pictures);
 }
 
 void Sample::StartService() {

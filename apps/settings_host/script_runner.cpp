@@ -84,6 +84,8 @@ void ScriptRunner::Do(const script::Where& where) {
 void ScriptRunner::Do(const script::Picture& picture) {
     m_around.idle();
     const std::filesystem::path file = m_around.pictures / app_system::PathOf(picture.file);
+    std::error_code error;  // what cannot be made shows when the picture is saved
+    std::filesystem::create_directories(m_around.pictures, error);
     m_window.SavePicture(file);
     Say("picture: " + app_system::Utf8(file));
 }
