@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "duilib/resource_manager.h"
 #include "gdiplus_session.h"
 
@@ -10,8 +12,9 @@ struct SystemFont {
     int lineHeight;  // [device px] rounded up
 };
 
-// The font in its size at a display scale [percent]; where the system has no such family, the family of its own texts.
-// Kept until the process ends. UI turn.
-const SystemFont& FindFont(const FontDescription& font, unsigned scale);
+// The font in its size at a display scale [percent] for this text: of the wanted family; where the system has no such
+// family, of that of its own texts; where that lacks letters of the text, of the first well-known family that has them
+// all. Kept until the process ends. UI turn.
+const SystemFont& FindFont(const FontDescription& font, unsigned scale, std::wstring_view text);
 
 }  // namespace DuiLib

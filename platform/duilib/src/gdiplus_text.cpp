@@ -128,7 +128,7 @@ CDuiSize TextLines::Size() const {
 }
 
 TextLines SetText(const TextSetting& setting) {
-    const SystemFont& font = FindFont(setting.font, setting.scale);
+    const SystemFont& font = FindFont(setting.font, setting.scale, setting.text);
     TextLines lines{{}, font.font, font.lineHeight, UICulture::GetInstance()->IsRightToLeft()};
     const std::wstring clean = Cleaned(setting.text);
     std::wstring_view rest = clean;

@@ -1,5 +1,6 @@
 #include "gdiplus_text.h"
 
+#include "font_coverage_win32.h"
 #include "gdiplus_fonts.h"
 #include "test_support.h"
 
@@ -44,10 +45,34 @@ TEST(GdiplusText, ATextThatIsCutEndsInAnEllipsisWithinTheWidth) {
 }
 
 TEST(GdiplusText, AFamilyThatIsMissingIsReplaced) {
-    const SystemFont& font = FindFont({"No Such Family", 14, false}, 100);
+    const SystemFont& font = FindFont({"No Such Family", 14, false}, 100, L"text");
     EXPECT_TRUE(font.font->IsAvailable());
     EXPECT_GT(font.lineHeight, 10);
     EXPECT_GT(SetText({L"text", {"No Such Family", 14, false}, 100}).Size().cx, 10);
+}
+
+std::wstring FamilyFor(std::wstring_view text) {
+    Gdiplus::FontFamily family;
+    FindFont(kFont, 100, text).font->GetFamily(&family);
+    wchar_t name[LF_FACESIZE] = {};
+    family.GetFamilyName(name);
+    return name;
+}
+
+TEST(GdiplusText, LettersThatTheFamilyLacksAreSetInOneThatHasThem) {
+    for (const wchar_t* const text : {L"\u66f4\u65b0 2.4", L"\u30a2\u30c3\u30d7", L"\u062a\u062d\u062f\u064a\u062b"}) {
+        EXPECT_TRUE(HasLetters(FamilyFor(text), text)) << testing::PrintToString(text);
+    }
+    EXPECT_EQ(FamilyFor(L"Update\u2026"), FamilyFor(L"text"));
+}
+
+TEST(GdiplusText, ALetterThatNoFamilyHasIsLeftToTheWantedOne) {
+    EXPECT_EQ(FamilyFor(L"\uE0FF\uE1FE"), FamilyFor(L"text"));
+}
+
+TEST(FontCoverage, BlanksAndMarksNeedNoLetters) {
+    EXPECT_TRUE(HasLetters(FamilyFor(L"text"), L" \t\u200E\u200F\u202B\uFEFF"));
+    EXPECT_TRUE(HasLetters(FamilyFor(L"text"), L""));
 }
 
 }  // namespace
