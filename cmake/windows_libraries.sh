@@ -1,13 +1,18 @@
 #!/bin/sh
 # Makes build/windows-libraries: the third-party libraries of the Windows build. pugixml and GoogleTest are compiled from
 # Debian's own sources, the others are headers alone and taken from Debian's packages. Does nothing when it is there
-# already; a change of this file makes it anew.
+# already; a change of this file or of those packages makes it anew.
 set -eu
 cd "$(dirname "$0")/.."
 
 pugixml_version=1.13-0.2
+googletest_version=1.12.1-0.2
+header_packages="libasio-dev libspdlog-dev libfmt-dev nlohmann-json3-dev libcli11-dev"
 target=$PWD/build/windows-libraries
-stamp=$(sha256sum cmake/windows_libraries.sh cmake/mingw.cmake cmake/windows/*.cmake | sha256sum)
+stamp=$({
+  sha256sum cmake/windows_libraries.sh cmake/mingw.cmake cmake/windows/*.cmake
+  dpkg-query -W $header_packages
+} | sha256sum)
 [ "$(cat "$target/stamp" 2>/dev/null)" = "$stamp" ] && exit 0
 rm -rf "$target"
 mkdir -p "$target/include" "$target/lib/cmake" "$target/source"
@@ -42,7 +47,9 @@ echo "Making the libraries of the Windows build"
 fetch_source "pugixml=$pugixml_version"
 tar -C "$target/source" -xf "$target/source/pugixml_${pugixml_version%-*}.orig.tar.gz"
 build "$(echo "$target"/source/pugixml-*)" -DBUILD_SHARED_LIBS=OFF
-build /usr/src/googletest -DBUILD_SHARED_LIBS=OFF
+fetch_source "googletest=$googletest_version"
+tar -C "$target/source" -xf "$target/source/googletest_${googletest_version%-*}.orig.tar.gz"
+build "$(echo "$target"/source/googletest-*)" -DBUILD_SHARED_LIBS=OFF
 
 for headers in asio asio.hpp spdlog fmt nlohmann CLI; do
   cp -r "/usr/include/$headers" "$target/include/"

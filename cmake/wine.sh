@@ -11,6 +11,7 @@ start_wine() {
   [ -x "$wine" ] || wine=$(command -v wine)
   [ -x "$wine_server" ] || wine_server=$(command -v wineserver)
   mkdir -p "$WINEPREFIX"
+  rm -f "$WINEPREFIX/display"
   mkfifo "$WINEPREFIX/display"
   Xvfb -displayfd 3 -screen 0 1920x1200x24 -nolisten tcp -noreset 3>"$WINEPREFIX/display" 2>/dev/null &
   wine_display=$!

@@ -30,12 +30,14 @@ std::filesystem::path FileOf(const std::string& program) {
     return file;
 }
 
-// Ends with this process, however that ends, what was put into it. Never closed by hand.
+// Ends with this process, however that ends, what was put into it; not what that starts in its turn: an installer that
+// a service began runs on. Never closed by hand.
 HANDLE Job() {
     static const HANDLE job = [] {
         const HANDLE made = CreateJobObjectW(nullptr, nullptr);
         JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
-        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+        limits.BasicLimitInformation.LimitFlags =
+            JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE | JOB_OBJECT_LIMIT_SILENT_BREAKAWAY_OK;
         SetInformationJobObject(made, JobObjectExtendedLimitInformation, &limits, sizeof limits);
         return made;
     }();

@@ -21,8 +21,8 @@ std::wstring Wide(const std::string& utf8) {
 
 }  // namespace
 
-// A power request: the system keeps its reason beside it for whoever asks what keeps the computer awake. A shutdown is
-// held up by the window, which answers that question when it comes.
+// A power request: the system keeps its reason beside it for whoever asks what keeps the computer awake. A shutdown
+// is not held up.
 class SleepInhibitor::Inhibition {
 public:
     explicit Inhibition(const std::string& reason) {

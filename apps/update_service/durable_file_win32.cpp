@@ -5,15 +5,30 @@
 #include <system_error>
 
 #include "app_system/path_text.h"
+#include "app_system/reason_win32.h"
 #include "durable_file.h"
 
 namespace update_service {
 namespace {
 
+// The system's texts in UTF-8, which std::system_category does not give.
+class SystemErrors final : public std::error_category {
+public:
+    const char* name() const noexcept override { return "system"; }
+    std::string message(int error) const override { return app_system::Reason(static_cast<unsigned long>(error)); }
+    std::error_condition default_error_condition(int error) const noexcept override {
+        return std::system_category().default_error_condition(error);
+    }
+};
+
 [[noreturn]] void FailWith(const std::filesystem::path& path) {
-    const int error = static_cast<int>(GetLastError());
-    throw std::system_error(error, std::system_category(), app_system::Utf8(path));
+    static const SystemErrors category;
+    throw std::system_error(static_cast<int>(GetLastError()), category, app_system::Utf8(path));
 }
+
+// A virus scanner may hold a file for a moment that was closed just now.
+constexpr int kTries = 40;
+constexpr DWORD kBetweenTries = 50;  // [ms]
 
 HANDLE HandleOf(std::intptr_t file) { return reinterpret_cast<HANDLE>(file); }
 
@@ -64,7 +79,13 @@ void AppendFile::Sync() {
 void AppendFile::Fail() const { FailWith(m_path); }
 
 void RenameDurably(const std::filesystem::path& from, const std::filesystem::path& to) {
-    if (!MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) FailWith(to);
+    constexpr DWORD kReplace = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    for (int tries = 0; !MoveFileExW(from.c_str(), to.c_str(), kReplace); ++tries) {
+        const DWORD error = GetLastError();
+        const bool isHeld = error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+        if (!isHeld || tries == kTries) FailWith(to);
+        Sleep(kBetweenTries);
+    }
 }
 
 void ReplaceFile(const std::filesystem::path& path, const std::string& content) {

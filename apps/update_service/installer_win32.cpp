@@ -1,9 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 #include "app_system/command_line_win32.h"
@@ -100,21 +98,16 @@ OwnedHandle Start(const InstallerCall& call) {
     return process;
 }
 
-// Looks for the child's end, seldom when it takes long. Nothing when it is abandoned.
+// Waits for the child's end and looks for a stop meanwhile. Nothing when it is abandoned.
 std::optional<DWORD> WaitFor(HANDLE process, const std::stop_token& stop, std::chrono::milliseconds grace) {
-    std::mutex mutex;
-    std::condition_variable_any wake;
-    std::unique_lock lock(mutex);
-    std::chrono::milliseconds pause(1);
+    constexpr DWORD kLookAgain = 20;  // [ms] how late a stop may be seen
     std::optional<Clock::time_point> deadline;
     for (;;) {
         DWORD code = 0;
-        if (WaitForSingleObject(process, 0) == WAIT_OBJECT_0 && GetExitCodeProcess(process, &code)) return code;
+        if (WaitForSingleObject(process, kLookAgain) == WAIT_OBJECT_0 && GetExitCodeProcess(process, &code))
+            return code;
         if (stop.stop_requested() && !deadline) deadline = Clock::now() + grace;
         if (deadline && Clock::now() >= *deadline) return std::nullopt;
-        // Once the stop has been noticed, its token would end every further wait at once.
-        wake.wait_for(lock, deadline ? std::stop_token() : stop, pause, [] { return false; });
-        pause = std::min(pause * 2, std::chrono::milliseconds(20));
     }
 }
 

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 #include <stop_token>
 
 namespace update_service {
@@ -13,15 +11,13 @@ class Pacer {
 public:
     explicit Pacer(std::uint64_t bytesPerSecond);  // 0: no limit
 
-    // Call after each chunk. Returns false, at once, when `stop` is requested.
+    // Call after each chunk. Returns false, within a few milliseconds, when `stop` is requested.
     bool Passed(std::uint64_t bytes, const std::stop_token& stop);
 
 private:
     const std::uint64_t m_bytesPerSecond;
     const std::chrono::steady_clock::time_point m_begin;
     std::uint64_t m_bytes = 0;
-    std::mutex m_mutex;
-    std::condition_variable_any m_wake;
 };
 
 }  // namespace update_service

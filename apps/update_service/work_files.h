@@ -6,7 +6,8 @@
 namespace update_service {
 
 // The file name that stands for a device key: letters, digits and "-_" stay, a point too unless it comes first, and
-// every other byte becomes "%" and two hexadecimal digits. Different keys have different names.
+// every other byte becomes "%" and two hexadecimal digits; on Windows also capitals and the first letter of a device's
+// name, such as "nul". Different keys have different names.
 std::string SafeFileName(const std::string& deviceKey);
 
 inline constexpr std::size_t kMaxSafeFileName = 200;  // [bytes] what file systems take, with room for a suffix

@@ -1,5 +1,6 @@
 #include "work_files.h"
 
+#include <iterator>
 #include <set>
 
 #include "test_folder.h"
@@ -13,12 +14,12 @@ TEST(WorkFiles, KeysBecomeSafeFileNames) {
         const char* expected;
     };
     const Case cases[] = {
-        {"pen-01_B.2", "pen-01_B.2"},
+        {"pen-01_b.2", "pen-01_b.2"},
         {"../../etc/passwd", "%2E.%2F..%2Fetc%2Fpasswd"},
         {"..", "%2E."},
         {"a b", "a%20b"},
         {"a%20b", "a%2520b"},
-        {"C:\\x", "C%3A%5Cx"},
+        {"c:\\x", "c%3A%5Cx"},
         {"\xC3\xA9", "%C3%A9"},
     };
     for (const Case& c : cases) EXPECT_EQ(SafeFileName(c.key), c.expected);
@@ -28,6 +29,15 @@ TEST(WorkFiles, EveryByteHasANameOfItsOwn) {
     std::set<std::string> names;
     for (int byte = 0; byte < 256; ++byte) names.insert(SafeFileName({'k', static_cast<char>(byte)}));
     EXPECT_EQ(names.size(), 256u);
+}
+
+// On disk, where a system may take "Pen" and "pen" for one file, and "nul" for none.
+TEST(WorkFiles, KeysThatDifferHaveFilesThatDo) {
+    const TestFolder folder;
+    const std::string keys[] = {"pen", "Pen", "PEN", "nul", "con.1", "com1", "lpt9"};
+    for (const std::string& key : keys) WriteFile(WorkFilesOf(folder.Path(), key).part, key);
+    for (const std::string& key : keys) EXPECT_EQ(ReadFile(WorkFilesOf(folder.Path(), key).part), key);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), std::ssize(keys));
 }
 
 TEST(WorkFiles, RemovesWhatIsThere) {

@@ -64,7 +64,7 @@ expect_error 'nowhere\é.dll: the module cannot be loaded: ' settings_host.exe -
   --module 'nowhere\é.dll'
 expect_error 'readme.dll: the module cannot be loaded: ' settings_host.exe --headless --quiet-log --no-sample \
   --module 'sample\catalogue.json\readme.dll'
-expect_error 'en-US.xml' settings_host.exe --headless --quiet-log --no-sample --language en-US --components 'nowhere 测试'
+expect_error 'en-US.xml:1: the file cannot be read: ' settings_host.exe --headless --quiet-log --no-sample --language en-US --components 'nowhere 测试'
 expect_error '测试' settings_host.exe --headless --sample 'nowhere 测试'
 expect_error 'catalogue.json: cannot be opened: ' update_service.exe --catalogue '测试\catalogue.json' --work-dir work
 

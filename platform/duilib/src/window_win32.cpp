@@ -364,10 +364,10 @@ CWindowWnd::CWindowWnd(CPaintManagerUI& manager, const WindowOptions& options)
     state.FollowDisplay();
     state.TakeFirstPlace();
     state.FollowSize();
-    manager.SetWakeUp([this] { WakeUp(); });
     manager.InvalidateAll();
     ::ShowWindow(state.handle, SW_SHOWNORMAL);
     state.RethrowFailure();
+    manager.SetWakeUp([this] { WakeUp(); });
 }
 
 CWindowWnd::~CWindowWnd() {

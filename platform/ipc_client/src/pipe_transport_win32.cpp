@@ -93,6 +93,8 @@ PipeSocket ConnectPipe(asio::io_context& io, const fs::path& path) {
     return socket;
 }
 
+constexpr DWORD kHelloPatience = 5000;  // [ms] with a side that has no room for it and does not read
+
 // The low bit of the event keeps the write's end away from Asio, which did not begin it.
 bool WriteHello(PipeSocket& socket, std::string_view bytes) {
     const OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
@@ -105,6 +107,7 @@ bool WriteHello(PipeSocket& socket, std::string_view bytes) {
         GetLastError() != ERROR_IO_PENDING) {
         return false;
     }
+    if (WaitForSingleObject(event.get(), kHelloPatience) != WAIT_OBJECT_0) CancelIoEx(pipe, &operation);
     return GetOverlappedResult(pipe, &operation, &written, TRUE) && written == bytes.size();
 }
 

@@ -11,8 +11,8 @@
 
 namespace {
 
-// The system's consoles have a code page of their own, which this process shares with others and leaves alone: text
-// goes there as wide characters.
+// The system's consoles have a code page of their own, which is the program's business: text goes there as wide
+// characters.
 class ConsoleSink final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
 protected:
     void sink_it_(const spdlog::details::log_msg& message) override {
