@@ -1,20 +1,17 @@
 // The built program in a process of its own, over a real pipe.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <algorithm>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "app_system/path_text.h"
+#include "service_process.h"
 #include "sha256.h"
 #include "test_folder.h"
 #include "test_pipe.h"
-
-extern char** environ;
 
 namespace update_service {
 namespace {
@@ -22,14 +19,19 @@ namespace {
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
+#if defined(_WIN32)
+constexpr const char* kCopy = "copy \"%ACCESSORY_PACKAGE%\" \"%ACCESSORY_KEY%.installed\"";
+#else
+constexpr const char* kCopy = "cp \"$1\" \"$ACCESSORY_KEY.installed\"";
+#endif
 constexpr std::size_t kSize = 500 * 1000;  // [bytes] of a package
 
-class ServiceProcess : public testing::Test {
+class ServiceProcessTest : public testing::Test {
 protected:
     // A service that still runs ends cleanly, which says also that no sanitizer has found anything in it.
-    ~ServiceProcess() override {
-        if (m_process <= 0) return;
-        kill(m_process, SIGTERM);
+    ~ServiceProcessTest() override {
+        if (!m_process) return;
+        m_process->AskToEnd();
         EXPECT_EQ(Wait(), 0) << Errors();
     }
 
@@ -42,35 +44,22 @@ protected:
                              {"driver", true},
                              {"package", key + ".source"},
                              {"sha256", *Sha256OfFile(m_folder / (key + ".source"))},
-                             {"installer", "cp \"$1\" \"$ACCESSORY_KEY.installed\""}});
+                             {"installer", kCopy}});
         WriteFile(m_folder / "catalogue.json", Json{{"accessories", m_entries}}.dump());
     }
 
     // Starts the program; its standard error goes to the file "stderr".
     void Start(std::vector<std::string> options = {}) {
-        options.insert(options.begin(), {UPDATE_SERVICE_PROGRAM, "--catalogue", (m_folder / "catalogue.json").string(),
-                                         "--work-dir", (m_folder / "work").string()});
-        std::vector<char*> arguments;
-        for (std::string& option : options) arguments.push_back(option.data());
-        arguments.push_back(nullptr);
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, 2, (m_folder / "stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                         0644);
-        ASSERT_EQ(posix_spawn(&m_process, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
-        posix_spawn_file_actions_destroy(&actions);
+        options.insert(options.begin(), {"--catalogue", app_system::Utf8(m_folder / "catalogue.json"), "--work-dir",
+                                         app_system::Utf8(m_folder / "work")});
+        m_process = std::make_unique<ServiceProcess>(std::move(options), m_folder / "stderr");
     }
 
-    // Waits for the process's end and returns its exit status, or minus the signal that ended it.
+    // Waits for the process's end and returns its exit status.
     int Wait() {
-        int status = 0;
-        waitpid(m_process, &status, 0);
-        m_process = 0;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    }
-    int Kill() {
-        kill(m_process, SIGKILL);
-        return Wait();
+        const int status = m_process->Wait();
+        m_process.reset();
+        return status;
     }
 
     std::string Errors() const { return ReadFile(m_folder / "stderr"); }
@@ -128,10 +117,10 @@ protected:
     TestPipe m_pipe;
     PipePage m_page;
     Json m_entries = Json::array();
-    pid_t m_process = 0;
+    std::unique_ptr<ServiceProcess> m_process;
 };
 
-TEST_F(ServiceProcess, APageThatWasThereFirstGetsItsListAndItsUpdate) {
+TEST_F(ServiceProcessTest, APageThatWasThereFirstGetsItsListAndItsUpdate) {
     AddAccessory("pen");
     AddAccessory("dock");
     m_page.Ready();
@@ -143,12 +132,13 @@ TEST_F(ServiceProcess, APageThatWasThereFirstGetsItsListAndItsUpdate) {
     EXPECT_TRUE(IsInstalled("pen"));
 }
 
-TEST_F(ServiceProcess, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAgain) {
+TEST_F(ServiceProcessTest, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAgain) {
     AddAccessory("pen");
     Start({"--rate", "200000"});
     m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
     ASSERT_TRUE(WaitForPercent("pen", 10));
-    EXPECT_EQ(Kill(), -SIGKILL);
+    m_process->Kill();
+    m_process.reset();
     const auto part = std::filesystem::file_size(m_folder / "work" / "pen.part");
     EXPECT_GE(part, kSize / 10);
     EXPECT_LT(part, kSize);
@@ -162,29 +152,30 @@ TEST_F(ServiceProcess, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAgain) 
     EXPECT_THAT(Errors(), HasSubstr("pen: goes on: it was downloading"));
 }
 
-TEST_F(ServiceProcess, SignalsThatAskForItStopItCleanly) {
+TEST_F(ServiceProcessTest, EndsCleanlyHoweverItIsAskedTo) {
     AddAccessory("pen");
-    for (const int number : {SIGTERM, SIGINT}) {
+    const std::vector<std::string> ways = ServiceProcess::WaysToEnd();
+    for (std::size_t way = 0; way < ways.size(); ++way) {
         Start({"--rate", "100000"});
         m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
         ASSERT_TRUE(WaitForError("ready"));
         ASSERT_TRUE(WaitForPercent("pen", 1));
-        kill(m_process, number);
+        m_process->AskToEnd(way);
         EXPECT_EQ(Wait(), 0);
         EXPECT_GT(std::filesystem::file_size(m_folder / "work" / "pen.part"), 0u);
-        EXPECT_THAT(Errors(), HasSubstr(number == SIGTERM ? "stops: SIGTERM" : "stops: SIGINT"));
+        EXPECT_THAT(Errors(), HasSubstr(ways[way]));
     }
 }
 
-TEST_F(ServiceProcess, SaysWhenItIsReadyOnTheConsoleAndInTheLogFile) {
+TEST_F(ServiceProcessTest, SaysWhenItIsReadyOnTheConsoleAndInTheLogFile) {
     AddAccessory("pen");
     Start({"--log-file", (m_folder / "service.log").string()});
-    const std::string ready = "[4] [UpdateService]ready \\\\.\\Pipe\\iKorvelAssistant\n";
+    const std::string ready = "[4] [UpdateService]ready \\\\.\\Pipe\\iKorvelAssistant";
     EXPECT_TRUE(WaitForText("stderr", ready));
     EXPECT_TRUE(WaitForText("service.log", ready));
 }
 
-TEST_F(ServiceProcess, ADownloadThatIsToFailDoesSoOnce) {
+TEST_F(ServiceProcessTest, ADownloadThatIsToFailDoesSoOnce) {
     AddAccessory("pen");
     Start({"--fail", "pen:30"});
     m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
@@ -195,7 +186,7 @@ TEST_F(ServiceProcess, ADownloadThatIsToFailDoesSoOnce) {
     EXPECT_TRUE(IsInstalled("pen"));
 }
 
-TEST_F(ServiceProcess, ErrorsAtItsStartAreToldAndGiveExitCodeOne) {
+TEST_F(ServiceProcessTest, ErrorsAtItsStartAreToldAndGiveExitCodeOne) {
     AddAccessory("pen");
     Start({"--fail", "pencil:30"});
     EXPECT_EQ(Wait(), 1);
@@ -207,14 +198,14 @@ TEST_F(ServiceProcess, ErrorsAtItsStartAreToldAndGiveExitCodeOne) {
     EXPECT_THAT(Errors(), HasSubstr("catalogue.json: accessories[0].deviceKey: must be a text"));
 }
 
-TEST_F(ServiceProcess, ASecondOneOnThePipeEndsAndLeavesTheFirstAlone) {
+TEST_F(ServiceProcessTest, ASecondOneOnThePipeEndsAndLeavesTheFirstAlone) {
     AddAccessory("pen");
     Start();
     ASSERT_TRUE(WaitForError("ready"));
-    const pid_t first = m_process;
+    auto first = std::move(m_process);
     Start();
     EXPECT_EQ(Wait(), 1);
-    m_process = first;
+    m_process = std::move(first);
     m_page.Ready();
     EXPECT_THAT(ListedKeys(), testing::ElementsAre("pen"));
 }
