@@ -164,7 +164,11 @@ void DecodeList(benchmark::State& state) {
     state.counters["ns_a_record"] = best / records * 1e9;
     state.SetComplexityN(records);
 }
-BENCHMARK(DecodeList)->RangeMultiplier(10)->Range(10, 100000)->UseManualTime()->Unit(benchmark::kMicrosecond)
+BENCHMARK(DecodeList)
+    ->RangeMultiplier(10)
+    ->Range(10, 100000)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond)
     ->Complexity(benchmark::oN);
 
 bool WithinBounds() {

@@ -1,6 +1,7 @@
 // Building a page without the page's own pauses, and discarding it: time and memory a row, from 200 to 2,000 rows.
-// Ends with exit code 1 when a row takes more than 15 KB, when building a row of 2,000 takes more than 1.5 times as long
-// as one of 200, or discarding it more than 5 times (ten times would be quadratic; most of it is the caches' doing).
+// Ends with exit code 1 when a row takes more than 15 KB, when building a row of 2,000 takes more than 1.5 times as
+// long as one of 200, or discarding it more than 5 times (ten times would be quadratic; most of it is the caches'
+// doing).
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 
@@ -51,8 +52,15 @@ void BuildPage(benchmark::State& state) {
     state.counters["bytes_a_row"] = bytesARow;
     state.SetComplexityN(rows);
 }
-BENCHMARK(BuildPage)->Arg(200)->Arg(500)->Arg(1000)->Arg(2000)->UseManualTime()->Iterations(5)->Unit(
-    benchmark::kMillisecond)->Complexity();
+BENCHMARK(BuildPage)
+    ->Arg(200)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->UseManualTime()
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity();
 
 bool WithinBounds() {
     if (!secondsARow.contains(200) || !secondsARow.contains(2000)) return true;

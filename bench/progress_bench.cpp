@@ -1,6 +1,6 @@
-// A progress message from the service's post to the panel's changed control, through a broker in another process, against
-// a bare relay of two Unix socket hops in the same run. Ends with exit code 1 when the median is 2.5 times the relay's or
-// more.
+// A progress message from the service's post to the panel's changed control, through a broker in another process,
+// against a bare relay of two Unix socket hops in the same run. Ends with exit code 1 when the median is 2.5 times the
+// relay's or more.
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -19,8 +19,8 @@ namespace {
 
 using namespace bench;
 
-constexpr int kReceiver = 0x270001;                       // beside the window's own endpoint, whose way this goes
-constexpr const char* kDeviceKey = "device-0-of-one";     // 15 characters
+constexpr int kReceiver = 0x270001;                    // beside the window's own endpoint, whose way this goes
+constexpr const char* kDeviceKey = "device-0-of-one";  // 15 characters
 
 // The page's way of a progress message: typed receiver, list window, panel, controls.
 class ProgressWay {
@@ -49,9 +49,7 @@ public:
         return Microseconds(m_arrival.Wait() - begin).count();
     }
 
-    std::wstring Shown() {
-        return m_page.Manager().FindControl(L"device-0-of-oneprogress")->GetText().Str();
-    }
+    std::wstring Shown() { return m_page.Manager().FindControl(L"device-0-of-oneprogress")->GetText().Str(); }
 
 private:
     void OnProgress(PkgDownloadProcess& record) {

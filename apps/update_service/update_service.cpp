@@ -126,8 +126,8 @@ void UpdateService::Launch(Device& device) {
 // What an earlier download has left, for the log.
 std::string UpdateService::FromWhere(const Device& device) const {
     std::error_code missing;
-    const auto size = std::filesystem::file_size(
-        WorkFilesOf(m_options.workFolder, device.accessory->deviceKey).part, missing);
+    const auto size =
+        std::filesystem::file_size(WorkFilesOf(m_options.workFolder, device.accessory->deviceKey).part, missing);
     return missing ? "" : ", goes on from byte " + std::to_string(size);
 }
 

@@ -1,5 +1,5 @@
-// The smallest host: a window model with the accessory page in it. It prints the page's height messages, leaves the page
-// after ten seconds, and needs a running update service.
+// The smallest host: a window model with the accessory page in it. It prints the page's height messages, leaves the
+// page after ten seconds, and needs a running update service.
 //
 //     minimal_host PATH/libAccessoriesUpgrade.so PATH/components/brindle/res/language/en-US.xml
 #include <exception>

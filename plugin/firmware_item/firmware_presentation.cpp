@@ -18,12 +18,12 @@ namespace DuiLib {
 
 namespace {
 
-constexpr int kMinLabelWidth = 72;    // [design px]
-constexpr int kLabelPadding = 16;     // [design px] both sides together
-constexpr int kMaxButtonWidth = 172;  // [design px]
-constexpr int kAvailable = 9999;      // [design px] more than any label needs
-constexpr int kFoldedHeight = 52;     // [design px]
-constexpr int kFoldPadding = 24;      // [design px] around the information text
+constexpr int kMinLabelWidth = 72;      // [design px]
+constexpr int kLabelPadding = 16;       // [design px] both sides together
+constexpr int kMaxButtonWidth = 172;    // [design px]
+constexpr int kAvailable = 9999;        // [design px] more than any label needs
+constexpr int kFoldedHeight = 52;       // [design px]
+constexpr int kFoldPadding = 24;        // [design px] around the information text
 constexpr double kUnfoldedBase = 76.0;  // [design px] kFoldedHeight + kFoldPadding
 
 constexpr const wchar_t* kDownImage = L"file='drawable/Brindle/ic_down.png' reverse='true'";

@@ -2,14 +2,14 @@
 //
 //   from                       event                     check              actions                          to
 //   idle                       click update button       companion runs     tip on the update button         idle
-//   idle                       click update button       -                  progress look, start, notice     downloading
+//   idle                       click update button       -                  progress look, start, notice downloading
 //   downloading, installing    click stop button         none               SetResume: pause, end notice     paused
 //   paused                     click stop button         companion runs     tip on the stop button           paused
-//   paused                     click stop button         -                  SetResumeClick: start, notice    downloading
+//   paused                     click stop button         -                  SetResumeClick: start, notice downloading
 //   any running state          failure                   progress there     SetRetryBtn: end notice          failed
 //   failed                     click stop button         companion runs     tip on the stop button           failed
-//   failed                     click stop button         -                  SetRetryClick, ControlRetry      downloading
-//   downloading                progress                  not paused         records and bar; 100: 1001       downloading,
+//   failed                     click stop button         -                  SetRetryClick, ControlRetry downloading
+//   downloading                progress                  not paused         records and bar; 100: 1001 downloading,
 //                                                                                                            installing
 //   any                        update ended              progress, hor      SetFinishProcess                 finished
 //   finished                   click stop button         none               SetResume, on purpose as while   paused
@@ -159,8 +159,7 @@ void AccessoriesFirwareWnd::SetRetryBtn() {
     m_needRetry = true;
 
     m_progress->SetFont(kTextFont);
-    SetLook(m_progressLayout,
-            {{L"width", std::to_wstring(m_barWidth)}, {L"pos", L"0,0,0,0"}, {L"bkround", L"28,28"}});
+    SetLook(m_progressLayout, {{L"width", std::to_wstring(m_barWidth)}, {L"pos", L"0,0,0,0"}, {L"bkround", L"28,28"}});
     SetLook(m_progressLabel, {{L"bordersize", L"0"}});
     SetLook(m_progress, {{L"textcolor", L"#FF0A59F7"},
                          {L"bkcolor", L"0C000000"},
@@ -200,10 +199,8 @@ void AccessoriesFirwareWnd::ShowEndedLook() {
     DuiLib::SetVisible(m_progressLabel, false);
     m_progress->SetFont(kTextFont);
     SetLook(m_progressLayout, {{L"width", std::to_wstring(m_barWidth)}, {L"bkround", L"28,28"}});
-    SetLook(m_progress, {{L"bkround", L"28,28"},
-                         {L"bkcolor", L"0C000000"},
-                         {L"textcolor", L"#FF0A59F7"},
-                         {L"bordersize", L"0"}});
+    SetLook(m_progress,
+            {{L"bkround", L"28,28"}, {L"bkcolor", L"0C000000"}, {L"textcolor", L"#FF0A59F7"}, {L"bordersize", L"0"}});
     SetLook(m_progressLayout, {{L"bordersize", L"0"}});
     Resolve(kBindInstallEnd);
     m_progress->SetText(m_bindValue);

@@ -17,11 +17,11 @@ inline constexpr const char* IPC_MODULE_NAMES[] = {"orrin",    "orrinNet",    "d
                                                    "postrell", "keelService", "brindle"};
 
 // Endpoints: values of destId and sourceId.
-inline constexpr std::int32_t IPC_ENDPOINT_PLUGIN = 0x270000;           // the accessory page, and source of its posts
-inline constexpr std::int32_t IPC_ENDPOINT_UPDATE_SERVICE = 0xB20001;   // ready message and download commands
-inline constexpr std::int32_t IPC_ENDPOINT_HOST_PLUGIN = 0xB20018;      // host: an update starts, an update ends
-inline constexpr std::int32_t IPC_ENDPOINT_HOST_LAYOUT = 0x1B0000;      // host: the page's content height
-inline constexpr std::int32_t IPC_ENDPOINT_HOST_STATUS = 0x20000;       // host: no row is left
+inline constexpr std::int32_t IPC_ENDPOINT_PLUGIN = 0x270000;          // the accessory page, and source of its posts
+inline constexpr std::int32_t IPC_ENDPOINT_UPDATE_SERVICE = 0xB20001;  // ready message and download commands
+inline constexpr std::int32_t IPC_ENDPOINT_HOST_PLUGIN = 0xB20018;     // host: an update starts, an update ends
+inline constexpr std::int32_t IPC_ENDPOINT_HOST_LAYOUT = 0x1B0000;     // host: the page's content height
+inline constexpr std::int32_t IPC_ENDPOINT_HOST_STATUS = 0x20000;      // host: no row is left
 
 // Messages. 0xB20027 goes both ways: the page's ready message has no payload, the answer carries the list.
 inline constexpr std::int32_t IPC_MSG_DOWNLOAD_START = 0xB20022;

@@ -69,7 +69,8 @@ public:
     IPCServer(const IPCServer&) = delete;
     IPCServer& operator=(const IPCServer&) = delete;
 
-    // 1: registered, and owned from now on. -1: null, the id is taken, or no client; the receiver is still the caller's.
+    // 1: registered, and owned from now on. -1: null, the id is taken, or no client; the receiver is still the
+    // caller's.
     int Register(IPCServerProcBase* proc);
 
     // Unregisters and deletes every receiver, in ascending order of ids.

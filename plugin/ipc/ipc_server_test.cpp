@@ -230,9 +230,9 @@ TEST_F(IpcServer, TheChannelHasItsConstants) {
     EXPECT_STREQ(IPC_PIPE_BASIC_SERVICE, L"\\\\.\\Pipe\\iKorvelBasicService");
     EXPECT_STREQ(IPC_PIPE_DIAGNOSTICS, L"\\\\.\\Pipe\\iVantorService");
     EXPECT_STREQ(IPC_BODY_KEY, L"body");
-    EXPECT_THAT(IPC_MODULE_NAMES, ElementsAre(testing::StrEq("orrin"), testing::StrEq("orrinNet"),
-                                              testing::StrEq("deskwarden"), testing::StrEq("postrell"),
-                                              testing::StrEq("keelService"), testing::StrEq("brindle")));
+    EXPECT_THAT(IPC_MODULE_NAMES,
+                ElementsAre(testing::StrEq("orrin"), testing::StrEq("orrinNet"), testing::StrEq("deskwarden"),
+                            testing::StrEq("postrell"), testing::StrEq("keelService"), testing::StrEq("brindle")));
     EXPECT_EQ(IPC_ENDPOINT_PLUGIN, 2555904);
     EXPECT_EQ(IPC_ENDPOINT_UPDATE_SERVICE, 11665409);
     EXPECT_EQ(IPC_ENDPOINT_HOST_PLUGIN, 0xB20018);

@@ -14,9 +14,9 @@ struct PkgDownloadProcess {
 
 // One accessory that has an update.
 struct AccessoryVersionDataInfo {
-    std::string deviceKey;                // ANSI code page
-    std::wstring modelId;                 // also the resource id of the display name
-    std::wstring imagePath;               // relative to the skin folder
+    std::string deviceKey;   // ANSI code page
+    std::wstring modelId;    // also the resource id of the display name
+    std::wstring imagePath;  // relative to the skin folder
     std::wstring version;
     std::vector<std::wstring> descLines;  // device information
     std::uint64_t reserved = 0;           // carried along, not used

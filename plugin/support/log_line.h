@@ -22,7 +22,7 @@ inline constexpr LOG_MESSAGE_LEVEL kLogEvent = LOG_LEVEL_EVENT;    // 4: notable
 // A level and the function that logs, taken where the level is named.
 struct LogPoint {
     LOG_POINT_CONSTANT LogPoint(LOG_MESSAGE_LEVEL lineLevel,
-                       std::source_location where = std::source_location::current())
+                                std::source_location where = std::source_location::current())
         : function(where.function_name()), level(lineLevel) {}
 
     FunctionName function;  // first, and a multiple of 4 long: Clang 16 forgets the padding of constants like this one
@@ -37,7 +37,11 @@ struct LogPoint {
 // Narrow text is widened byte by byte, so only ASCII is meant to be in it.
 class LogLine {
 public:
-    explicit LogLine(LogPoint point) : m_point(point) { m_line << "[" << "AccessoryLog" << "]"; }
+    explicit LogLine(LogPoint point) : m_point(point) {
+        m_line << "["
+               << "AccessoryLog"
+               << "]";
+    }
 
     ~LogLine() {
         m_line << L"(" << m_point.function.CStr() << L")";

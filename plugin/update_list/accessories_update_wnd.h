@@ -29,8 +29,8 @@ class AccessoriesUpdateWnd final : public CNotifyPump {
 public:
     AccessoriesUpdateWnd() = default;
 
-    // Unregisters every callback before anything is released, so that no message reaches a half-destroyed window. Leaves
-    // the page's controls and the registration with the host's pump to the host.
+    // Unregisters every callback before anything is released, so that no message reaches a half-destroyed window.
+    // Leaves the page's controls and the registration with the host's pump to the host.
     ~AccessoriesUpdateWnd();
 
     const DUI_MSGMAP* GetMessageMap() const override;
@@ -77,8 +77,8 @@ private:
     std::wstring m_virtualWndName;
     int m_buildIndex = 0;
     CContainerUI* m_parent = nullptr;
-    CDuiString m_bindText;   // not used
-    CDuiString m_bindValue;  // not used
+    CDuiString m_bindText;                                   // not used
+    CDuiString m_bindValue;                                  // not used
     std::map<std::string, AccessoriesFirwareWnd*> m_panels;  // by device key; not owned
     std::map<std::string, CLabelUI*> m_lines;                // the separator below each row
     bool m_listReceived = false;

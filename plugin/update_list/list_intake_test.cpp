@@ -30,8 +30,7 @@ TEST_F(ListIntake, AnEmptyListHidesTheHeadingAndSendsNothing) {
     EXPECT_THAT(Posted(), IsEmpty());
     EXPECT_THAT(Logged(4), ElementsAre(L"[AccessoryLog]RecAllUpdateData size : 0"
                                        L"(DuiLib::AccessoriesUpdateWnd::RecAllUpdateData)"));
-    EXPECT_THAT(Logged(3),
-                ElementsAre(L"[AccessoryLog]firmwareNum:0(DuiLib::AccessoriesUpdateWnd::RecAllUpdateData)"));
+    EXPECT_THAT(Logged(3), ElementsAre(L"[AccessoryLog]firmwareNum:0(DuiLib::AccessoriesUpdateWnd::RecAllUpdateData)"));
 }
 
 TEST_F(ListIntake, AnEmptyListWithoutAHeadingStopsThere) {
@@ -62,17 +61,15 @@ TEST_F(ListIntake, ThreeRecordsGiveRowsInOrderWithTwoSeparators) {
     ASSERT_EQ(List().GetCount(), 5);
     EXPECT_EQ(List().GetItemAt(1), &Control(L"X1_0"));
     EXPECT_EQ(List().GetItemAt(3), &Control(L"b_1"));
-    EXPECT_EQ(g_updateItemList, (Rows{{L"X1", L"Device"},
-                                      {L"X1_0", L"Line"},
-                                      {L"b", L"Device"},
-                                      {L"b_1", L"Line"},
-                                      {L"A", L"Device"}}));
+    EXPECT_EQ(g_updateItemList,
+              (Rows{{L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"b", L"Device"}, {L"b_1", L"Line"}, {L"A", L"Device"}}));
     EXPECT_EQ(PageInspector::FirmwareNum(*window), 3);
     EXPECT_EQ(PageInspector::TotalHeight(*window), 3 * 77);
     EXPECT_THAT(Posted(), ElementsAre("1B0000 3A0066 77", "1B0000 3A0066 154", "1B0000 3A0066 231"));
     EXPECT_THAT(Slept(), ElementsAre(100, 100, 100));
-    EXPECT_EQ(Logged(4).front(), L"[AccessoryLog]RecAllUpdateData size : 3"
-                                 L"(DuiLib::AccessoriesUpdateWnd::RecAllUpdateData)");
+    EXPECT_EQ(Logged(4).front(),
+              L"[AccessoryLog]RecAllUpdateData size : 3"
+              L"(DuiLib::AccessoriesUpdateWnd::RecAllUpdateData)");
     EXPECT_EQ(Logged(3).front(), L"[AccessoryLog]firmwareNum:3(DuiLib::AccessoriesUpdateWnd::RecAllUpdateData)");
 }
 
@@ -92,8 +89,8 @@ struct JoinCase {
 };
 
 TEST_F(ListIntake, OneLineStaysAsItIsAndMoreLinesEachEndWithALineFeed) {
-    const JoinCase cases[] = {{{}, L""}, {{L"one"}, L"one"}, {{L"one", L"two"}, L"one\ntwo\n"},
-                              {{L"", L"", L"x"}, L"\n\nx\n"}};
+    const JoinCase cases[] = {
+        {{}, L""}, {{L"one"}, L"one"}, {{L"one", L"two"}, L"one\ntwo\n"}, {{L"", L"", L"x"}, L"\n\nx\n"}};
     for (const JoinCase& c : cases) {
         m_page.Discard();
         MakeWindow();
@@ -198,8 +195,7 @@ TEST_F(ListIntake, TheEndOfTheLastRowTellsTheHostThatNothingIsLeft) {
     EXPECT_THAT(Posted(), ElementsAre("1B0000 3A0066 78", "B20018 B20034 X1\\0"));
     Forget();
     DeliverFinish("X2");
-    EXPECT_THAT(Posted(),
-                ElementsAre("1B0000 3A0066 2", "20000 2271D 0", "1B0000 3A0066 0", "B20018 B20034 X2\\0"));
+    EXPECT_THAT(Posted(), ElementsAre("1B0000 3A0066 2", "20000 2271D 0", "1B0000 3A0066 0", "B20018 B20034 X2\\0"));
     EXPECT_THAT(Slept(), ElementsAre(2000, 100)) << "no wait behind the last height";
     EXPECT_FALSE(Shown(L"DeviceUpdateTitle"));
 }

@@ -20,9 +20,12 @@ json ToJson(const PkgDownloadProcess& record) {
 json ToJson(const AccessoryVersionDataInfo& record) {
     json lines = json::array();
     for (const std::wstring& line : record.descLines) lines.push_back(Units(line));
-    return {{"deviceKey", ToHex(record.deviceKey)}, {"modelId", Units(record.modelId)},
-            {"imagePath", Units(record.imagePath)}, {"version", Units(record.version)},
-            {"descLines", lines},                   {"reserved", record.reserved},
+    return {{"deviceKey", ToHex(record.deviceKey)},
+            {"modelId", Units(record.modelId)},
+            {"imagePath", Units(record.imagePath)},
+            {"version", Units(record.version)},
+            {"descLines", lines},
+            {"reserved", record.reserved},
             {"isDriver", record.isDriver}};
 }
 

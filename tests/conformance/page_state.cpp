@@ -11,9 +11,9 @@ namespace {
 using nlohmann::json;
 
 // Every attribute that the module sets.
-constexpr const wchar_t* kAttributes[] = {L"bkcolor",     L"bkimage", L"bkround",      L"borderfillcolor",
-                                          L"bordersize",  L"height",  L"hottextcolor", L"normalimage",
-                                          L"padding",     L"pos",     L"textcolor",    L"width"};
+constexpr const wchar_t* kAttributes[] = {L"bkcolor",    L"bkimage", L"bkround",      L"borderfillcolor",
+                                          L"bordersize", L"height",  L"hottextcolor", L"normalimage",
+                                          L"padding",    L"pos",     L"textcolor",    L"width"};
 
 void CollectNames(DuiLib::CControlUI* control, std::set<std::wstring>& names) {
     if (!control->GetName().IsEmpty()) names.insert(control->GetName().Str());

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
-
 #include <nlohmann/json.hpp>
+#include <string>
 
 // Plays one scenario against the built module in this process and compares each step. Returns the first difference as
 // text, empty when there is none. `loadModule` is called once, after the scenario's surroundings are set up.

@@ -61,8 +61,8 @@ bool MatchesPattern(const std::string& pattern, const std::string& text) {
 
 std::string WideToUtf8(const std::wstring& text) {
     const int length = static_cast<int>(text.size());
-    const int size = kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, text.data(), length, nullptr, 0, nullptr,
-                                                 nullptr);
+    const int size =
+        kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
     std::string utf8(static_cast<std::size_t>(size), '\0');
     kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, text.data(), length, utf8.data(), size, nullptr, nullptr);
     return utf8;
@@ -78,16 +78,26 @@ std::wstring Utf8ToWideText(const std::string& text) {
 
 json TraceEntry(const seam::Event& event) {
     switch (event.kind) {
-        case seam::Kind::kLog: return {"log", event.number, WithPlainLambda(WideToUtf8(event.line))};
-        case seam::Kind::kPost: return PostEntry(event);
-        case seam::Kind::kClientCreated: return json::array({"client+"});
-        case seam::Kind::kClientDestroyed: return json::array({"client-"});
-        case seam::Kind::kRegister: return {"register", event.number};
-        case seam::Kind::kUnregister: return {"unregister", event.number};
-        case seam::Kind::kUnregisterAll: return json::array({"unregisterAll"});
-        case seam::Kind::kSleep: return {"sleep", event.number};
-        case seam::Kind::kReportInit: return {"reportInit", event.number, event.text};
-        case seam::Kind::kReport: return ReportEntry(event);
+        case seam::Kind::kLog:
+            return {"log", event.number, WithPlainLambda(WideToUtf8(event.line))};
+        case seam::Kind::kPost:
+            return PostEntry(event);
+        case seam::Kind::kClientCreated:
+            return json::array({"client+"});
+        case seam::Kind::kClientDestroyed:
+            return json::array({"client-"});
+        case seam::Kind::kRegister:
+            return {"register", event.number};
+        case seam::Kind::kUnregister:
+            return {"unregister", event.number};
+        case seam::Kind::kUnregisterAll:
+            return json::array({"unregisterAll"});
+        case seam::Kind::kSleep:
+            return {"sleep", event.number};
+        case seam::Kind::kReportInit:
+            return {"reportInit", event.number, event.text};
+        case seam::Kind::kReport:
+            return ReportEntry(event);
     }
     return {};
 }

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "test_process.h"
 #include "test_folder.h"
+#include "test_process.h"
 
 // The accessory page from end to end: the built service and the built host, each in a process of its own, over a real
 // pipe in the test's own folder, with package files that the test writes. Only the page's pauses are shorter.

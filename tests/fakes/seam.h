@@ -9,8 +9,8 @@
 
 #include "ipc_client/ipc_message_client.h"
 
-// What crosses the border between the plug-in and its platform, as the fake platform libraries of this folder record it,
-// and what they answer. One per process; single-threaded.
+// What crosses the border between the plug-in and its platform, as the fake platform libraries of this folder record
+// it, and what they answer. One per process; single-threaded.
 //
 // The fake libraries carry the file names of the real ones, so a program that links them runs the built module against
 // them; the toolkit stays the real one.
@@ -31,9 +31,9 @@ enum class Kind {
 
 struct Event {
     Kind kind;
-    int number = 0;        // log: level; register, unregister: msgId; sleep: ms; reportInit: the number
-    std::wstring line;     // log
-    std::string text;      // reportInit: the text; report: the event id
+    int number = 0;          // log: level; register, unregister: msgId; sleep: ms; reportInit: the number
+    std::wstring line;       // log
+    std::string text;        // reportInit: the text; report: the event id
     TagIPCMessageItem item;  // post: the header; `data` says only whether there was one
     std::string payload;     // post
     std::vector<std::pair<std::string, std::string>> fields;  // report
@@ -58,7 +58,7 @@ struct Callback {
 
 struct Seam {
     std::vector<Event> events;
-    std::vector<ClientArguments> clients;          // every client that was constructed
+    std::vector<ClientArguments> clients;            // every client that was constructed
     std::map<int, std::vector<Callback>> callbacks;  // by message id, in the order of registration
     std::map<std::wstring, Companion> companions;
     std::vector<std::wstring> companionQuestions;  // "running:KEY", "app:KEY"

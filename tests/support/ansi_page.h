@@ -4,8 +4,8 @@
 
 #include "kernel/code_pages.h"
 
-// Another ANSI code page while this object lives; UTF-8 again afterwards. On Windows the page is the system's, and the only
-// one that can be used.
+// Another ANSI code page while this object lives; UTF-8 again afterwards. On Windows the page is the system's, and the
+// only one that can be used.
 class AnsiPage {
 public:
     static bool CanBe(unsigned page) {

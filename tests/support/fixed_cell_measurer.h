@@ -2,8 +2,8 @@
 
 #include "duilib/render_engine.h"
 
-// Measures text as a terminal would: every UTF-16 unit has one fixed cell. The text is split at line feeds, a last empty
-// piece does not count; a piece takes ceil(units / floor(width / cell width)) lines when it wraps, at least one.
+// Measures text as a terminal would: every UTF-16 unit has one fixed cell. The text is split at line feeds, a last
+// empty piece does not count; a piece takes ceil(units / floor(width / cell width)) lines when it wraps, at least one.
 class FixedCellMeasurer : public DuiLib::TextMeasurer {
 public:
     explicit FixedCellMeasurer(DuiLib::CDuiSize designCell) : m_cell(designCell) {}

@@ -58,16 +58,13 @@ void PageFixture::CheckFailureLines() const {
     for (const seam::Event& event : seam::Get().events) {
         if (!TellsOfFailure(event)) continue;
         const bool expected =
-            std::any_of(m_expectedFailures.begin(), m_expectedFailures.end(), [&event](const std::wstring& part) {
-                return event.line.find(part) != std::wstring::npos;
-            });
+            std::any_of(m_expectedFailures.begin(), m_expectedFailures.end(),
+                        [&event](const std::wstring& part) { return event.line.find(part) != std::wstring::npos; });
         EXPECT_TRUE(expected) << "unexpected line: " << testing::PrintToString(event.line);
     }
 }
 
-void PageFixture::UseLayouts(MinimalLayouts::Options options) {
-    m_layouts = std::make_unique<MinimalLayouts>(options);
-}
+void PageFixture::UseLayouts(MinimalLayouts::Options options) { m_layouts = std::make_unique<MinimalLayouts>(options); }
 
 void PageFixture::UseScale(unsigned percent) { DuiLib::CResourceManager::GetInstance()->SetScale(percent); }
 
@@ -133,8 +130,8 @@ std::size_t PageFixture::Count(seam::Kind kind) const {
         std::count_if(events.begin(), events.end(), [kind](const seam::Event& event) { return event.kind == kind; }));
 }
 
-AccessoryVersionDataInfo Accessory(const std::string& key, std::vector<std::wstring> lines,
-                                   const std::wstring& modelId, bool isDriver) {
+AccessoryVersionDataInfo Accessory(const std::string& key, std::vector<std::wstring> lines, const std::wstring& modelId,
+                                   bool isDriver) {
     AccessoryVersionDataInfo record;
     record.deviceKey = key;
     record.modelId = modelId;

@@ -39,9 +39,9 @@ protected:
 
     // What crossed the seam since the last call of Forget, which looks for unexpected failures first.
     std::vector<std::wstring> Logged(int level) const;
-    std::vector<std::wstring> Logged() const;          // every level
-    std::vector<std::string> Posted() const;           // "DEST MSG payload", ids in hex, zero bytes as \0
-    std::vector<int> Slept() const;                    // [ms]
+    std::vector<std::wstring> Logged() const;  // every level
+    std::vector<std::string> Posted() const;   // "DEST MSG payload", ids in hex, zero bytes as \0
+    std::vector<int> Slept() const;            // [ms]
     std::size_t Count(seam::Kind kind) const;
     void Forget();
 

@@ -1,5 +1,3 @@
-#include "pipe_path.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -8,6 +6,8 @@
 #include <cstdlib>
 #include <fstream>
 #include <optional>
+
+#include "pipe_path.h"
 
 namespace ipc_client {
 namespace {

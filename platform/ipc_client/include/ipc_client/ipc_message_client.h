@@ -21,9 +21,9 @@
 // queues; a lost connection is opened again with increasing pauses and takes its registrations along.
 class IPC_CLIENT_API IPCMessageClient {
 public:
-    // `endpointId`: what `destId` of incoming messages is matched with. `receives`: whether callbacks may be registered.
-    // `exclusive`: reserved, false. `pipeName`: L"\\\\.\\Pipe\\NAME" (docs/protocol.md says where that is on this
-    // system). Does not wait for the broker. Throws std::bad_alloc alone.
+    // `endpointId`: what `destId` of incoming messages is matched with. `receives`: whether callbacks may be
+    // registered. `exclusive`: reserved, false. `pipeName`: L"\\\\.\\Pipe\\NAME" (docs/protocol.md says where that is
+    // on this system). Does not wait for the broker. Throws std::bad_alloc alone.
     IPCMessageClient(int endpointId, bool receives, bool exclusive, const std::wstring& pipeName);
 
     // As UnRegisterMessageCallbackAll, then ends the delivery thread. The last client of a process and pipe waits up to
@@ -49,8 +49,8 @@ public:
 
     // Sends one message; the payload has been copied when the call returns. Never waits for the other side. False when
     // the message cannot be sent at all: its payload (16 MiB) or its text (64 KiB) is over the limit, `dataLen` is
-    // negative or has no `data`, or the process's queue of messages not yet written (64 MiB) is full. True is no receipt:
-    // what a broker had taken when it died is lost. Any thread.
+    // negative or has no `data`, or the process's queue of messages not yet written (64 MiB) is full. True is no
+    // receipt: what a broker had taken when it died is lost. Any thread.
     bool PostIPCMessage(const TagIPCMessageItem& item);
 
 private:

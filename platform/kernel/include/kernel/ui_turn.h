@@ -19,7 +19,7 @@ namespace kernel {
 //     }                             // held again, at the same depth
 class KERNEL_API UiTurn {
 public:
-    UiTurn();   // waits until the turn is free, or goes one level deeper when this thread holds it
+    UiTurn();  // waits until the turn is free, or goes one level deeper when this thread holds it
     ~UiTurn();
     UiTurn(const UiTurn&) = delete;
     UiTurn& operator=(const UiTurn&) = delete;
