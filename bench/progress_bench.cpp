@@ -1,4 +1,4 @@
-// A progress message from the service's post to the panel's changed control, through a broker in another process,
+// A progress message from the service's post to the row's changed control, through a broker in another process,
 // against a bare relay of two Unix socket hops in the same run. Ends with exit code 1 when the median is 2.5 times the
 // relay's or more.
 #include <benchmark/benchmark.h>
@@ -22,7 +22,7 @@ using namespace bench;
 constexpr int kReceiver = 0x270001;                    // beside the window's own endpoint, whose way this goes
 constexpr const char* kDeviceKey = "device-0-of-one";  // 15 characters
 
-// The page's way of a progress message: typed receiver, list window, panel, controls.
+// The page's way of a progress message: typed receiver, list window, row, controls.
 class ProgressWay {
 public:
     ProgressWay() : m_client(kReceiver, true, false, IPC_PIPE_ASSISTANT), m_registry(&m_client) {

@@ -7,7 +7,7 @@
 #include "duilib/paint_manager.h"
 
 // The accessory page's module, loaded by path, with the two functions that a host calls (docs/host.md). It stays loaded
-// until the process ends: its panels live that long.
+// until the process ends: its rows live that long.
 class PageModule {
 public:
     // Throws std::runtime_error, naming the path and the system's reason, when the module cannot be loaded or lacks one

@@ -9,23 +9,33 @@
 #include "duilib/control.h"
 #include "duilib/notify_pump.h"
 #include "duilib/paint_manager.h"
-#include "firmware_item/firmware_item_desc.h"
 #include "ipc/ipc_post.h"
 #include "ipc/ipc_server.h"
 
 namespace DuiLib {
 
+// What the list window hands a row: one accessory, ready to show. A value.
+struct FirmwareItemDesc {
+    std::wstring deviceKey;
+    std::wstring imagePath;  // relative to the skin folder
+    bool isDriver = false;   // driver wording of the version line; else application wording
+    std::wstring nameId;     // resource id of the display name, also reported as the model id
+    std::wstring version;
+    std::wstring devInfo;            // text below the pull-down
+    std::uint64_t devInfoLines = 0;  // lines that devInfo was joined from
+};
+
 // What m_progressRecord holds beside percent texts.
 inline constexpr const wchar_t* UPDATE_STATUS_INSTALLING = L"1001";
 inline constexpr const wchar_t* UPDATE_STATUS_INSTALLEND = L"2001";
 
-// Called when the panel's height changes: (change in design pixels, grew, first report). The first report carries the
+// Called when the row's height changes: (change in design pixels, grew, first report). The first report carries the
 // whole height.
 using HeightCallBack = std::function<void(int, bool, bool)>;
 using FinishCallBack = std::function<void()>;
 
 // One accessory of the page: its picture, name, version and information, its update button and progress, and the small
-// state machine behind them (firmware_state.cpp has the table).
+// state machine behind them (row_state.cpp has the table).
 //
 // Made and laid out by the list window. Click handlers run on the UI thread, ShowDownloadProgress, SetRetryBtn and
 // SetFinishProcess on the delivery thread, all under the UI turn. The controls belong to the host's tree. Every
@@ -39,7 +49,7 @@ public:
     const DUI_MSGMAP* GetMessageMap() const override;
     void OnClick(TNotifyUI& message) override;
 
-    // Set-up (firmware_form.cpp), by the list window.
+    // Set-up (row_form.cpp), by the list window.
     void InitFirmwareLayout(CPaintManagerUI* paintManager, CNotifyPump* host, CContainerUI* parent,
                             FirmwareItemDesc desc);
     void SetRowName(const std::wstring& rowName);  // the name of this row in g_updateItemList
@@ -49,14 +59,14 @@ public:
     void SetImagePath(const std::wstring& path);
     void SettingDevInfo(CTextUI* devInfoText);
 
-    // Looks (firmware_presentation.cpp).
+    // Looks (row_presentation.cpp).
     void InitUpdateButton();
     void RlushAccessries();
     void ShowDownloadProgress(int percent);
     void ModifiyPullDownStatus();
     void UpdateDownloadForm();
 
-    // States (firmware_state.cpp).
+    // States (row_state.cpp).
     void SetResume();
     void SetResumeClick();
     void SetRetryBtn();
@@ -67,7 +77,7 @@ public:
     void PostPauseDownload(const std::string& deviceKey);
     void PostStartDownload(const std::string& deviceKey);
 
-    // Notices and tips (firmware_notices.cpp).
+    // Notices and tips (row_notices.cpp).
     void ResigterFirmwareCallBacks();
     void AppRunningTipUpdateBtn();
     void AppRunningTipStopBtn();
@@ -78,16 +88,16 @@ public:
     void BigDataReportSettingCenterUpdatePlugin(const AccessoriesFirwareWnd& device);
 
 private:
-    friend struct PanelInspector;  // tests read the fields
-    friend struct PanelLayout;     // compile-time check of the field order
+    friend struct RowInspector;   // tests read the fields
+    friend struct RowFieldOrder;  // compile-time check of the field order
 
-    // firmware_form.cpp
+    // row_form.cpp
     void BindControls();
     bool BindControl(const wchar_t* name, CControlUI*& control);
     bool BindContainer(const wchar_t* name, CContainerUI*& container);
     void BuildDevInfo();
 
-    // firmware_presentation.cpp
+    // row_presentation.cpp
     int WidestLabel();
     void ShowDownloadLook(int percent, const CDuiString& text);
     void ShowInstallingLook();
@@ -95,14 +105,14 @@ private:
     bool HasName(CControlUI* control, const wchar_t* suffix) const;
     void Resolve(std::wstring_view bindText);  // into m_bindText and m_bindValue
 
-    // firmware_state.cpp
+    // row_state.cpp
     bool IsCompanionRunning() const;
     void RestoreProgress();
     void ShowEndedLook();
     void CollapseRow();
     void LeaveRowList();
 
-    // firmware_notices.cpp
+    // row_notices.cpp
     void ShowAppRunningTip(CControlUI* hot, CControlUI* tipped);
 
     std::string NarrowKey() const;
@@ -127,7 +137,7 @@ private:
     bool m_downloadControlled = false;  // nobody sets it
     CDuiString m_bindText;
     CDuiString m_bindValue;
-    int m_panelHeight = 0;  // [design px]
+    int m_rowHeight = 0;  // [design px]
     bool m_isPaused = false;
     CControlUI* m_updateBtn = nullptr;
     CControlUI* m_stopBtn = nullptr;

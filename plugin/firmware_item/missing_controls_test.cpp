@@ -1,38 +1,38 @@
-// A panel whose layout lacks controls.
+// A row whose layout lacks controls.
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <bit>
 #include <functional>
 
-#include "firmware_item/panel_fixture.h"
+#include "row_fixture.h"
 #include "update_list/row_list.h"
 
 namespace {
 
 using DuiLib::g_updateItemList;
-using DuiLib::PanelInspector;
+using DuiLib::RowInspector;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-class MissingControls : public PanelFixture {
+class MissingControls : public RowFixture {
 protected:
     MissingControls() { ExpectFailureLine(L"nullptr"); }
 
-    void MakePanelWithout(const std::set<std::string>& names) {
+    void MakeRowWithout(const std::set<std::string>& names) {
         m_page.Discard();
         UseLayouts({names, false, true});
-        MakePanel();
+        MakeRow();
         Forget();
         heights.clear();
     }
 
     // What an operation that does nothing leaves alone.
     std::vector<std::wstring> State() {
-        std::vector<std::wstring> state = {PanelInspector::ProgressRecord(*panel), PanelInspector::PosRecord(*panel)};
-        for (const int number : {PanelInspector::PanelHeight(*panel), PanelInspector::Percent(*panel),
-                                 int{PanelInspector::NeedsRetry(*panel)}, int{PanelInspector::IsPaused(*panel)},
-                                 int{PanelInspector::IsInstalling(*panel)}}) {
+        std::vector<std::wstring> state = {RowInspector::ProgressRecord(*row), RowInspector::PosRecord(*row)};
+        for (const int number :
+             {RowInspector::RowHeight(*row), RowInspector::Percent(*row), int{RowInspector::NeedsRetry(*row)},
+              int{RowInspector::IsPaused(*row)}, int{RowInspector::IsInstalling(*row)}}) {
             state.push_back(std::to_wstring(number));
         }
         for (const wchar_t* const name :
@@ -54,20 +54,20 @@ protected:
 
     void DoEverything() {
         ClickWhatIsThere();
-        panel->RlushAccessries();
-        panel->ShowDownloadProgress(40);
-        panel->SetResume();
-        panel->SetResumeClick();
-        panel->ModifiyPullDownStatus();
-        panel->ShowDownloadProgress(100);
-        panel->SetRetryBtn();
+        row->RlushAccessries();
+        row->ShowDownloadProgress(40);
+        row->SetResume();
+        row->SetResumeClick();
+        row->ModifiyPullDownStatus();
+        row->ShowDownloadProgress(100);
+        row->SetRetryBtn();
         ClickWhatIsThere();
-        panel->SetRetryClick();
-        panel->ControlRetry(L"X1");
-        panel->AppRunningTipStopBtn();
-        panel->AppRunningTipUpdateBtn();
-        panel->UpdateDownloadForm();
-        panel->SetFinishProcess();
+        row->SetRetryClick();
+        row->ControlRetry(L"X1");
+        row->AppRunningTipStopBtn();
+        row->AppRunningTipUpdateBtn();
+        row->UpdateDownloadForm();
+        row->SetFinishProcess();
     }
 };
 
@@ -82,16 +82,16 @@ TEST_F(MissingControls, AnOperationThatLacksItsControlDoesNothingMore) {
     const std::wstring retry = Line(L"set retry btn", L"SetRetryBtn");
     const std::wstring finish = Line(L"set update btn finish", L"SetFinishProcess");
     const NothingMore cases[] = {
-        {"progress", "SetRetryBtn", [this] { panel->SetRetryBtn(); }, {retry}},
-        {"progress", "SetFinishProcess", [this] { panel->SetFinishProcess(); }, {finish}},
-        {"hor", "SetFinishProcess", [this] { panel->SetFinishProcess(); }, {finish}},
-        {"progress", "ShowDownloadProgress", [this] { panel->ShowDownloadProgress(40); }, {}},
-        {"pulldown", "ModifiyPullDownStatus", [this] { panel->ModifiyPullDownStatus(); }, {}},
-        {"pulldown", "UpdateDownloadForm", [this] { panel->UpdateDownloadForm(); }, {}},
+        {"progress", "SetRetryBtn", [this] { row->SetRetryBtn(); }, {retry}},
+        {"progress", "SetFinishProcess", [this] { row->SetFinishProcess(); }, {finish}},
+        {"hor", "SetFinishProcess", [this] { row->SetFinishProcess(); }, {finish}},
+        {"progress", "ShowDownloadProgress", [this] { row->ShowDownloadProgress(40); }, {}},
+        {"pulldown", "ModifiyPullDownStatus", [this] { row->ModifiyPullDownStatus(); }, {}},
+        {"pulldown", "UpdateDownloadForm", [this] { row->UpdateDownloadForm(); }, {}},
     };
     for (const NothingMore& c : cases) {
         SCOPED_TRACE(std::string(c.operation) + " without " + c.missing);
-        MakePanelWithout({c.missing});
+        MakeRowWithout({c.missing});
         g_updateItemList = {{L"X1", L"Device"}};
         const std::vector<std::wstring> before = State();
         c.run();
@@ -105,7 +105,7 @@ TEST_F(MissingControls, AnOperationThatLacksItsControlDoesNothingMore) {
 }
 
 TEST_F(MissingControls, WithoutProgressAClickDoesNothingAtAll) {
-    MakePanelWithout({"progress"});
+    MakeRowWithout({"progress"});
     const std::vector<std::wstring> before = State();
     Click(L"X1updateBtn");
     Click(L"X1stopBtn");
@@ -129,7 +129,7 @@ TEST_F(MissingControls, EveryOperationSurvivesUpToThreeMissingAndUpToThreePresen
             if (subset >> i & 1) missing.insert(names[i]);
         }
         finished = 0;
-        MakePanelWithout(missing);
+        MakeRowWithout(missing);
         g_updateItemList = {{L"X1", L"Device"}};
         DoEverything();
         const bool ends = !lacksOneOf(missing, {"version", "desName", "updateBtn", "stopBtn", "progress", "hor"});

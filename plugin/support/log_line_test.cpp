@@ -7,7 +7,7 @@
 namespace DuiLib {
 
 // A class of the page's shape, for names.
-struct LoggingPanel {
+struct LoggingRow {
     void SetResume(const std::wstring& record, int) { LogLine(kLogDetail) << "resume progress record: " << record; }
     void Tell(const std::string& key) { LogLine(kLogDetail) << "update : " << key; }
     std::wstring* Find(int (*)(int), std::string) {
@@ -33,25 +33,25 @@ const seam::Event& Last() { return seam::Get().events.back(); }
 class Log : public testing::Test {
 protected:
     Log() { seam::Get() = seam::Seam{}; }
-    DuiLib::LoggingPanel panel;
+    DuiLib::LoggingRow row;
 };
 
 TEST_F(Log, AValueStandsBetweenTheTextAndTheName) {
-    panel.SetResume(L"37%", 0);
-    EXPECT_EQ(Last().line, L"[AccessoryLog]resume progress record: 37%(DuiLib::LoggingPanel::SetResume)");
+    row.SetResume(L"37%", 0);
+    EXPECT_EQ(Last().line, L"[AccessoryLog]resume progress record: 37%(DuiLib::LoggingRow::SetResume)");
     EXPECT_EQ(Last().number, 3);
 }
 
 TEST_F(Log, ABoolIsANumber) {
-    panel.Find(nullptr, "");
-    EXPECT_EQ(Last().line, L"[AccessoryLog]Send DownloadPkg Finished, ret = 10(DuiLib::LoggingPanel::Find)");
+    row.Find(nullptr, "");
+    EXPECT_EQ(Last().line, L"[AccessoryLog]Send DownloadPkg Finished, ret = 10(DuiLib::LoggingRow::Find)");
     EXPECT_EQ(Last().number, 4);
 }
 
 TEST_F(Log, ALambdaIsNamedAfterItsFunction) {
     int unused = 0;
-    panel.OnClick(unused);
-    EXPECT_EQ(Last().line, L"[AccessoryLog]update retry0(DuiLib::LoggingPanel::OnClick::<lambda>::operator ())");
+    row.OnClick(unused);
+    EXPECT_EQ(Last().line, L"[AccessoryLog]update retry0(DuiLib::LoggingRow::OnClick::<lambda>::operator ())");
 }
 
 TEST_F(Log, AFunctionHasTheSameNameWhateverItsCompilerWritesAroundIt) {
@@ -59,19 +59,19 @@ TEST_F(Log, AFunctionHasTheSameNameWhateverItsCompilerWritesAroundIt) {
         const char* pretty;
         const char* name;
     } cases[] = {
-        {"void DuiLib::Panel::SetResume()", "DuiLib::Panel::SetResume"},
-        {"void __cdecl DuiLib::Panel::SetResume(void)", "DuiLib::Panel::SetResume"},
-        {"class std::basic_string<char,struct std::char_traits<char> > *__cdecl DuiLib::Panel::Find(int (__cdecl "
+        {"void DuiLib::Row::SetResume()", "DuiLib::Row::SetResume"},
+        {"void __cdecl DuiLib::Row::SetResume(void)", "DuiLib::Row::SetResume"},
+        {"class std::basic_string<char,struct std::char_traits<char> > *__cdecl DuiLib::Row::Find(int (__cdecl "
          "*)(int))",
-         "DuiLib::Panel::Find"},
+         "DuiLib::Row::Find"},
         {"void __cdecl CreateSetting(class DuiLib::CPaintManagerUI *)", "CreateSetting"},
-        {"DuiLib::Panel::OnClick(int&)::<lambda()>", "DuiLib::Panel::OnClick::<lambda>::operator ()"},
-        {"auto DuiLib::Panel::OnClick(int &)::(anonymous class)::operator()() const",
-         "DuiLib::Panel::OnClick::<lambda>::operator ()"},
-        {"auto __cdecl DuiLib::Panel::OnClick::<lambda_1>::operator ()(void) const",
-         "DuiLib::Panel::OnClick::<lambda>::operator ()"},
-        {"auto __cdecl DuiLib::Panel::OnClick(int &)::<lambda_2>::operator ()(void) const",
-         "DuiLib::Panel::OnClick::<lambda>::operator ()"},
+        {"DuiLib::Row::OnClick(int&)::<lambda()>", "DuiLib::Row::OnClick::<lambda>::operator ()"},
+        {"auto DuiLib::Row::OnClick(int &)::(anonymous class)::operator()() const",
+         "DuiLib::Row::OnClick::<lambda>::operator ()"},
+        {"auto __cdecl DuiLib::Row::OnClick::<lambda_1>::operator ()(void) const",
+         "DuiLib::Row::OnClick::<lambda>::operator ()"},
+        {"auto __cdecl DuiLib::Row::OnClick(int &)::<lambda_2>::operator ()(void) const",
+         "DuiLib::Row::OnClick::<lambda>::operator ()"},
     };
     for (const auto& function : cases) EXPECT_STREQ(FunctionName(function.pretty).CStr(), function.name);
 }
@@ -87,10 +87,10 @@ TEST_F(Log, NarrowAsciiComesOutUnchangedInTheWideLine) {
 }
 
 TEST_F(Log, NarrowBytesBeyondAsciiDoNotCutTheLine) {
-    panel.Tell("pen\xE9\x80 X1");
+    row.Tell("pen\xE9\x80 X1");
     const std::wstring& line = Last().line;
     const std::wstring front = L"[AccessoryLog]update : pen";
-    const std::wstring back = L" X1(DuiLib::LoggingPanel::Tell)";
+    const std::wstring back = L" X1(DuiLib::LoggingRow::Tell)";
     EXPECT_TRUE(line.starts_with(front)) << testing::PrintToString(line);
     EXPECT_TRUE(line.ends_with(back)) << testing::PrintToString(line);
     EXPECT_EQ(line.size(), front.size() + 2 + back.size()) << "a character each";

@@ -20,7 +20,7 @@ struct PageLayout {
                  offsetof(AccessoriesUpdateWnd, m_ipcClient), offsetof(AccessoriesUpdateWnd, m_ipcReciever),
                  offsetof(AccessoriesUpdateWnd, m_virtualWndName), offsetof(AccessoriesUpdateWnd, m_buildIndex),
                  offsetof(AccessoriesUpdateWnd, m_parent), offsetof(AccessoriesUpdateWnd, m_bindText),
-                 offsetof(AccessoriesUpdateWnd, m_bindValue), offsetof(AccessoriesUpdateWnd, m_panels),
+                 offsetof(AccessoriesUpdateWnd, m_bindValue), offsetof(AccessoriesUpdateWnd, m_rows),
                  offsetof(AccessoriesUpdateWnd, m_lines), offsetof(AccessoriesUpdateWnd, m_listReceived),
                  offsetof(AccessoriesUpdateWnd, m_totalHeight), offsetof(AccessoriesUpdateWnd, m_firmwareNum)}));
 };

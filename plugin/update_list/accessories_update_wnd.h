@@ -18,11 +18,11 @@
 namespace DuiLib {
 
 // The accessory page: builds its layout into the host's container, takes the first accessory list of the update
-// service, makes one panel a device with separators between, keeps the host informed of the content height, and routes
-// progress, end and failure messages to the panels by device key.
+// service, makes one row a device with separators between them, keeps the host informed of the content height, and
+// routes progress, end and failure messages to the rows by device key.
 //
 // Created on the host's UI thread and destroyed there; its receivers run on the client's delivery thread. Everything
-// runs under the UI turn. The host's control tree owns the controls; the panels are left to the process's end.
+// runs under the UI turn. The host's control tree owns the controls; the rows are left to the process's end.
 //
 // ResigterAccessMessageCallBacks, SendInitFinshed and m_ipcReciever are misspelt on purpose: log lines carry the names.
 class AccessoriesUpdateWnd final : public CNotifyPump {
@@ -51,20 +51,20 @@ public:
     void RecPkgFinish(TagIPCMessageItem& item);
     void RecPkgFail(TagIPCMessageItem& item);
 
-    // What the panels call back.
-    void OnItemHeightChanged(int height, bool grow, bool extra);  // [design px]
-    void OnItemFinished();
+    // What the rows call back.
+    void OnRowHeightChanged(int height, bool grow, bool extra);  // [design px]
+    void OnRowFinished();
 
 private:
     friend struct PageInspector;  // tests read the fields
     friend struct PageLayout;     // compile-time check of the field order
 
-    void InitFirmwareItems(std::vector<AccessoryVersionDataInfo>& list);
-    AccessoriesFirwareWnd* CreateFirmwareItem(FirmwareItemDesc& desc);
-    void AddItemLine(const std::wstring& deviceKey, int index, CContainerUI* list);
-    void RefreshFirmwareItems();
+    void InitRows(std::vector<AccessoryVersionDataInfo>& list);
+    AccessoriesFirwareWnd* CreateRow(FirmwareItemDesc& desc);
+    void AddLine(const std::wstring& deviceKey, int index, CContainerUI* list);
+    void RefreshRows();
     void PostContentHeight(int height);
-    AccessoriesFirwareWnd* FindPanel(const std::string& deviceKey) const;
+    AccessoriesFirwareWnd* FindRow(const std::string& deviceKey) const;
     template <class Arg>
     void AddReceiver(std::int32_t msgId, void (AccessoriesUpdateWnd::*handler)(Arg));
 
@@ -77,10 +77,10 @@ private:
     std::wstring m_virtualWndName;
     int m_buildIndex = 0;
     CContainerUI* m_parent = nullptr;
-    CDuiString m_bindText;                                   // not used
-    CDuiString m_bindValue;                                  // not used
-    std::map<std::string, AccessoriesFirwareWnd*> m_panels;  // by device key; not owned
-    std::map<std::string, CLabelUI*> m_lines;                // the separator below each row
+    CDuiString m_bindText;                                 // not used
+    CDuiString m_bindValue;                                // not used
+    std::map<std::string, AccessoriesFirwareWnd*> m_rows;  // by device key; not owned
+    std::map<std::string, CLabelUI*> m_lines;              // the separator below each row
     bool m_listReceived = false;
     int m_totalHeight = 0;  // [design px]
     int m_firmwareNum = 0;  // rows still shown

@@ -2,7 +2,7 @@
 
 #include "ipc/channel.h"
 #include "nothrow_failure.h"
-#include "update_list/page_window_fixture.h"
+#include "page_window_fixture.h"
 #include "vtable_slot.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// The accessory list: taken once, turned into panels and separators, and counted down.
+// The accessory list: taken once, turned into rows and separators, and counted down.
 #include <new>
 
 #include "duilib/resource_manager.h"
@@ -55,10 +55,10 @@ void AccessoriesUpdateWnd::RecAllUpdateData(std::vector<AccessoryVersionDataInfo
     if (m_parent == nullptr) return;
     m_firmwareNum = static_cast<int>(list.size());
     LogLine(kLogDetail) << "firmwareNum:" << list.size();
-    InitFirmwareItems(list);
+    InitRows(list);
 }
 
-void AccessoriesUpdateWnd::InitFirmwareItems(std::vector<AccessoryVersionDataInfo>& list) {
+void AccessoriesUpdateWnd::InitRows(std::vector<AccessoryVersionDataInfo>& list) {
     if (m_paintManager == nullptr) return;
     auto* const container = dynamic_cast<CContainerUI*>(m_paintManager->FindControl(L"accessVer"));
     if (container == nullptr) return;
@@ -66,30 +66,30 @@ void AccessoriesUpdateWnd::InitFirmwareItems(std::vector<AccessoryVersionDataInf
     for (std::size_t i = 0; i < list.size(); ++i) {
         FirmwareItemDesc desc = Describe(list[i]);
         m_buildIndex = static_cast<int>(i);
-        g_updateItemList.emplace_back(desc.deviceKey, kRowKindDevice);  // stays when the panel fails, on purpose
-        AccessoriesFirwareWnd* const panel = CreateFirmwareItem(desc);
-        if (panel == nullptr) return;
-        panel->SetRowName(desc.deviceKey);
-        if (i + 1 != list.size()) AddItemLine(desc.deviceKey, m_buildIndex, container);
+        g_updateItemList.emplace_back(desc.deviceKey, kRowKindDevice);  // stays when the row fails, on purpose
+        AccessoriesFirwareWnd* const row = CreateRow(desc);
+        if (row == nullptr) return;
+        row->SetRowName(desc.deviceKey);
+        if (i + 1 != list.size()) AddLine(desc.deviceKey, m_buildIndex, container);
     }
-    RefreshFirmwareItems();
+    RefreshRows();
 }
 
-AccessoriesFirwareWnd* AccessoriesUpdateWnd::CreateFirmwareItem(FirmwareItemDesc& desc) {
+AccessoriesFirwareWnd* AccessoriesUpdateWnd::CreateRow(FirmwareItemDesc& desc) {
     if (m_paintManager == nullptr) return nullptr;
     auto* const container = dynamic_cast<CContainerUI*>(m_paintManager->FindControl(L"accessVer"));
     if (container == nullptr) return nullptr;
-    // Nobody deletes the panel, on purpose: the host's pump may still name it when the page goes.
-    auto* const panel = new (std::nothrow) AccessoriesFirwareWnd;
-    if (panel == nullptr) return nullptr;
-    panel->SetHeightCallBack([this](int height, bool grow, bool extra) { OnItemHeightChanged(height, grow, extra); });
-    panel->SetFinishCallBack([this] { OnItemFinished(); });
-    panel->InitFirmwareLayout(m_paintManager, m_notifyPump, container, desc);
-    m_panels[WideToAnsi(desc.deviceKey)] = panel;
-    return panel;
+    // Nobody deletes the row, on purpose: the host's pump may still name it when the page goes.
+    auto* const row = new (std::nothrow) AccessoriesFirwareWnd;
+    if (row == nullptr) return nullptr;
+    row->SetHeightCallBack([this](int height, bool grow, bool extra) { OnRowHeightChanged(height, grow, extra); });
+    row->SetFinishCallBack([this] { OnRowFinished(); });
+    row->InitFirmwareLayout(m_paintManager, m_notifyPump, container, desc);
+    m_rows[WideToAnsi(desc.deviceKey)] = row;
+    return row;
 }
 
-void AccessoriesUpdateWnd::AddItemLine(const std::wstring& deviceKey, int index, CContainerUI* list) {
+void AccessoriesUpdateWnd::AddLine(const std::wstring& deviceKey, int index, CContainerUI* list) {
     if (list == nullptr) return;
     auto* const line = new (std::nothrow) CLabelUI;
     if (line == nullptr) return;
@@ -105,11 +105,11 @@ void AccessoriesUpdateWnd::AddItemLine(const std::wstring& deviceKey, int index,
     m_lines[WideToAnsi(deviceKey)] = line;
 }
 
-void AccessoriesUpdateWnd::RefreshFirmwareItems() {
-    for (const auto& [key, panel] : m_panels) panel->UpdateDownloadForm();
+void AccessoriesUpdateWnd::RefreshRows() {
+    for (const auto& [key, row] : m_rows) row->UpdateDownloadForm();
 }
 
-void AccessoriesUpdateWnd::OnItemHeightChanged(int height, bool grow, bool /*extra*/) {
+void AccessoriesUpdateWnd::OnRowHeightChanged(int height, bool grow, bool /*extra*/) {
     CResourceManager::GetInstance()->GetScale();  // asked for, not used
     m_totalHeight += grow ? height : -height;
     if (m_objIPCClientPtr == nullptr) return;
@@ -117,7 +117,7 @@ void AccessoriesUpdateWnd::OnItemHeightChanged(int height, bool grow, bool /*ext
     kernel::Sleep(kHeightReportPause);
 }
 
-void AccessoriesUpdateWnd::OnItemFinished() {
+void AccessoriesUpdateWnd::OnRowFinished() {
     if (m_objIPCClientPtr == nullptr) return;
     if (--m_firmwareNum > 0) return;
     PostDecimal(m_objIPCClientPtr, IPC_ENDPOINT_HOST_STATUS, IPC_MSG_NO_UPDATES_LEFT, 0);

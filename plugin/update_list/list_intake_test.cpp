@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "firmware_item/panel_fixture.h"
 #include "nothrow_failure.h"
-#include "update_list/page_window_fixture.h"
+#include "page_window_fixture.h"
+#include "row_fixture.h"
 
 namespace {
 
@@ -96,7 +96,7 @@ TEST_F(ListIntake, OneLineStaysAsItIsAndMoreLinesEachEndWithALineFeed) {
         MakeWindow();
         DeliverList({Accessory("X1", c.lines)});
         EXPECT_EQ(Text(L"X1devInfo"), c.text);
-        EXPECT_EQ(DuiLib::PanelInspector::DevInfoLines(*PageInspector::Panels(*window).at("X1")), c.lines.size());
+        EXPECT_EQ(DuiLib::RowInspector::DevInfoLines(*PageInspector::Rows(*window).at("X1")), c.lines.size());
     }
 }
 
@@ -108,7 +108,7 @@ TEST_F(ListIntake, RowsAreFoldedAfterTheLastRecordInTheOrderOfTheirKeys) {
     EXPECT_FALSE(Shown(L"bdevInfo"));
     EXPECT_EQ(Logged(3).back(), L"[AccessoryLog] reduce hor :52(DuiLib::AccessoriesFirwareWnd::UpdateDownloadForm)");
     std::vector<std::string> keys;
-    for (const auto& [key, panel] : PageInspector::Panels(*window)) keys.push_back(key);
+    for (const auto& [key, row] : PageInspector::Rows(*window)) keys.push_back(key);
     EXPECT_THAT(keys, ElementsAre("A", "b"));
 }
 
@@ -116,7 +116,7 @@ TEST_F(ListIntake, TwoRecordsOfOneKeyGiveTwoRowsOfWhichTheLaterIsReached) {
     MakeWindow();
     DeliverList({Accessory("X1"), Accessory("X1"), Accessory("X2")});
     EXPECT_EQ(List().GetCount(), 5);
-    EXPECT_EQ(PageInspector::Panels(*window).size(), 2u);
+    EXPECT_EQ(PageInspector::Rows(*window).size(), 2u);
     EXPECT_EQ(PageInspector::Lines(*window).at("X1"), &Control(L"X1_1"));
     EXPECT_TRUE(Shown(L"X1_0"));
     DeliverFinish("X1");
@@ -133,14 +133,14 @@ TEST_F(ListIntake, WithoutTheContainerNothingIsBuilt) {
     EXPECT_TRUE(g_updateItemList.empty());
 }
 
-TEST_F(ListIntake, APanelThatCannotBeMadeEndsTheBuildAndEarlierRowsStay) {
+TEST_F(ListIntake, ARowThatCannotBeMadeEndsTheBuildAndEarlierRowsStay) {
     MakeWindow();
     Forget();
     std::vector<AccessoryVersionDataInfo> list = {Accessory("X1"), Accessory("X2"), Accessory("X3")};
-    const NothrowFailure failure(7 + 1);  // seven for the first row and its separator, then the panel
+    const NothrowFailure failure(7 + 1);  // seven for the first row and its separator, then the second row
     window->RecAllUpdateData(list);
     ASSERT_TRUE(failure.Happened());
-    EXPECT_EQ(PageInspector::Panels(*window).size(), 1u);
+    EXPECT_EQ(PageInspector::Rows(*window).size(), 1u);
     EXPECT_EQ(List().GetCount(), 2);
     EXPECT_TRUE(Shown(L"X1devInfo")) << "rows are not folded";
     EXPECT_EQ(g_updateItemList, (Rows{{L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}}))
@@ -162,8 +162,8 @@ TEST_F(ListIntake, ASeparatorThatCannotBeMadeIsLeftOutSilently) {
 TEST_F(ListIntake, HeightChangesAddUpAndCanGoBelowZero) {
     MakeWindow();
     Forget();
-    window->OnItemHeightChanged(10, true, true);
-    window->OnItemHeightChanged(22, false, false);
+    window->OnRowHeightChanged(10, true, true);
+    window->OnRowHeightChanged(22, false, false);
     EXPECT_THAT(Posted(), ElementsAre("1B0000 3A0066 10", "1B0000 3A0066 -12"));
     EXPECT_THAT(Slept(), ElementsAre(100, 100));
 }
@@ -179,10 +179,10 @@ TEST_F(ListIntake, AWindowWithoutClientAddsHeightsUpInSilenceAndDoesNotCountDown
     std::vector<AccessoryVersionDataInfo> list = {Accessory("X1")};
     window->RecAllUpdateData(list);
     Forget();
-    window->OnItemHeightChanged(10, true, true);
-    window->OnItemHeightChanged(22, false, false);
+    window->OnRowHeightChanged(10, true, true);
+    window->OnRowHeightChanged(22, false, false);
     EXPECT_EQ(PageInspector::TotalHeight(*window), 77 + 10 - 22);
-    window->OnItemFinished();
+    window->OnRowFinished();
     EXPECT_EQ(PageInspector::FirmwareNum(*window), 1);
     EXPECT_TRUE(seam::Get().events.empty()) << "neither post nor pause";
 }

@@ -1,4 +1,4 @@
-// Progress, end and failure messages on their way to the panel of the device.
+// Progress, end and failure messages on their way to the row of the device.
 #include "support/log_line.h"
 #include "update_list/accessories_update_wnd.h"
 
@@ -11,14 +11,14 @@ std::string PayloadText(const TagIPCMessageItem& item) { return item.data == nul
 
 }  // namespace
 
-AccessoriesFirwareWnd* AccessoriesUpdateWnd::FindPanel(const std::string& deviceKey) const {
-    const auto found = m_panels.find(deviceKey);
-    return found == m_panels.end() ? nullptr : found->second;
+AccessoriesFirwareWnd* AccessoriesUpdateWnd::FindRow(const std::string& deviceKey) const {
+    const auto found = m_rows.find(deviceKey);
+    return found == m_rows.end() ? nullptr : found->second;
 }
 
 void AccessoriesUpdateWnd::RecPkgDownloadProcess(PkgDownloadProcess& record) {
     LogLine(kLogDetail) << "AccessoriesUpdateWnd RecPkgDownloadProcess enter";
-    if (AccessoriesFirwareWnd* const panel = FindPanel(record.deviceKey)) panel->ShowDownloadProgress(record.progress);
+    if (AccessoriesFirwareWnd* const row = FindRow(record.deviceKey)) row->ShowDownloadProgress(record.progress);
 }
 
 void AccessoriesUpdateWnd::RecPkgFinish(TagIPCMessageItem& item) {
@@ -28,12 +28,12 @@ void AccessoriesUpdateWnd::RecPkgFinish(TagIPCMessageItem& item) {
         if (line->second == nullptr) return;
         line->second->SetVisible(false);
     }
-    if (AccessoriesFirwareWnd* const panel = FindPanel(key)) panel->SetFinishProcess();
+    if (AccessoriesFirwareWnd* const row = FindRow(key)) row->SetFinishProcess();
 }
 
 void AccessoriesUpdateWnd::RecPkgFail(TagIPCMessageItem& item) {
     LogLine(kLogEvent) << "AccessoriesUpdateWnd RecPkgFail enter";
-    if (AccessoriesFirwareWnd* const panel = FindPanel(PayloadText(item))) panel->SetRetryBtn();
+    if (AccessoriesFirwareWnd* const row = FindRow(PayloadText(item))) row->SetRetryBtn();
 }
 
 }  // namespace DuiLib

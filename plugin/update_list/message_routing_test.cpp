@@ -2,7 +2,7 @@
 
 #include "ansi_page.h"
 #include "ipc/channel.h"
-#include "update_list/page_window_fixture.h"
+#include "page_window_fixture.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ protected:
     MessageRouting() { MakeWindow(); }
 };
 
-TEST_F(MessageRouting, ProgressReachesThePanelOfItsKey) {
+TEST_F(MessageRouting, ProgressReachesTheRowOfItsKey) {
     DeliverList({Accessory("X1"), Accessory("X2")});
     Forget();
     DeliverProgress("X2", 37);
@@ -64,7 +64,7 @@ TEST_F(MessageRouting, ASecondEndOfTheSameRowCountsDownOnceMore) {
     EXPECT_TRUE(Shown(L"X2hor"));
 }
 
-TEST_F(MessageRouting, ASeparatorThatIsNullKeepsTheEndFromThePanel) {
+TEST_F(MessageRouting, ASeparatorThatIsNullKeepsTheEndFromTheRow) {
     DeliverList({Accessory("X1"), Accessory("X2")});
     PageInspector::Lines(*window)["X1"] = nullptr;
     Forget();
@@ -73,7 +73,7 @@ TEST_F(MessageRouting, ASeparatorThatIsNullKeepsTheEndFromThePanel) {
     EXPECT_THAT(Logged(), IsEmpty());
 }
 
-TEST_F(MessageRouting, AFailureBeforeTheListFindsNoPanel) {
+TEST_F(MessageRouting, AFailureBeforeTheListFindsNoRow) {
     Forget();
     DeliverFail("X1");
     EXPECT_THAT(Logged(4), ElementsAre(kFailEntered));
@@ -94,7 +94,7 @@ struct ForeignKey {
     const wchar_t* wide;
 };
 
-TEST_F(MessageRouting, AKeyOfAnyAnsiPageNamesTheControlsAndReachesItsPanel) {
+TEST_F(MessageRouting, AKeyOfAnyAnsiPageNamesTheControlsAndReachesItsRow) {
     const ForeignKey keys[] = {
         {kernel::kCodePageUtf8, "\xE7\xAC\x94-\xC3\xA9", L"\u7b14-\u00e9"},
         {1252, "caf\xE9\x80", L"caf\u00e9\u20ac"},

@@ -8,7 +8,7 @@
 
 #include "ipc/message_table.h"
 #include "ipc/record_codec.h"
-#include "update_list/page_window_fixture.h"
+#include "page_window_fixture.h"
 
 namespace {
 

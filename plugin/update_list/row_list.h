@@ -7,7 +7,7 @@
 namespace DuiLib {
 
 // The page's rows and separators in order, as pairs of (control name, kind). Process-wide: the list window appends, the
-// panels take entries out when their rows go away, and what a closed page leaves behind stays. Under the UI turn.
+// rows take entries out when their rows go away, and what a closed page leaves behind stays. Under the UI turn.
 extern std::vector<std::pair<std::wstring, std::wstring>> g_updateItemList;
 
 inline constexpr const wchar_t* kRowKindDevice = L"Device";

@@ -25,7 +25,7 @@ MinimalLayouts::Options LayoutOptions(const json& scenario) {
     MinimalLayouts::Options options;
     for (const std::string name : scenario.value("missing", json::array())) options.missing.insert(name);
     options.pageLayout = !scenario.value("pageLayoutMissing", false);
-    options.panelLayout = !scenario.value("panelLayoutMissing", false);
+    options.rowLayout = !scenario.value("panelLayoutMissing", false);
     return options;
 }
 

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 using namespace DuiLib;
 
 constexpr const wchar_t* kPage = L"../components/brindle/res/layout/Tolvane.xml";
-constexpr const wchar_t* kPanel = L"../components/brindle/res/layout/AccessoriesFirmwareWnd.xml";
+constexpr const wchar_t* kRow = L"../components/brindle/res/layout/AccessoriesFirmwareWnd.xml";
 
 fs::path Skin() { return CResourceManager::GetInstance()->Resolve(L"../components/brindle/res"); }
 
@@ -55,8 +55,8 @@ TEST_F(Resources, ThePageHasEveryNameThatTheModuleLooksUp) {
     EXPECT_NE(dynamic_cast<CContainerUI*>(manager.FindControl(L"accessVer")), nullptr);
 }
 
-TEST_F(Resources, ThePanelHasEveryNameThatTheModuleLooksUp) {
-    Load(kPanel);
+TEST_F(Resources, TheRowHasEveryNameThatTheModuleLooksUp) {
+    Load(kRow);
     for (const wchar_t* name : {L"version", L"desName", L"imageLabel", L"updateBtn", L"stopBtn", L"progress",
                                 L"pulldown", L"progressLayout", L"progressBtn", L"progressLabel", L"updateBtnText"}) {
         EXPECT_NE(manager.FindControl(name), nullptr) << testing::PrintToString(std::wstring(name));
@@ -65,8 +65,8 @@ TEST_F(Resources, ThePanelHasEveryNameThatTheModuleLooksUp) {
     EXPECT_NE(dynamic_cast<CVerticalLayoutUI*>(manager.FindControl(L"ver")), nullptr);
 }
 
-TEST_F(Resources, ThePanelStartsWithItsUpdateButton) {
-    Load(kPanel);
+TEST_F(Resources, TheRowStartsWithItsUpdateButton) {
+    Load(kRow);
     EXPECT_TRUE(manager.FindControl(L"updateBtn")->IsVisible());
     for (const wchar_t* name : {L"stopBtn", L"progress", L"progressLayout", L"progressBtn", L"progressLabel"}) {
         EXPECT_FALSE(manager.FindControl(name)->IsVisible()) << testing::PrintToString(std::wstring(name));
@@ -74,7 +74,7 @@ TEST_F(Resources, ThePanelStartsWithItsUpdateButton) {
 }
 
 TEST_F(Resources, TheMeasuringTextHasTheButtonsFont) {
-    Load(kPanel);
+    Load(kRow);
     EXPECT_EQ(manager.FindControl(L"updateBtnText")->GetFont(), manager.FindControl(L"updateBtn")->GetFont());
 }
 

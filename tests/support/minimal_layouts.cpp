@@ -58,15 +58,15 @@ void WritePage(const fs::path& file, const MinimalLayouts::Options& options) {
     page.Save(file);
 }
 
-void WritePanel(const fs::path& file, const MinimalLayouts::Options& options) {
-    LayoutWriter panel(options);
-    panel.Open("VerticalLayout", "").Open("HorizontalLayout", "hor");
-    panel.Leaf("Label", "imageLabel").Open("VerticalLayout", "ver").Leaf("Label", "desName").Leaf("Label", "version");
-    panel.Close("VerticalLayout").Leaf("Button", "updateBtn").Leaf("Label", "updateBtnText");
-    panel.Leaf("Label", "progressLabel", false).Leaf("Control", "progressLayout", false);
-    panel.Leaf("Label", "progressBtn", false).Leaf("Label", "progress", false).Leaf("Button", "stopBtn", false);
-    panel.Leaf("Button", "pulldown").Close("HorizontalLayout").Close("VerticalLayout");
-    panel.Save(file);
+void WriteRow(const fs::path& file, const MinimalLayouts::Options& options) {
+    LayoutWriter row(options);
+    row.Open("VerticalLayout", "").Open("HorizontalLayout", "hor");
+    row.Leaf("Label", "imageLabel").Open("VerticalLayout", "ver").Leaf("Label", "desName").Leaf("Label", "version");
+    row.Close("VerticalLayout").Leaf("Button", "updateBtn").Leaf("Label", "updateBtnText");
+    row.Leaf("Label", "progressLabel", false).Leaf("Control", "progressLayout", false);
+    row.Leaf("Label", "progressBtn", false).Leaf("Label", "progress", false).Leaf("Button", "stopBtn", false);
+    row.Leaf("Button", "pulldown").Close("HorizontalLayout").Close("VerticalLayout");
+    row.Save(file);
 }
 
 }  // namespace
@@ -76,7 +76,7 @@ MinimalLayouts::MinimalLayouts(const Options& options) : m_folder(NewFolder()) {
     fs::create_directories(layouts);
     fs::create_directories(m_folder / "bin");
     if (options.pageLayout) WritePage(layouts / "Tolvane.xml", options);
-    if (options.panelLayout) WritePanel(layouts / "AccessoriesFirmwareWnd.xml", options);
+    if (options.rowLayout) WriteRow(layouts / "AccessoriesFirmwareWnd.xml", options);
     DuiLib::CResourceManager::GetInstance()->SetResourceBase(m_folder / "bin");
 }
 

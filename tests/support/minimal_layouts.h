@@ -11,8 +11,8 @@ public:
     struct Options {
         std::set<std::string> missing;  // names that no layout defines
         bool pageLayout = true;         // whether the file is there
-        bool panelLayout = true;
-        std::set<std::string> plain = {};  // containers that the panel's layout defines as controls without children
+        bool rowLayout = true;
+        std::set<std::string> plain = {};  // containers that the row's layout defines as controls without children
     };
 
     explicit MinimalLayouts(const Options& options);

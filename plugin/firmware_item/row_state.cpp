@@ -1,4 +1,4 @@
-// What the panel does with clicks and with messages of the update service.
+// What the row does with clicks and with messages of the update service.
 //
 //   from                       event                     check              actions                          to
 //   idle                       click update button       companion runs     tip on the update button         idle
@@ -16,12 +16,12 @@
 //                                                                           downloading
 //
 // Idle: the update button is shown. Paused: m_isPaused. Failed: m_needRetry, which is asked first. Installing: the
-// record is 1001. Finished: the record is 2001. The flags are never reset together: a panel that was paused and then
+// record is 1001. Finished: the record is 2001. The flags are never reset together: a row that was paused and then
 // failed is still paused after the retry.
 #include "accessory_update_config/accessory_update_config.h"
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
-#include "firmware_item/panel_controls.h"
+#include "firmware_item/row_controls.h"
 #include "ipc/channel.h"
 #include "kernel/sleep.h"
 #include "support/log_line.h"

@@ -1,18 +1,18 @@
 #include <gmock/gmock.h>
 
 #include "ansi_page.h"
-#include "firmware_item/panel_fixture.h"
+#include "row_fixture.h"
 
 namespace {
 
-using DuiLib::PanelInspector;
+using DuiLib::RowInspector;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-class FirmwareNotices : public PanelFixture {
+class FirmwareNotices : public RowFixture {
 protected:
-    FirmwareNotices() { MakePanel(); }
+    FirmwareNotices() { MakeRow(); }
     std::vector<seam::Event> Reports() {
         std::vector<seam::Event> reports;
         for (const seam::Event& event : seam::Get().events) {
@@ -24,34 +24,34 @@ protected:
 
 TEST_F(FirmwareNotices, ATemplateWithoutPlaceholderGivesAnEmptyTip) {
     SetTextOf(L"IDS_ACCESSORIES_APP_STARTING", L"Close the program first.");
-    panel->AppRunningTipUpdateBtn();
+    row->AppRunningTipUpdateBtn();
     EXPECT_EQ(ToolTip(L"X1updateBtn"), L"");
 }
 
 TEST_F(FirmwareNotices, OnlyTheFirstOfTwoPlaceholdersIsFilled) {
     SetTextOf(L"IDS_ACCESSORIES_APP_STARTING", L"{0}: close {0}");
-    panel->AppRunningTipUpdateBtn();
+    row->AppRunningTipUpdateBtn();
     EXPECT_EQ(ToolTip(L"X1updateBtn"), L"Drawing pen: close {0}");
 }
 
 TEST_F(FirmwareNotices, TheTipOfTheStopButtonColoursTheProgressText) {
-    panel->AppRunningTipStopBtn();
+    row->AppRunningTipStopBtn();
     EXPECT_EQ(Attribute(L"X1progress", L"hottextcolor"), L"#660A59F7");
     EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Close Drawing pen first.");
     EXPECT_FALSE(Control(L"X1stopBtn").HasAttribute(L"hottextcolor"));
 }
 
 TEST_F(FirmwareNotices, TheTipOfTheUpdateButtonColoursTheButton) {
-    panel->AppRunningTipUpdateBtn();
+    row->AppRunningTipUpdateBtn();
     EXPECT_EQ(Attribute(L"X1updateBtn", L"hottextcolor"), L"#660A59F7");
     EXPECT_FALSE(Control(L"X1progress").HasAttribute(L"hottextcolor"));
 }
 
 TEST_F(FirmwareNotices, WithoutAClientTheLinesAreLoggedAndNothingIsPosted) {
-    PanelInspector::DropClient(*panel);
+    RowInspector::DropClient(*row);
     Forget();
-    panel->SendUIPluginUpdate("X1");
-    panel->SendUIPluginUpdateFinish("X1");
+    row->SendUIPluginUpdate("X1");
+    row->SendUIPluginUpdateFinish("X1");
     EXPECT_THAT(Logged(3), ElementsAre(L"[AccessoryLog]update : X1(DuiLib::AccessoriesFirwareWnd::SendUIPluginUpdate)",
                                        L"[AccessoryLog]update finish: X1"
                                        L"(DuiLib::AccessoriesFirwareWnd::SendUIPluginUpdateFinish)"));
@@ -60,7 +60,7 @@ TEST_F(FirmwareNotices, WithoutAClientTheLinesAreLoggedAndNothingIsPosted) {
 
 TEST_F(FirmwareNotices, TheZeroOfTheKeyIsPartOfThePayload) {
     Forget();
-    panel->SendUIPluginUpdate("0123456789");
+    row->SendUIPluginUpdate("0123456789");
     EXPECT_EQ(seam::Get().events.back().item.dataLen, 11);
     EXPECT_THAT(Posted(), ElementsAre("B20018 B20033 0123456789\\0"));
 }
@@ -81,7 +81,7 @@ TEST_F(FirmwareNotices, ADriverHasItsOwnEventId) {
     m_page.Discard();
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.isDriver = true;
-    MakePanel(desc);
+    MakeRow(desc);
     Click(L"X1updateBtn");
     EXPECT_EQ(Reports().front().text, "631990010");
     EXPECT_THAT(Logged(3),
@@ -95,7 +95,7 @@ TEST_F(FirmwareNotices, AModelIdOutsideTheAnsiPageReachesTheReportInItsReplaceme
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.nameId = L"pen\u7b14";
     desc.version = L"";
-    MakePanel(desc);
+    MakeRow(desc);
     Click(L"X1updateBtn");
     EXPECT_THAT(Reports().front().fields, ElementsAre(Pair("modelID", "pen?"), Pair("versionInfo", "")));
 }

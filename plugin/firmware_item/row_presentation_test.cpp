@@ -2,17 +2,17 @@
 
 #include <limits>
 
-#include "firmware_item/panel_controls.h"
-#include "firmware_item/panel_fixture.h"
+#include "firmware_item/row_controls.h"
+#include "row_fixture.h"
 
 namespace {
 
-using DuiLib::PanelInspector;
+using DuiLib::RowInspector;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class FirmwarePresentation : public PanelFixture {
+class FirmwarePresentation : public RowFixture {
 protected:
     void UseLabels(const wchar_t* text) {
         for (const wchar_t* id :
@@ -25,8 +25,8 @@ protected:
 
 TEST_F(FirmwarePresentation, NarrowLabelsMakeAButtonOf88) {
     UseLabels(L"go");
-    MakePanel();
-    EXPECT_EQ(PanelInspector::BarWidth(*panel), 88);
+    MakeRow();
+    EXPECT_EQ(RowInspector::BarWidth(*row), 88);
     for (const wchar_t* name :
          {L"X1updateBtn", L"X1progressLayout", L"X1progressBtn", L"X1progressLabel", L"X1progress", L"X1stopBtn"}) {
         EXPECT_EQ(Attribute(name, L"width"), L"88") << testing::PrintToString(std::wstring(name));
@@ -40,8 +40,8 @@ TEST_F(FirmwarePresentation, LabelsOf160AndMoreMakeAButtonOf172) {
         SetTextOf(L"IDS_ACCESSORIES_RETRY", std::wstring(static_cast<std::size_t>(units), L'm').c_str());
         m_page.Discard();
         Forget();
-        MakePanel();
-        EXPECT_EQ(PanelInspector::BarWidth(*panel), 172);
+        MakeRow();
+        EXPECT_EQ(RowInspector::BarWidth(*row), 172);
         EXPECT_THAT(Logged(3), Contains(L"[AccessoryLog]setting upgrade update button width: 172"
                                         L"(DuiLib::AccessoriesFirwareWnd::InitUpdateButton)"));
     }
@@ -49,21 +49,21 @@ TEST_F(FirmwarePresentation, LabelsOf160AndMoreMakeAButtonOf172) {
 
 TEST_F(FirmwarePresentation, TheMeasuredWidthIsTakenBackToDesignPixels) {
     UseScale(150);
-    MakePanel();
-    EXPECT_EQ(PanelInspector::BarWidth(*panel), 13 * 8 + 16) << "\"Installing...\"";
+    MakeRow();
+    EXPECT_EQ(RowInspector::BarWidth(*row), 13 * 8 + 16) << "\"Installing...\"";
 }
 
 TEST_F(FirmwarePresentation, WithoutTheMeasuringTextTheWidthStaysZero) {
     UseLayouts({{"updateBtnText"}, true, true});
-    MakePanel();
-    EXPECT_EQ(PanelInspector::BarWidth(*panel), 0);
+    MakeRow();
+    EXPECT_EQ(RowInspector::BarWidth(*row), 0);
     EXPECT_FALSE(Control(L"X1updateBtn").HasAttribute(L"width"));
 }
 
 TEST_F(FirmwarePresentation, StartSwitchesToTheProgressGroupAndPostsBoth) {
-    MakePanel();
+    MakeRow();
     Forget();
-    panel->RlushAccessries();
+    row->RlushAccessries();
     EXPECT_FALSE(Shown(L"X1updateBtn"));
     for (const wchar_t* name :
          {L"X1progressLayout", L"X1progressBtn", L"X1progressLabel", L"X1progress", L"X1stopBtn"}) {
@@ -74,44 +74,44 @@ TEST_F(FirmwarePresentation, StartSwitchesToTheProgressGroupAndPostsBoth) {
 }
 
 TEST_F(FirmwarePresentation, TheStartIsPostedOnceTheProgressGroupIsShown) {
-    MakePanel();
+    MakeRow();
     seam::Get().onPost = [this](int) {
         EXPECT_FALSE(Shown(L"X1updateBtn"));
         EXPECT_TRUE(Shown(L"X1progress"));
         EXPECT_TRUE(Shown(L"X1stopBtn"));
         EXPECT_EQ(Text(L"X1progress"), L"0%");
     };
-    panel->RlushAccessries();
+    row->RlushAccessries();
     EXPECT_EQ(Posted().size(), 2u);
 }
 
 TEST_F(FirmwarePresentation, StartWithoutTheControlsLogsAndDoesNothing) {
     UseLayouts({{"stopBtn"}, true, true});
     ExpectFailureLine(L"nullptr");
-    MakePanel();
+    MakeRow();
     Forget();
-    panel->RlushAccessries();
+    row->RlushAccessries();
     EXPECT_THAT(Logged(3), ElementsAre(L"[AccessoryLog] paintManager wrong nullptr"
                                        L"(DuiLib::AccessoriesFirwareWnd::RlushAccessries)"));
     EXPECT_THAT(Posted(), IsEmpty());
 }
 
 TEST_F(FirmwarePresentation, RenamedControlsAreLeftAloneButTheStartIsPosted) {
-    MakePanel();
+    MakeRow();
     Control(L"X1updateBtn").SetName(L"other1");
     Control(L"X1stopBtn").SetName(L"other2");
     Forget();
-    panel->RlushAccessries();
+    row->RlushAccessries();
     EXPECT_TRUE(Shown(L"other1"));
     EXPECT_FALSE(Shown(L"other2"));
     EXPECT_EQ(Posted().size(), 2u);
 }
 
 TEST_F(FirmwarePresentation, WhileTheCompanionRunsStartChangesNothingButTheTip) {
-    MakePanel();
+    MakeRow();
     CompanionRuns(L"X1");
     Forget();
-    panel->RlushAccessries();
+    row->RlushAccessries();
     EXPECT_TRUE(Shown(L"X1updateBtn"));
     EXPECT_FALSE(Shown(L"X1progress"));
     EXPECT_EQ(ToolTip(L"X1updateBtn"), L"Close Drawing pen first.");
@@ -123,11 +123,11 @@ TEST_F(FirmwarePresentation, WhileTheCompanionRunsStartChangesNothingButTheTip) 
 }
 
 TEST_F(FirmwarePresentation, TheSecondCompanionQuestionIsAskedOnlyAfterAYes) {
-    MakePanel();
-    panel->RlushAccessries();
+    MakeRow();
+    row->RlushAccessries();
     EXPECT_EQ(seam::Get().companionQuestions, (std::vector<std::wstring>{L"running:X1"}));
     seam::Get().companions[L"X1"] = {false, true};
-    panel->RlushAccessries();
+    row->RlushAccessries();
     EXPECT_EQ(seam::Get().companionQuestions, (std::vector<std::wstring>{L"running:X1", L"running:X1", L"app:X1"}));
 }
 
@@ -138,14 +138,14 @@ struct Fill {
 };
 
 TEST_F(FirmwarePresentation, ThePercentageIsDrawnAsALayerOverThePartNotYetDone) {
-    MakePanel();  // a bar of 120
+    MakeRow();  // a bar of 120
     for (const Fill& c : {Fill{0, L"0,0,120,0", L"0%"}, Fill{1, L"1,0,120,0", L"1%"}, Fill{37, L"44,0,120,0", L"37%"},
                           Fill{99, L"118,0,120,0", L"99%"}, Fill{-5, L"-6,0,120,0", L"-5%"}}) {
-        panel->ShowDownloadProgress(c.percent);
+        row->ShowDownloadProgress(c.percent);
         EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), c.pos);
         EXPECT_EQ(Text(L"X1progress"), c.text);
-        EXPECT_EQ(PanelInspector::ProgressRecord(*panel), c.text);
-        EXPECT_EQ(PanelInspector::PosRecord(*panel), c.pos);
+        EXPECT_EQ(RowInspector::ProgressRecord(*row), c.text);
+        EXPECT_EQ(RowInspector::PosRecord(*row), c.pos);
     }
     EXPECT_EQ(Attribute(L"X1progressLabel", L"borderfillcolor"), L"#FFA8B9FC");
     EXPECT_EQ(Attribute(L"X1progressLabel", L"bordersize"), L"1");
@@ -155,17 +155,17 @@ TEST_F(FirmwarePresentation, ThePercentageIsDrawnAsALayerOverThePartNotYetDone) 
     EXPECT_EQ(Attribute(L"X1progress", L"bkcolor"), L"00FFFFFF");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"bkround"), L"0,0");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"bkcolor"), L"#FFFFFFFF");
-    EXPECT_FALSE(PanelInspector::IsInstalling(*panel));
+    EXPECT_FALSE(RowInspector::IsInstalling(*row));
 }
 
 TEST_F(FirmwarePresentation, AHundredPercentAndMoreIsTheInstallingLook) {
-    MakePanel();
-    panel->RlushAccessries();
+    MakeRow();
+    row->RlushAccessries();
     for (const Fill& c : {Fill{100, L"120,0,120,0", L""}, Fill{250, L"300,0,120,0", L""}}) {
-        panel->ShowDownloadProgress(c.percent);
+        row->ShowDownloadProgress(c.percent);
         EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), c.pos);
-        EXPECT_EQ(PanelInspector::ProgressRecord(*panel), L"1001");
-        EXPECT_TRUE(PanelInspector::IsInstalling(*panel));
+        EXPECT_EQ(RowInspector::ProgressRecord(*row), L"1001");
+        EXPECT_TRUE(RowInspector::IsInstalling(*row));
         EXPECT_EQ(Text(L"X1progress"), L"Installing...");
         EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Installing...");
         EXPECT_FALSE(Shown(L"X1progressLabel"));
@@ -180,37 +180,37 @@ TEST_F(FirmwarePresentation, AHundredPercentAndMoreIsTheInstallingLook) {
 }
 
 TEST_F(FirmwarePresentation, ProgressWhilePausedShowsOnlyTheResumeText) {
-    MakePanel();
-    panel->RlushAccessries();
-    panel->ShowDownloadProgress(10);
-    panel->SetResume();
+    MakeRow();
+    row->RlushAccessries();
+    row->ShowDownloadProgress(10);
+    row->SetResume();
     Control(L"X1progress").SetText(L"something else");
-    panel->ShowDownloadProgress(50);
+    row->ShowDownloadProgress(50);
     EXPECT_EQ(Text(L"X1progress"), L"Resume");
-    EXPECT_EQ(PanelInspector::Percent(*panel), 50);
-    EXPECT_EQ(PanelInspector::ProgressRecord(*panel), L"10%");
+    EXPECT_EQ(RowInspector::Percent(*row), 50);
+    EXPECT_EQ(RowInspector::ProgressRecord(*row), L"10%");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"12,0,120,0");
 }
 
 TEST_F(FirmwarePresentation, AnAbsurdPercentageDoesNotOverflow) {
-    MakePanel();
-    panel->ShowDownloadProgress(std::numeric_limits<int>::max());
+    MakeRow();
+    row->ShowDownloadProgress(std::numeric_limits<int>::max());
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"-2147483648,0,120,0") << "as the platform converts it";
-    panel->ShowDownloadProgress(std::numeric_limits<int>::min());
+    row->ShowDownloadProgress(std::numeric_limits<int>::min());
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"-2147483648,0,120,0");
 }
 
 TEST_F(FirmwarePresentation, ThePullDownFoldsAndUnfolds) {
-    MakePanel();  // information of 40 pixels
+    MakeRow();  // information of 40 pixels
     heights.clear();
     Forget();
     Click(L"X1pulldown");
     EXPECT_FALSE(Shown(L"X1devInfo"));
-    EXPECT_FALSE(PanelInspector::Divider(*panel)->IsVisible());
+    EXPECT_FALSE(RowInspector::Divider(*row)->IsVisible());
     EXPECT_EQ(Attribute(L"X1pulldown", L"normalimage"), L"file='drawable/Brindle/ic_down.png' reverse='true'");
     EXPECT_EQ(Control(L"X1hor").GetFixedHeight(), 52);
     EXPECT_EQ(Control(L"X1ver").GetFixedHeight(), 52);
-    EXPECT_EQ(PanelInspector::PanelHeight(*panel), 77 - 24 - 40);
+    EXPECT_EQ(RowInspector::RowHeight(*row), 77 - 24 - 40);
     EXPECT_THAT(heights, ElementsAre(HeightReport{64, false, false}));
     EXPECT_THAT(Logged(3),
                 ElementsAre(L"[AccessoryLog] devHeight :40(DuiLib::AccessoriesFirwareWnd::ModifiyPullDownStatus)"));
@@ -222,12 +222,12 @@ TEST_F(FirmwarePresentation, ThePullDownFoldsAndUnfolds) {
     EXPECT_EQ(Control(L"X1hor").GetFixedHeight(), 76 + 40);
     EXPECT_EQ(Control(L"X1ver").GetFixedHeight(), 76 + 40);
     EXPECT_THAT(heights, ElementsAre(HeightReport{64, true, false}));
-    EXPECT_EQ(PanelInspector::PanelHeight(*panel), 77) << "two clicks bring it back";
+    EXPECT_EQ(RowInspector::RowHeight(*row), 77) << "two clicks bring it back";
 }
 
 TEST_F(FirmwarePresentation, UnfoldedHeightsAreDevicePixels) {
     UseScale(150);
-    MakePanel();  // two lines of 30 pixels
+    MakeRow();  // two lines of 30 pixels
     Click(L"X1pulldown");
     EXPECT_EQ(Control(L"X1hor").GetFixedHeight(), 78);
     heights.clear();
@@ -240,20 +240,20 @@ TEST_F(FirmwarePresentation, ThePanelsHeightIsDividedInSinglePrecision) {
     UseScale(110);
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.devInfo = L"1\n2\n3\n";
-    MakePanel(desc);
-    EXPECT_EQ(PanelInspector::DevInfoHeight(*panel), 66);
+    MakeRow(desc);
+    EXPECT_EQ(RowInspector::DevInfoHeight(*row), 66);
     Click(L"X1pulldown");
-    EXPECT_EQ(PanelInspector::PanelHeight(*panel), -7) << "in double precision it would be -6";
+    EXPECT_EQ(RowInspector::RowHeight(*row), -7) << "in double precision it would be -6";
 }
 
-TEST_F(FirmwarePresentation, UpdateDownloadFormLeavesThePanel24HigherThanAPullDown) {
-    MakePanel();
+TEST_F(FirmwarePresentation, UpdateDownloadFormLeavesTheRow24HigherThanAPullDown) {
+    MakeRow();
     Forget();
     heights.clear();
-    panel->UpdateDownloadForm();
-    EXPECT_EQ(PanelInspector::PanelHeight(*panel), 77 - 40);
+    row->UpdateDownloadForm();
+    EXPECT_EQ(RowInspector::RowHeight(*row), 77 - 40);
     EXPECT_FALSE(Shown(L"X1devInfo"));
-    EXPECT_FALSE(PanelInspector::Divider(*panel)->IsVisible());
+    EXPECT_FALSE(RowInspector::Divider(*row)->IsVisible());
     EXPECT_EQ(Control(L"X1hor").GetFixedHeight(), 52);
     EXPECT_EQ(Control(L"X1ver").GetFixedHeight(), 52);
     EXPECT_EQ(Attribute(L"X1pulldown", L"normalimage"), L"file='drawable/Brindle/ic_down.png' reverse='true'");
@@ -264,14 +264,14 @@ TEST_F(FirmwarePresentation, UpdateDownloadFormLeavesThePanel24HigherThanAPullDo
 
 TEST_F(FirmwarePresentation, UpdateDownloadFormAfterAnUnfoldIsLikeTheFirst) {
     UseScale(150);
-    MakePanel();
+    MakeRow();
     Click(L"X1pulldown");
-    EXPECT_EQ(PanelInspector::PanelHeight(*panel), 77 - 24 - 40);
+    EXPECT_EQ(RowInspector::RowHeight(*row), 77 - 24 - 40);
     Click(L"X1pulldown");
     Forget();
-    panel->UpdateDownloadForm();
-    EXPECT_EQ(PanelInspector::PanelHeight(*panel), 77 - 40);
-    EXPECT_FALSE(PanelInspector::Divider(*panel)->IsVisible());
+    row->UpdateDownloadForm();
+    EXPECT_EQ(RowInspector::RowHeight(*row), 77 - 40);
+    EXPECT_FALSE(RowInspector::Divider(*row)->IsVisible());
     EXPECT_EQ(Control(L"X1ver").GetFixedHeight(), 78);
     EXPECT_THAT(Logged(3),
                 ElementsAre(L"[AccessoryLog] reduce hor :78(DuiLib::AccessoriesFirwareWnd::UpdateDownloadForm)"));

@@ -1,4 +1,4 @@
-// How the panel looks: button and bar width, download and installing looks, the pull-down.
+// How the row looks: button and bar width, download and installing looks, the pull-down.
 //
 //   state         update button   progress group                         text
 //   offered       visible         hidden                                 -
@@ -11,7 +11,7 @@
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
-#include "firmware_item/panel_controls.h"
+#include "firmware_item/row_controls.h"
 #include "support/log_line.h"
 
 namespace DuiLib {
@@ -150,11 +150,11 @@ void AccessoriesFirwareWnd::ModifiyPullDownStatus() {
     ShowDevInfo(!fold);
     m_pulldown->SetAttribute(L"normalimage", fold ? kDownImage : kUpImage);
     if (fold) {
-        m_panelHeight = Truncate(static_cast<float>(m_panelHeight - kFoldPadding) - information);
+        m_rowHeight = Truncate(static_cast<float>(m_rowHeight - kFoldPadding) - information);
         m_hor->SetFixedHeight(kFoldedHeight);
         if (m_ver != nullptr) m_ver->SetFixedHeight(kFoldedHeight);
     } else {
-        m_panelHeight = Truncate(static_cast<float>(m_panelHeight + kFoldPadding) + information);
+        m_rowHeight = Truncate(static_cast<float>(m_rowHeight + kFoldPadding) + information);
         const int height = Truncate(scale * kUnfoldedBase + m_devInfoHeight);
         m_hor->SetFixedHeightInPixels(height);
         if (m_ver != nullptr) m_ver->SetFixedHeightInPixels(height);
@@ -167,7 +167,7 @@ void AccessoriesFirwareWnd::UpdateDownloadForm() {
     ShowDevInfo(false);
     m_pulldown->SetAttribute(L"normalimage", kDownImage);
     // Without the 24 pixels that the pull-down takes off, on purpose.
-    m_panelHeight = Truncate(static_cast<float>(m_panelHeight) - static_cast<float>(m_devInfoHeight) / ScaleDivisor());
+    m_rowHeight = Truncate(static_cast<float>(m_rowHeight) - static_cast<float>(m_devInfoHeight) / ScaleDivisor());
     m_hor->SetFixedHeight(kFoldedHeight);
     if (m_ver != nullptr) m_ver->SetFixedHeight(kFoldedHeight);
     LogLine(kLogDetail) << " reduce hor :" << m_hor->GetHeight();

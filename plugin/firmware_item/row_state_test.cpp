@@ -1,16 +1,16 @@
 #include <gmock/gmock.h>
 
-#include "firmware_item/panel_fixture.h"
+#include "row_fixture.h"
 
 namespace {
 
-using DuiLib::PanelInspector;
+using DuiLib::RowInspector;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class FirmwareState : public PanelFixture {
+class FirmwareState : public RowFixture {
 protected:
-    FirmwareState() { MakePanel(); }
+    FirmwareState() { MakeRow(); }
 };
 
 TEST_F(FirmwareState, AClickOnUpdateStartsAndReports) {
@@ -32,18 +32,18 @@ TEST_F(FirmwareState, PauseAsksTheServiceAndTellsTheHost) {
                                        Line(L"update finish: X1", L"SendUIPluginUpdateFinish")));
     EXPECT_THAT(Logged(4), IsEmpty());
     EXPECT_THAT(Posted(), ElementsAre("B20001 B20025 X1\\0", "B20018 B20034 X1\\0"));
-    EXPECT_TRUE(PanelInspector::IsPaused(*panel));
+    EXPECT_TRUE(RowInspector::IsPaused(*row));
     EXPECT_EQ(Text(L"X1progress"), L"Resume");
     EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Resume");
     EXPECT_EQ(Control(L"X1progress").GetFont(), 102);
 }
 
-TEST_F(FirmwareState, PauseIsPostedUnderTheResumeTextAndBeforeThePanelCountsAsPaused) {
+TEST_F(FirmwareState, PauseIsPostedUnderTheResumeTextAndBeforeTheRowCountsAsPaused) {
     Download(37);
     seam::Get().onPost = [this](int) {
         EXPECT_EQ(Text(L"X1progress"), L"Resume");
         EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Resume");
-        EXPECT_FALSE(PanelInspector::IsPaused(*panel));
+        EXPECT_FALSE(RowInspector::IsPaused(*row));
     };
     Click(L"X1stopBtn");
     EXPECT_EQ(Posted().size(), 2u);
@@ -53,7 +53,7 @@ TEST_F(FirmwareState, PauseIsNotRefusedWhileTheCompanionRuns) {
     Download(37);
     CompanionRuns(L"X1");
     Click(L"X1stopBtn");
-    EXPECT_TRUE(PanelInspector::IsPaused(*panel));
+    EXPECT_TRUE(RowInspector::IsPaused(*row));
 }
 
 TEST_F(FirmwareState, PauseWritesIntoAControlThatHasTheKeyAsItsName) {
@@ -77,7 +77,7 @@ TEST_F(FirmwareState, ResumeAfterAPercentPutsTextAndBarBack) {
     EXPECT_EQ(Text(L"X1progress"), L"37%");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
     EXPECT_EQ(ToolTip(L"X1stopBtn"), L"");
-    EXPECT_FALSE(PanelInspector::IsPaused(*panel));
+    EXPECT_FALSE(RowInspector::IsPaused(*row));
 }
 
 TEST_F(FirmwareState, ResumeIsPostedBetweenTheOldTextAndTheEndOfTheToolTip) {
@@ -89,7 +89,7 @@ TEST_F(FirmwareState, ResumeIsPostedBetweenTheOldTextAndTheEndOfTheToolTip) {
         EXPECT_EQ(Text(L"X1progress"), L"37%");
         EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
         EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Resume");
-        EXPECT_TRUE(PanelInspector::IsPaused(*panel));
+        EXPECT_TRUE(RowInspector::IsPaused(*row));
     };
     Click(L"X1stopBtn");
     EXPECT_EQ(Posted().size(), 2u);
@@ -105,7 +105,7 @@ TEST_F(FirmwareState, ResumeWhileInstallingShowsTheInstallingText) {
 
 TEST_F(FirmwareState, ResumeAfterTheEndShowsTheEndTextInFont9AndSaysSo) {
     Download(100);
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     Click(L"X1stopBtn");
     Forget();
     Click(L"X1stopBtn");
@@ -125,20 +125,20 @@ TEST_F(FirmwareState, ResumeIsRefusedWhileTheCompanionRuns) {
                                        Line(L"update app running stop", L"AppRunningTipStopBtn")));
     EXPECT_THAT(Logged(4), IsEmpty());
     EXPECT_THAT(Posted(), IsEmpty());
-    EXPECT_TRUE(PanelInspector::IsPaused(*panel));
+    EXPECT_TRUE(RowInspector::IsPaused(*row));
     EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Close Drawing pen first.");
 }
 
 TEST_F(FirmwareState, AFailureDrawsTheBarEmptyAndKeepsTheRecords) {
     Download(37);
-    panel->SetRetryBtn();
+    row->SetRetryBtn();
     EXPECT_THAT(Logged(3), ElementsAre(Line(L"set retry btn", L"SetRetryBtn"),
                                        Line(L"update finish: X1", L"SendUIPluginUpdateFinish"),
                                        Line(L"retry progress record: 37%", L"SetRetryBtn"),
                                        Line(L"retry pos record: 44,0,120,0", L"SetRetryBtn")));
     EXPECT_THAT(Logged(4), IsEmpty());
     EXPECT_THAT(Posted(), ElementsAre("B20018 B20034 X1\\0"));
-    EXPECT_TRUE(PanelInspector::NeedsRetry(*panel));
+    EXPECT_TRUE(RowInspector::NeedsRetry(*row));
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"0,0,0,0");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"width"), L"120");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"bkround"), L"28,28");
@@ -151,14 +151,14 @@ TEST_F(FirmwareState, AFailureDrawsTheBarEmptyAndKeepsTheRecords) {
     EXPECT_EQ(Control(L"X1progress").GetFont(), 9);
     EXPECT_EQ(Text(L"X1progress"), L"Try again");
     EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Try again");
-    EXPECT_EQ(PanelInspector::ProgressRecord(*panel), L"37%");
-    EXPECT_EQ(PanelInspector::PosRecord(*panel), L"44,0,120,0");
+    EXPECT_EQ(RowInspector::ProgressRecord(*row), L"37%");
+    EXPECT_EQ(RowInspector::PosRecord(*row), L"44,0,120,0");
 }
 
-TEST_F(FirmwareState, AFailureIsToldToTheHostBeforeThePanelShowsIt) {
+TEST_F(FirmwareState, AFailureIsToldToTheHostBeforeTheRowShowsIt) {
     Download(37);
     seam::Get().onPost = [this](int) {
-        EXPECT_FALSE(PanelInspector::NeedsRetry(*panel));
+        EXPECT_FALSE(RowInspector::NeedsRetry(*row));
         EXPECT_EQ(Text(L"X1progress"), L"37%");
         EXPECT_EQ(Control(L"X1progress").GetFont(), 102);
         EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
@@ -166,13 +166,13 @@ TEST_F(FirmwareState, AFailureIsToldToTheHostBeforeThePanelShowsIt) {
         EXPECT_THAT(Logged(3), ElementsAre(Line(L"set retry btn", L"SetRetryBtn"),
                                            Line(L"update finish: X1", L"SendUIPluginUpdateFinish")));
     };
-    panel->SetRetryBtn();
+    row->SetRetryBtn();
     EXPECT_EQ(Posted().size(), 1u);
 }
 
 TEST_F(FirmwareState, ARetryPutsTheLastFillBackAndStartsAgain) {
     Download(37);
-    panel->SetRetryBtn();
+    row->SetRetryBtn();
     Forget();
     Click(L"X1stopBtn");
     EXPECT_THAT(Logged(3),
@@ -182,7 +182,7 @@ TEST_F(FirmwareState, ARetryPutsTheLastFillBackAndStartsAgain) {
                             Line(L"control retry", L"ControlRetry"), Line(L"update : X1", L"SendUIPluginUpdate")));
     EXPECT_THAT(Logged(4), IsEmpty());
     EXPECT_THAT(Posted(), ElementsAre("B20001 B20022 X1\\0", "B20018 B20033 X1\\0"));
-    EXPECT_FALSE(PanelInspector::NeedsRetry(*panel));
+    EXPECT_FALSE(RowInspector::NeedsRetry(*row));
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"bkround"), L"0,0");
     EXPECT_EQ(Attribute(L"X1progressLabel", L"bordersize"), L"1");
@@ -196,13 +196,13 @@ TEST_F(FirmwareState, ARetryPutsTheLastFillBackAndStartsAgain) {
 
 TEST_F(FirmwareState, ARetryIsPostedUnderTheDownloadLookAndWhileStillPending) {
     Download(37);
-    panel->SetRetryBtn();
+    row->SetRetryBtn();
     Forget();
     seam::Get().onPost = [this](int) {
         EXPECT_EQ(Text(L"X1progress"), L"37%");
         EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
         EXPECT_EQ(ToolTip(L"X1stopBtn"), L"");
-        EXPECT_TRUE(PanelInspector::NeedsRetry(*panel));
+        EXPECT_TRUE(RowInspector::NeedsRetry(*row));
     };
     Click(L"X1stopBtn");
     EXPECT_EQ(Posted().size(), 2u);
@@ -210,7 +210,7 @@ TEST_F(FirmwareState, ARetryIsPostedUnderTheDownloadLookAndWhileStillPending) {
 
 TEST_F(FirmwareState, ARetryWhileTheCompanionRunsShowsTheTipAndStaysPending) {
     Download(37);
-    panel->SetRetryBtn();
+    row->SetRetryBtn();
     CompanionRuns(L"X1");
     Forget();
     Click(L"X1stopBtn");
@@ -219,17 +219,17 @@ TEST_F(FirmwareState, ARetryWhileTheCompanionRunsShowsTheTipAndStaysPending) {
                                        Line(L"update app running stop", L"AppRunningTipStopBtn")));
     EXPECT_THAT(Logged(4), IsEmpty());
     EXPECT_THAT(Posted(), IsEmpty());
-    EXPECT_TRUE(PanelInspector::NeedsRetry(*panel));
+    EXPECT_TRUE(RowInspector::NeedsRetry(*row));
     EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Close Drawing pen first.");
 }
 
 TEST_F(FirmwareState, ARetryAfterInstallingOrTheEndShowsTheirTexts) {
     Download(100);
-    panel->SetRetryBtn();
+    row->SetRetryBtn();
     Click(L"X1stopBtn");
     EXPECT_EQ(Text(L"X1progress"), L"Installing...");
-    panel->SetFinishProcess();
-    panel->SetRetryBtn();
+    row->SetFinishProcess();
+    row->SetRetryBtn();
     Forget();
     Click(L"X1stopBtn");
     EXPECT_EQ(Text(L"X1progress"), L"Up to date");
@@ -237,23 +237,23 @@ TEST_F(FirmwareState, ARetryAfterInstallingOrTheEndShowsTheirTexts) {
     EXPECT_THAT(Logged(), testing::Not(testing::Contains(testing::HasSubstr(L"UPDATE_STATUS_INSTALLEND"))));
 }
 
-TEST_F(FirmwareState, APanelThatWasPausedAndThenFailedIsStillPausedAfterTheRetry) {
+TEST_F(FirmwareState, ARowThatWasPausedAndThenFailedIsStillPausedAfterTheRetry) {
     Download(37);
     Click(L"X1stopBtn");
-    panel->SetRetryBtn();
+    row->SetRetryBtn();
     Click(L"X1stopBtn");
-    EXPECT_TRUE(PanelInspector::IsPaused(*panel));
+    EXPECT_TRUE(RowInspector::IsPaused(*row));
     Forget();
     Click(L"X1stopBtn");
     EXPECT_THAT(Posted(), ElementsAre("B20001 B20022 X1\\0", "B20018 B20033 X1\\0")) << "resumes instead of pausing";
 }
 
-TEST_F(FirmwareState, AClickOnAControlOfAnotherPanelIsIgnored) {
+TEST_F(FirmwareState, AClickOnAControlOfAnotherRowIsIgnored) {
     DuiLib::CControlUI other;
     other.SetName(L"X2stopBtn");
     DuiLib::TNotifyUI message{DuiLib::kNotifyClick, &other, {}, {}};
     Forget();
-    panel->OnClick(message);
+    row->OnClick(message);
     EXPECT_TRUE(seam::Get().events.empty());
 }
 
@@ -261,14 +261,14 @@ TEST_F(FirmwareState, ANotificationOtherThanClickIsIgnored) {
     Forget();
     m_page.Notify(L"X1updateBtn", L"mouseenter");
     DuiLib::TNotifyUI message{L"mouseenter", &Control(L"X1updateBtn"), {}, {}};
-    panel->OnClick(message);
+    row->OnClick(message);
     EXPECT_TRUE(seam::Get().events.empty());
 }
 
 TEST_F(FirmwareState, ANotificationWithoutASenderIsIgnored) {
     Forget();
     DuiLib::TNotifyUI message{DuiLib::kNotifyClick, nullptr, {}, {}};
-    panel->OnClick(message);
+    row->OnClick(message);
     EXPECT_TRUE(seam::Get().events.empty());
 }
 

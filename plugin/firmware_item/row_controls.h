@@ -7,7 +7,7 @@
 
 #include "duilib/control.h"
 
-// Operations on a panel's controls, any of which the layout may lack.
+// Operations on a row's controls, any of which the layout may lack.
 namespace DuiLib {
 
 inline constexpr int kTextFont = 9;      // information, and texts of ended or failed updates

@@ -1,14 +1,22 @@
-// The panel's IPC client, its notices to the host, and the tip that says that the companion program runs.
+// The row's IPC client, its notices to the host, and the tip that says that the companion program runs.
 #include <new>
 
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
-#include "firmware_item/panel_controls.h"
+#include "firmware_item/row_controls.h"
 #include "ipc/channel.h"
+#include "qx_data_report/qx_data_report.h"
 #include "support/log_line.h"
 #include "support/text.h"
 
 namespace DuiLib {
+
+namespace {
+
+constexpr const char* kDriverEventId = "631990010";
+constexpr const char* kAppEventId = "631990011";
+
+}  // namespace
 
 void AccessoriesFirwareWnd::ResigterFirmwareCallBacks() {
     m_ipcClient = NewPageClient();
@@ -52,6 +60,16 @@ void AccessoriesFirwareWnd::SendUIPluginUpdate(const std::string& deviceKey) {
 void AccessoriesFirwareWnd::SendUIPluginUpdateFinish(const std::string& deviceKey) {
     LogLine(kLogDetail) << "update finish: " << deviceKey;
     PostDeviceKey(m_ipcClient, IPC_ENDPOINT_HOST_PLUGIN, IPC_MSG_PLUGIN_UPDATE_FINISH, deviceKey);
+}
+
+void AccessoriesFirwareWnd::BigDataReportSettingCenterUpdatePlugin(const AccessoriesFirwareWnd& device) {
+    // "firename" is misspelt on purpose.
+    LogLine(kLogDetail) << "update plugin type: " << device.m_isDriver << " firename: " << device.m_nameId
+                        << " pkgname: " << device.m_devKey;
+    QxDataEvent event(device.m_isDriver ? kDriverEventId : kAppEventId, REPORT_PLATFORM_DEFAULT);
+    event.PutString("modelID", WideToAnsi(device.m_nameId));
+    event.PutString("versionInfo", WideToAnsi(device.m_version));
+    QxDataReport::Instance()->SendMsg(event);
 }
 
 }  // namespace DuiLib

@@ -1,34 +1,34 @@
 #include <gmock/gmock.h>
 
-#include "firmware_item/panel_fixture.h"
 #include "nothrow_failure.h"
+#include "row_fixture.h"
 
 namespace {
 
 using DuiLib::AccessoriesFirwareWnd;
-using DuiLib::PanelInspector;
+using DuiLib::RowInspector;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class FirmwareForm : public PanelFixture {};
+class FirmwareForm : public RowFixture {};
 
-TEST_F(FirmwareForm, APanelStartsWithNothingDone) {
+TEST_F(FirmwareForm, ARowStartsWithNothingDone) {
     const AccessoriesFirwareWnd fresh;
-    EXPECT_EQ(PanelInspector::ProgressRecord(fresh), L"0%");
-    EXPECT_EQ(PanelInspector::PosRecord(fresh), L"0,0,0,0");
-    EXPECT_EQ(PanelInspector::DevInfoLines(fresh), 0u);
-    EXPECT_EQ(PanelInspector::Client(fresh), nullptr);
+    EXPECT_EQ(RowInspector::ProgressRecord(fresh), L"0%");
+    EXPECT_EQ(RowInspector::PosRecord(fresh), L"0,0,0,0");
+    EXPECT_EQ(RowInspector::DevInfoLines(fresh), 0u);
+    EXPECT_EQ(RowInspector::Client(fresh), nullptr);
 }
 
 TEST_F(FirmwareForm, TheNumberOfLinesIsTakenFromTheDescription) {
-    MakePanel();
-    EXPECT_EQ(PanelInspector::DevInfoLines(*panel), 2u);
+    MakeRow();
+    EXPECT_EQ(RowInspector::DevInfoLines(*row), 2u);
 }
 
 TEST_F(FirmwareForm, ShowsVersionNamePictureAndInformation) {
-    MakePanel();
+    MakeRow();
     EXPECT_EQ(Text(L"version"), L"App version 1.0.2");
     EXPECT_EQ(Text(L"desName"), L"Drawing pen");
     EXPECT_EQ(Attribute(L"imageLabel", L"bkimage"), L"file='drawable/pen.svg'");
@@ -42,19 +42,19 @@ TEST_F(FirmwareForm, ShowsVersionNamePictureAndInformation) {
 TEST_F(FirmwareForm, ADriverHasTheDriverWording) {
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.isDriver = true;
-    MakePanel(desc);
+    MakeRow(desc);
     EXPECT_EQ(Text(L"version"), L"Driver version 1.0.2");
 }
 
 TEST_F(FirmwareForm, AVersionTextWithoutPlaceholderShowsNothing) {
     SetTextOf(L"IDS_ACCESSORIES_APP_VERSION", L"Version");
-    MakePanel();
+    MakeRow();
     EXPECT_EQ(Text(L"version"), L"");
 }
 
 TEST_F(FirmwareForm, TheDividerStandsAboveTheInformation) {
-    MakePanel();
-    DuiLib::CControlUI* const divider = PanelInspector::Divider(*panel);
+    MakeRow();
+    DuiLib::CControlUI* const divider = RowInspector::Divider(*row);
     auto* const column = dynamic_cast<DuiLib::CContainerUI*>(&Control(L"X1ver"));
     ASSERT_NE(column, nullptr);
     EXPECT_EQ(column->GetItemAt(column->GetCount() - 2), divider);
@@ -67,9 +67,9 @@ TEST_F(FirmwareForm, TheDividerStandsAboveTheInformation) {
 }
 
 TEST_F(FirmwareForm, ReportsItsHeightOnceAs77AndLogsIt) {
-    MakePanel();
+    MakeRow();
     EXPECT_THAT(heights, ElementsAre(HeightReport{77, true, true}));
-    EXPECT_EQ(PanelInspector::PanelHeight(*panel), 77);
+    EXPECT_EQ(RowInspector::RowHeight(*row), 77);
     EXPECT_EQ(Attribute(L"X1hor", L"height"), L"92");  // two lines of 20, and 52
     EXPECT_THAT(Logged(3), ElementsAre(L"[AccessoryLog]InitForm start(DuiLib::AccessoriesFirwareWnd::InitForm)",
                                        L"[AccessoryLog]setting upgrade update button width: 120"
@@ -96,7 +96,7 @@ TEST_F(FirmwareForm, AMissingLayoutFileIsLogged) {
     UseLayouts({{}, true, false});
     ExpectFailureLine(L"firware item fail to create control");
     DuiLib::SetDiagnosticSink([](const std::string&) {});
-    MakePanel();
+    MakeRow();
     DuiLib::SetDiagnosticSink({});
     EXPECT_THAT(Logged(4), ElementsAre(L"[AccessoryLog]firware item fail to create control"
                                        L"(DuiLib::AccessoriesFirwareWnd::InitFirmwareLayout)"));
@@ -107,7 +107,7 @@ TEST_F(FirmwareForm, AMissingLayoutFileIsLogged) {
 TEST_F(FirmwareForm, WithoutUpdateBtnNothingElseIsBoundAndNoHeightIsReported) {
     UseLayouts({{"updateBtn"}, true, true});
     ExpectFailureLine(L" devInfo is nullptr");
-    MakePanel();
+    MakeRow();
     EXPECT_NE(m_page.Find(L"stopBtn"), nullptr) << "keeps its name";
     EXPECT_EQ(m_page.Find(L"X1devInfo"), nullptr);
     EXPECT_THAT(Logged(4), ElementsAre(Line(L" devInfo is nullptr", L"SettingDevInfo")));
@@ -121,7 +121,7 @@ TEST_F(FirmwareForm, WithoutUpdateBtnNothingElseIsBoundAndNoHeightIsReported) {
 TEST_F(FirmwareForm, WithoutVerNoHeightIsReportedAndTheStartWorks) {
     UseLayouts({{"ver"}, true, true});
     ExpectFailureLine(L" devInfo is nullptr");
-    MakePanel();
+    MakeRow();
     EXPECT_THAT(Logged(4), ElementsAre(Line(L" devInfo is nullptr", L"SettingDevInfo")));
     EXPECT_THAT(heights, IsEmpty());
     Forget();
@@ -132,11 +132,11 @@ TEST_F(FirmwareForm, WithoutVerNoHeightIsReportedAndTheStartWorks) {
 
 TEST_F(FirmwareForm, WithoutProgressBtnTheProgressLabelKeepsItsNameAndTheWidthIsSet) {
     UseLayouts({{"progressBtn"}, true, true});
-    MakePanel();
+    MakeRow();
     EXPECT_NE(m_page.Find(L"X1progressLayout"), nullptr);
     EXPECT_NE(m_page.Find(L"progressLabel"), nullptr);
     EXPECT_EQ(m_page.Find(L"X1progressLabel"), nullptr);
-    EXPECT_EQ(PanelInspector::BarWidth(*panel), 120);
+    EXPECT_EQ(RowInspector::BarWidth(*row), 120);
     EXPECT_EQ(Attribute(L"X1updateBtn", L"width"), L"120");
     EXPECT_FALSE(Control(L"progressLabel").HasAttribute(L"width"));
 }
@@ -147,7 +147,7 @@ TEST_F(FirmwareForm, AHorOrVerThatCannotHoldControlsCountsAsMissing) {
         UseLayouts({{}, true, true, {std::string(name, name + 3)}});
         m_page.Discard();
         Forget();
-        MakePanel();
+        MakeRow();
         EXPECT_NE(m_page.Find(name), nullptr) << "keeps its name";
         EXPECT_EQ(m_page.Find(std::wstring(L"X1") + name), nullptr);
         EXPECT_NE(m_page.Find(L"pulldown"), nullptr) << "comes behind it";
@@ -174,7 +174,7 @@ TEST_F(FirmwareForm, AMissingTextOrPictureIsLogged) {
         UseLayouts({{c.name}, true, true});
         Forget();
         m_page.Discard();
-        MakePanel();
+        MakeRow();
         EXPECT_THAT(Logged(4), ElementsAre(c.line)) << c.name;
     }
 }
@@ -183,88 +183,88 @@ TEST_F(FirmwareForm, AtScale125TheInformationIsMeasuredAt340AndTheRowHasItsHeigh
     UseScale(125);
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.devInfo = std::wstring(35, L'x');  // 34 cells of 10 pixels fit into 340
-    MakePanel(desc);
-    EXPECT_EQ(PanelInspector::DevInfoHeight(*panel), 2 * 25);
+    MakeRow(desc);
+    EXPECT_EQ(RowInspector::DevInfoHeight(*row), 2 * 25);
     EXPECT_EQ(Control(L"X1devInfo").GetFixedHeight(), 50);
     EXPECT_EQ(Attribute(L"X1hor", L"height"), std::to_wstring(50 * 100 / 125 + 52));
 
     m_page.Discard();
     desc.devInfo.pop_back();
-    MakePanel(desc);
-    EXPECT_EQ(PanelInspector::DevInfoHeight(*panel), 25) << "one line";
+    MakeRow(desc);
+    EXPECT_EQ(RowInspector::DevInfoHeight(*row), 25) << "one line";
 }
 
 TEST_F(FirmwareForm, AtScale90TheDivisorIs100) {
     UseScale(90);
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.devInfo = std::wstring(3777, L'x');  // 27200 pixels hold 3777 cells of 7.2
-    MakePanel(desc);
-    EXPECT_EQ(PanelInspector::DevInfoHeight(*panel), 18) << "one line";
+    MakeRow(desc);
+    EXPECT_EQ(RowInspector::DevInfoHeight(*row), 18) << "one line";
     EXPECT_EQ(Attribute(L"X1hor", L"height"), L"52") << "a hundredth of 18, and 52";
 
     m_page.Discard();
     desc.devInfo += L'x';
-    MakePanel(desc);
-    EXPECT_EQ(PanelInspector::DevInfoHeight(*panel), 36) << "two lines";
+    MakeRow(desc);
+    EXPECT_EQ(RowInspector::DevInfoHeight(*row), 36) << "two lines";
 }
 
 TEST_F(FirmwareForm, TheRowsHeightIsDividedInSinglePrecision) {
     UseScale(120);
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.devInfo = L"1\n2\n3\n";
-    MakePanel(desc);
-    EXPECT_EQ(PanelInspector::DevInfoHeight(*panel), 72);
+    MakeRow(desc);
+    EXPECT_EQ(RowInspector::DevInfoHeight(*row), 72);
     EXPECT_EQ(Attribute(L"X1hor", L"height"), L"111") << "in double precision it would be 112";
 }
 
 TEST_F(FirmwareForm, TwoPanelsUnderOnePaintManagerKeepDistinctNames) {
-    MakePanel();
-    const auto first = std::move(panel);
+    MakeRow();
+    const auto first = std::move(row);
     DuiLib::FirmwareItemDesc desc = Pen();
     desc.deviceKey = L"X2";
-    MakePanel(desc);
+    MakeRow(desc);
     for (const wchar_t* name : {L"updateBtn", L"stopBtn", L"progress", L"hor", L"ver", L"pulldown", L"progressLayout",
                                 L"progressBtn", L"progressLabel", L"devInfo"}) {
         EXPECT_NE(&Control(std::wstring(L"X1") + name), &Control(std::wstring(L"X2") + name));
     }
-    EXPECT_NE(PanelInspector::VirtualWndName(*first), PanelInspector::VirtualWndName(*panel));
-    EXPECT_EQ(PanelInspector::VirtualWndName(*panel), std::to_wstring(reinterpret_cast<std::uintptr_t>(panel.get())));
+    EXPECT_NE(RowInspector::VirtualWndName(*first), RowInspector::VirtualWndName(*row));
+    EXPECT_EQ(RowInspector::VirtualWndName(*row), std::to_wstring(reinterpret_cast<std::uintptr_t>(row.get())));
     m_page.Discard();
 }
 
 TEST_F(FirmwareForm, AnEmptyHeightCallbackThrowsBadFunctionCall) {
     const kernel::UiTurn turn;
-    panel = std::make_unique<AccessoriesFirwareWnd>();
-    EXPECT_THROW(panel->InitFirmwareLayout(m_page.Manager(), m_page.Pump(), m_page.Parent(), Pen()),
+    row = std::make_unique<AccessoriesFirwareWnd>();
+    EXPECT_THROW(row->InitFirmwareLayout(m_page.Manager(), m_page.Pump(), m_page.Parent(), Pen()),
                  std::bad_function_call);
 }
 
 TEST_F(FirmwareForm, TheRowNameSurvivesItsOwnAssignment) {
-    MakePanel();
-    panel->SetRowName(L"a rather long name of a row");
-    panel->SetRowName(PanelInspector::RowName(*panel));
-    EXPECT_EQ(PanelInspector::RowName(*panel), L"a rather long name of a row");
+    MakeRow();
+    row->SetRowName(L"a rather long name of a row");
+    row->SetRowName(RowInspector::RowName(*row));
+    EXPECT_EQ(RowInspector::RowName(*row), L"a rather long name of a row");
 }
 
 TEST_F(FirmwareForm, TheClientIsMadeWithThePagesEndpointAndPipe) {
-    MakePanel();
+    MakeRow();
     ASSERT_EQ(seam::Get().clients.size(), 1u);
     EXPECT_EQ(seam::Get().clients[0].endpointId, 0x270000);
     EXPECT_TRUE(seam::Get().clients[0].receives);
     EXPECT_FALSE(seam::Get().clients[0].exclusive);
     EXPECT_EQ(seam::Get().clients[0].pipeName, L"\\\\.\\Pipe\\iKorvelAssistant");
     EXPECT_TRUE(seam::Get().callbacks.empty()) << "all messages come through the list window";
-    ASSERT_NE(PanelInspector::Sender(*panel), nullptr);
-    EXPECT_EQ(PanelInspector::Sender(*panel)->endpointId, 0x270000);
-    EXPECT_EQ(PanelInspector::Sender(*panel)->client, PanelInspector::Client(*panel));
-    EXPECT_NE(PanelInspector::Client(*panel), nullptr);
+    ASSERT_NE(RowInspector::Sender(*row), nullptr);
+    EXPECT_EQ(RowInspector::Sender(*row)->endpointId, 0x270000);
+    EXPECT_EQ(RowInspector::Sender(*row)->client, RowInspector::Client(*row));
+    EXPECT_NE(RowInspector::Client(*row), nullptr);
 }
 
 TEST_F(FirmwareForm, ThePanelsEndIsItsClientsEnd) {
-    MakePanel();
+    MakeRow();
     m_page.Discard();
     EXPECT_EQ(Count(seam::Kind::kClientDestroyed), 0u);
-    panel.reset();
+    row.reset();
     EXPECT_EQ(Count(seam::Kind::kClientDestroyed), 1u);
 }
 
@@ -273,7 +273,7 @@ struct FailedAllocation {
     const wchar_t* line;
 };
 
-TEST_F(FirmwareForm, FailedAllocationsOfTheIpcSideAreLoggedAndThePanelGoesOn) {
+TEST_F(FirmwareForm, FailedAllocationsOfTheIpcSideAreLoggedAndTheRowGoesOn) {
     const FailedAllocation cases[] = {
         {1, L"InitIpcCallBack new objIPCClientPtr failed,objIPCClientPtr is nullptr"},
         {2, L"InitIpcCallBack new ipcClient failed,ipcClient is nullptr"},
@@ -284,13 +284,13 @@ TEST_F(FirmwareForm, FailedAllocationsOfTheIpcSideAreLoggedAndThePanelGoesOn) {
         m_page.Discard();
         Forget();
         const NothrowFailure failure(c.nth);
-        MakePanel();
+        MakeRow();
         EXPECT_TRUE(failure.Happened());
         EXPECT_THAT(Logged(4), ElementsAre(std::wstring(L"[AccessoryLog]") + c.line +
                                            L"(DuiLib::AccessoriesFirwareWnd::ResigterFirmwareCallBacks)"));
-        EXPECT_EQ(PanelInspector::Client(*panel) != nullptr, c.nth > 1);
-        EXPECT_EQ(PanelInspector::Sender(*panel) != nullptr, c.nth > 2);
-        EXPECT_EQ(PanelInspector::Callbacks(*panel), nullptr);
+        EXPECT_EQ(RowInspector::Client(*row) != nullptr, c.nth > 1);
+        EXPECT_EQ(RowInspector::Sender(*row) != nullptr, c.nth > 2);
+        EXPECT_EQ(RowInspector::Callbacks(*row), nullptr);
         EXPECT_EQ(Text(L"version"), L"App version 1.0.2");
         Forget();
         Click(L"X1updateBtn");
@@ -304,12 +304,12 @@ TEST_F(FirmwareForm, FailedAllocationsOfTheInformationControlsLeaveTheRestUsable
         m_page.Discard();
         heights.clear();
         const NothrowFailure failure(nth);
-        MakePanel();
+        MakeRow();
         EXPECT_TRUE(failure.Happened());
         EXPECT_THAT(heights, IsEmpty());
         Click(L"X1pulldown");
         Click(L"X1updateBtn");
-        panel->UpdateDownloadForm();
+        row->UpdateDownloadForm();
     }
 }
 

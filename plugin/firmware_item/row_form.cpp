@@ -1,4 +1,4 @@
-// The panel's set-up: its control tree, device texts, bound controls and information block.
+// The row's set-up: its control tree, device texts, bound controls and information block.
 #include <new>
 
 #include "duilib/dialog_builder.h"
@@ -6,7 +6,7 @@
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
-#include "firmware_item/panel_controls.h"
+#include "firmware_item/row_controls.h"
 #include "qx_data_report/qx_data_report.h"
 #include "support/log_line.h"
 #include "support/text.h"
@@ -15,7 +15,7 @@ namespace DuiLib {
 
 namespace {
 
-constexpr const wchar_t* kPanelLayout = L"../components/brindle/res/layout/AccessoriesFirmwareWnd.xml";
+constexpr const wchar_t* kRowLayout = L"../components/brindle/res/layout/AccessoriesFirmwareWnd.xml";
 constexpr int kExpandedHeight = 77;        // [design px] what the first report says
 constexpr double kRowHeight = 52.0;        // [design px]
 constexpr double kDevInfoMeasure = 272.0;  // [design px] width at which the information text is measured
@@ -53,12 +53,12 @@ void AccessoriesFirwareWnd::InitFirmwareLayout(CPaintManagerUI* paintManager, CN
     m_virtualWndName.clear();
     m_bindText.Empty();
     m_bindValue.Empty();
-    m_panelHeight = 0;
+    m_rowHeight = 0;
     m_devInfoHeight = 0;
     if (parent == nullptr || host == nullptr || paintManager == nullptr) return;
 
     CDialogBuilder builder;
-    m_root = builder.Create(kPanelLayout);
+    m_root = builder.Create(kRowLayout);
     if (m_root == nullptr) {
         LogLine(kLogEvent) << "firware item fail to create control";
         return;
@@ -107,12 +107,12 @@ void AccessoriesFirwareWnd::InitForm() {
 
     if (m_divider == nullptr || m_devInfoText == nullptr) return;
     ShowDevInfo(true);
-    m_panelHeight += kExpandedHeight;
+    m_rowHeight += kExpandedHeight;
     if (m_hor == nullptr) return;
-    LogLine(kLogDetail) << "init verHeight:" << m_panelHeight;
+    LogLine(kLogDetail) << "init verHeight:" << m_rowHeight;
     const int horHeight = Truncate(static_cast<float>(m_devInfoHeight) / ScaleDivisor() + kRowHeight);
     m_hor->SetAttribute(L"height", std::to_wstring(horHeight));
-    m_heightCallBack(m_panelHeight, true, true);
+    m_heightCallBack(m_rowHeight, true, true);
 }
 
 bool AccessoriesFirwareWnd::BindControl(const wchar_t* name, CControlUI*& control) {

@@ -11,7 +11,7 @@ namespace DuiLib {
 
 // Lets tests read a list window's fields.
 struct PageInspector {
-    static const auto& Panels(const AccessoriesUpdateWnd& window) { return window.m_panels; }
+    static const auto& Rows(const AccessoriesUpdateWnd& window) { return window.m_rows; }
     static auto& Lines(AccessoriesUpdateWnd& window) { return window.m_lines; }
     static int TotalHeight(const AccessoriesUpdateWnd& window) { return window.m_totalHeight; }
     static int FirmwareNum(const AccessoriesUpdateWnd& window) { return window.m_firmwareNum; }

@@ -1,20 +1,20 @@
 #include <gmock/gmock.h>
 
-#include "firmware_item/panel_fixture.h"
+#include "row_fixture.h"
 #include "update_list/row_list.h"
 
 namespace {
 
 using DuiLib::g_updateItemList;
-using DuiLib::PanelInspector;
+using DuiLib::RowInspector;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 using Rows = std::vector<std::pair<std::wstring, std::wstring>>;
 
-class FirmwareFinish : public PanelFixture {
+class FirmwareFinish : public RowFixture {
 protected:
-    FirmwareFinish() { MakePanel(); }
+    FirmwareFinish() { MakeRow(); }
 };
 
 TEST_F(FirmwareFinish, TheEndShowsWaitsCollapsesAndTellsInThisOrder) {
@@ -24,7 +24,7 @@ TEST_F(FirmwareFinish, TheEndShowsWaitsCollapsesAndTellsInThisOrder) {
     seam::Get().onSleep = [&](std::uint32_t) {
         stillThere = Shown(L"X1hor") && Text(L"X1progress") == L"Up to date" && heights.empty() && finished == 0;
     };
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_TRUE(stillThere);
     EXPECT_THAT(Slept(), ElementsAre(2000));
     EXPECT_THAT(heights, ElementsAre(HeightReport{92 + 24, false, false})) << "unfolded, information of two lines";
@@ -44,23 +44,23 @@ TEST_F(FirmwareFinish, TheEndShowsWaitsCollapsesAndTellsInThisOrder) {
     EXPECT_EQ(Attribute(L"X1progressLayout", L"bkround"), L"28,28");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"bordersize"), L"0");
     EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Up to date");
-    EXPECT_EQ(PanelInspector::ProgressRecord(*panel), L"2001");
+    EXPECT_EQ(RowInspector::ProgressRecord(*row), L"2001");
 }
 
 TEST_F(FirmwareFinish, TheEndOfARowInAHiddenPageGivesBackItsWholeHeight) {
     Click(L"X1pulldown");
     heights.clear();
     m_page.Parent()->SetVisible(false);
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_THAT(heights, ElementsAre(HeightReport{52 + 24, false, false}));
 }
 
 // Deliberate: nothing remembers that the row has ended.
 TEST_F(FirmwareFinish, ASecondEndOfTheSameRowGivesBack24AndIsToldAgain) {
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     heights.clear();
     Forget();
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_THAT(heights, ElementsAre(HeightReport{24, false, false})) << "the row itself is hidden";
     EXPECT_EQ(finished, 2);
     EXPECT_THAT(Slept(), ElementsAre(2000));
@@ -69,26 +69,26 @@ TEST_F(FirmwareFinish, ASecondEndOfTheSameRowGivesBack24AndIsToldAgain) {
 
 TEST_F(FirmwareFinish, BelowAHundredPercentTheEndGivesBackAHundredthOfTheHeightAnd24) {
     UseScale(50);
-    panel->UpdateDownloadForm();  // 26 device pixels
+    row->UpdateDownloadForm();  // 26 device pixels
     heights.clear();
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_THAT(heights, ElementsAre(HeightReport{0 + 24, false, false}));
 }
 
 TEST_F(FirmwareFinish, AtScale200TheEndGivesBackDesignPixels) {
     UseScale(200);
-    panel->UpdateDownloadForm();
+    row->UpdateDownloadForm();
     heights.clear();
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_THAT(heights, ElementsAre(HeightReport{52 + 24, false, false}));
 }
 
 TEST_F(FirmwareFinish, EmptyCallbacksThrowBadFunctionCall) {
-    panel->SetHeightCallBack({});
-    EXPECT_THROW(panel->SetFinishProcess(), std::bad_function_call);
-    panel->SetHeightCallBack([](int, bool, bool) {});
-    panel->SetFinishCallBack({});
-    EXPECT_THROW(panel->SetFinishProcess(), std::bad_function_call);
+    row->SetHeightCallBack({});
+    EXPECT_THROW(row->SetFinishProcess(), std::bad_function_call);
+    row->SetHeightCallBack([](int, bool, bool) {});
+    row->SetFinishCallBack({});
+    EXPECT_THROW(row->SetFinishProcess(), std::bad_function_call);
 }
 
 // The row list after the end of a row.
@@ -108,21 +108,21 @@ TEST_F(RowListAtTheEnd, AfterTheWaitComeHeightRowListFinishAndNoticeInThisOrder)
     g_updateItemList = rows;
     Forget();
     std::vector<std::string> steps;
-    panel->SetHeightCallBack([&](int, bool, bool) {
+    row->SetHeightCallBack([&](int, bool, bool) {
         steps.push_back("height");
         EXPECT_THAT(Slept(), ElementsAre(2000));
         EXPECT_TRUE(Shown(L"X1hor"));
         EXPECT_TRUE(line->IsVisible());
         EXPECT_EQ(g_updateItemList, rows);
     });
-    panel->SetFinishCallBack([&] {
+    row->SetFinishCallBack([&] {
         steps.push_back("finish");
         EXPECT_FALSE(Shown(L"X1hor"));
         EXPECT_FALSE(line->IsVisible());
         EXPECT_EQ(g_updateItemList, (Rows{{L"X2", L"Device"}}));
         EXPECT_THAT(Posted(), IsEmpty());
     });
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_THAT(steps, ElementsAre("height", "finish"));
     EXPECT_THAT(Posted(), ElementsAre("B20018 B20034 X1\\0"));
 }
@@ -130,7 +130,7 @@ TEST_F(RowListAtTheEnd, AfterTheWaitComeHeightRowListFinishAndNoticeInThisOrder)
 TEST_F(RowListAtTheEnd, TheOnlyEntryGoesAndTakesTheTitleAlong) {
     DuiLib::CControlUI* const title = AddNamed(L"DeviceUpdateTitle");
     g_updateItemList = {{L"X1", L"Device"}};
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_TRUE(g_updateItemList.empty());
     EXPECT_FALSE(title->IsVisible());
 }
@@ -138,7 +138,7 @@ TEST_F(RowListAtTheEnd, TheOnlyEntryGoesAndTakesTheTitleAlong) {
 TEST_F(RowListAtTheEnd, TheFollowingSeparatorGoesWithTheRow) {
     DuiLib::CControlUI* const line = AddNamed(L"X1_0");
     g_updateItemList = {{L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}};
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_EQ(g_updateItemList, (Rows{{L"X2", L"Device"}}));
     EXPECT_FALSE(line->IsVisible());
 }
@@ -146,21 +146,21 @@ TEST_F(RowListAtTheEnd, TheFollowingSeparatorGoesWithTheRow) {
 TEST_F(RowListAtTheEnd, TheLastRowTakesTheSeparatorBeforeIt) {
     DuiLib::CControlUI* const line = AddNamed(L"X0_0");
     g_updateItemList = {{L"X0", L"Device"}, {L"X0_0", L"Line"}, {L"X1", L"Device"}};
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_EQ(g_updateItemList, (Rows{{L"X0", L"Device"}}));
     EXPECT_FALSE(line->IsVisible());
 }
 
 TEST_F(RowListAtTheEnd, WithoutAControlForTheNeighbourNothingChanges) {
     g_updateItemList = {{L"X1", L"Device"}, {L"gone", L"Line"}};
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_EQ(g_updateItemList.size(), 2u);
 }
 
 TEST_F(RowListAtTheEnd, ARowThatIsNotInTheListChangesNothing) {
     DuiLib::CControlUI* const line = AddNamed(L"X0_0");
     g_updateItemList = {{L"X0_0", L"Line"}};
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_EQ(g_updateItemList.size(), 1u);
     EXPECT_TRUE(line->IsVisible());
 }
@@ -169,7 +169,7 @@ TEST_F(RowListAtTheEnd, EveryEntryOfTheTwoNamesGoes) {
     AddNamed(L"X1_0");
     g_updateItemList = {
         {L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}, {L"X1", L"Device"}, {L"X1_0", L"Line"}};
-    panel->SetFinishProcess();
+    row->SetFinishProcess();
     EXPECT_EQ(g_updateItemList, (Rows{{L"X2", L"Device"}}));
 }
 

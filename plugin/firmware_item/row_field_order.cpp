@@ -1,4 +1,4 @@
-// The order of a panel's fields and of its description's, checked at compile time.
+// The order of a row's fields and of its description's, checked at compile time.
 #include <type_traits>
 
 #include "firmware_item/accessories_firware_wnd.h"
@@ -13,7 +13,7 @@ static_assert(InOrder({offsetof(FirmwareItemDesc, deviceKey), offsetof(FirmwareI
                        offsetof(FirmwareItemDesc, version), offsetof(FirmwareItemDesc, devInfo),
                        offsetof(FirmwareItemDesc, devInfoLines)}));
 
-struct PanelLayout {
+struct RowFieldOrder {
     static_assert(InOrder({offsetof(AccessoriesFirwareWnd, m_heightCallBack),
                            offsetof(AccessoriesFirwareWnd, m_finishCallBack),
                            offsetof(AccessoriesFirwareWnd, m_root),
@@ -34,7 +34,7 @@ struct PanelLayout {
                            offsetof(AccessoriesFirwareWnd, m_downloadControlled),
                            offsetof(AccessoriesFirwareWnd, m_bindText),
                            offsetof(AccessoriesFirwareWnd, m_bindValue),
-                           offsetof(AccessoriesFirwareWnd, m_panelHeight),
+                           offsetof(AccessoriesFirwareWnd, m_rowHeight),
                            offsetof(AccessoriesFirwareWnd, m_isPaused),
                            offsetof(AccessoriesFirwareWnd, m_updateBtn),
                            offsetof(AccessoriesFirwareWnd, m_stopBtn),

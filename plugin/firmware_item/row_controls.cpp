@@ -1,4 +1,4 @@
-#include "firmware_item/panel_controls.h"
+#include "firmware_item/row_controls.h"
 
 #include <limits>
 
