@@ -1,0 +1,56 @@
+#include "drawing/measure_cache.h"
+
+#include <functional>
+
+namespace DuiLib {
+
+CDuiSize MeasureCache::Measure(std::wstring_view text, const FontDescription& font, unsigned scale, int maxWidth,
+                               bool wrap) {
+    if (text.size() > kMaxTextLength) return m_measurer.Measure(text, font, scale, maxWidth, wrap);
+    const Key key{text, font, scale, wrap ? maxWidth : 0};
+    const std::size_t hash = HashOf(key);
+    if (const auto known = Find(key, hash); known != m_entries.end()) {
+        m_entries.splice(m_entries.begin(), m_entries, known);
+        return known->size;
+    }
+    const CDuiSize size = m_measurer.Measure(text, font, scale, maxWidth, wrap);
+    if (m_entries.size() >= kMaxEntries) DropOldest();
+    m_entries.push_front({std::wstring(text), font, scale, key.maxWidth, hash, size});
+    m_byHash.emplace(hash, m_entries.begin());
+    return size;
+}
+
+std::size_t MeasureCache::HashOf(const Key& key) {
+    std::size_t hash = std::hash<std::wstring_view>{}(key.text);
+    const auto mix = [&hash](std::size_t value) { hash = hash * 0x9E3779B97F4A7C15u + value; };
+    mix(static_cast<std::size_t>(key.maxWidth));
+    mix(key.scale);
+    mix(static_cast<std::size_t>(key.font.size));
+    mix(key.font.bold);
+    return hash;
+}
+
+MeasureCache::Entries::iterator MeasureCache::Find(const Key& key, std::size_t hash) {
+    const auto [first, last] = m_byHash.equal_range(hash);
+    for (auto at = first; at != last; ++at) {
+        const Entry& entry = *at->second;
+        if (entry.text == key.text && entry.maxWidth == key.maxWidth && entry.scale == key.scale &&
+            entry.font == key.font) {
+            return at->second;
+        }
+    }
+    return m_entries.end();
+}
+
+void MeasureCache::DropOldest() {
+    const auto oldest = std::prev(m_entries.end());
+    const auto [first, last] = m_byHash.equal_range(oldest->hash);
+    for (auto at = first; at != last; ++at) {
+        if (at->second != oldest) continue;
+        m_byHash.erase(at);
+        break;
+    }
+    m_entries.erase(oldest);
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,42 @@
+#include "duilib/render_engine.h"
+
+#include <algorithm>
+
+#include "drawing/canvas.h"
+#include "drawing/paint_dc.h"
+#include "drawing/system_text_measurer.h"
+#include "duilib/paint_manager.h"
+#include "foundation/extent.h"
+
+namespace DuiLib {
+
+namespace {
+
+TextMeasurer* replacement = nullptr;
+
+}  // namespace
+
+void CRenderEngine::DrawText(PaintDC* dc, CPaintManagerUI*, CDuiRect& rect, std::wstring_view text, CDuiColor color,
+                             int font, unsigned style) {
+    const CResourceManager& resources = *CResourceManager::GetInstance();
+    if (!(style & kTextCalcRect)) {
+        Canvas* const canvas = dc ? dc->GetCanvas() : nullptr;
+        if (canvas) canvas->Text(rect, text, resources.GetFont(font), resources.GetScale(), color, style);
+        return;
+    }
+    const bool wrap = !(style & kTextSingleLine);
+    const CDuiSize size =
+        GetTextMeasurer().Measure(text, resources.GetFont(font), resources.GetScale(), std::max(1, rect.Width()), wrap);
+    rect.right = ClampExtent(std::int64_t{rect.left} + size.cx);
+    rect.bottom = ClampExtent(std::int64_t{rect.top} + size.cy);
+}
+
+void CRenderEngine::SetTextMeasurer(TextMeasurer* measurer) {
+    if (replacement == measurer) return;
+    replacement = measurer;
+    CPaintManagerUI::LayOutEveryWindowAgain();
+}
+
+TextMeasurer& CRenderEngine::GetTextMeasurer() { return replacement ? *replacement : SystemTextMeasurer(); }
+
+}  // namespace DuiLib

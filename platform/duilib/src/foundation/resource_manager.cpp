@@ -1,0 +1,92 @@
+#include "duilib/resource_manager.h"
+
+#include <map>
+
+#include "duilib/paint_manager.h"
+#include "foundation/extent.h"
+#include "foundation/program_folder.h"
+#include "foundation/text_utf8.h"
+
+namespace DuiLib {
+
+struct CResourceManager::State {
+    unsigned scale = 100;
+    std::filesystem::path base = ProgramFolder();
+    std::filesystem::path skin = base.parent_path() / "res";
+    std::filesystem::path fallbackPicture;
+    FontDescription defaultFont;
+    std::map<int, FontDescription> fonts;
+};
+
+namespace {
+
+// value * multiplier / divisor, rounded to the nearest, halves up
+int MultiplyRounded(std::int64_t value, std::int64_t multiplier, std::int64_t divisor) {
+    const std::int64_t doubled = 2 * value * multiplier + divisor;
+    const std::int64_t quotient = doubled / (2 * divisor);
+    return ClampExtent(quotient - (doubled % (2 * divisor) < 0 ? 1 : 0));
+}
+
+std::filesystem::path PathOf(std::wstring_view file) {
+    const std::string utf8 = ToUtf8(file);
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+}  // namespace
+
+CResourceManager::CResourceManager() : m_state(std::make_unique<State>()) {}
+CResourceManager::~CResourceManager() = default;
+
+// Never destroyed: controls with static storage may go later.
+CResourceManager* CResourceManager::GetInstance() {
+    static auto* const instance = new CResourceManager;
+    return instance;
+}
+
+unsigned CResourceManager::GetScale() const { return m_state->scale; }
+
+void CResourceManager::SetScale(unsigned percent) {
+    if (m_state->scale == percent) return;
+    m_state->scale = percent;
+    CPaintManagerUI::LayOutEveryWindowAgain();
+}
+
+int CResourceManager::Scale(int design, const CPaintManagerUI*) const {
+    return m_state->scale == 100 ? ClampExtent(design) : MultiplyRounded(design, m_state->scale, 100);
+}
+
+CDuiSize CResourceManager::Scale(CDuiSize design, const CPaintManagerUI* manager) const {
+    return {Scale(design.cx, manager), Scale(design.cy, manager)};
+}
+
+int CResourceManager::RestoreScale(int device, const CPaintManagerUI*) const {
+    return m_state->scale == 0 ? 0 : MultiplyRounded(device, 100, m_state->scale);
+}
+
+void CResourceManager::SetResourceBase(const std::filesystem::path& folder) { m_state->base = folder; }
+
+std::filesystem::path CResourceManager::Resolve(std::wstring_view file) const {
+    return (m_state->base / PathOf(file)).lexically_normal();
+}
+
+void CResourceManager::SetSkinFolder(const std::filesystem::path& folder) { m_state->skin = folder; }
+
+std::filesystem::path CResourceManager::ResolveSkinFile(std::wstring_view file) const {
+    return (m_state->skin / PathOf(file)).lexically_normal();
+}
+
+void CResourceManager::SetFallbackPicture(const std::filesystem::path& file) { m_state->fallbackPicture = file; }
+std::filesystem::path CResourceManager::GetFallbackPicture() const { return m_state->fallbackPicture; }
+
+void CResourceManager::SetFont(int index, const FontDescription& font) {
+    const bool changed = GetFont(index) != font;
+    (index == -1 ? m_state->defaultFont : m_state->fonts[index]) = font;
+    if (changed) CPaintManagerUI::LayOutEveryWindowAgain();
+}
+
+const FontDescription& CResourceManager::GetFont(int index) const {
+    const auto found = m_state->fonts.find(index);
+    return found == m_state->fonts.end() ? m_state->defaultFont : found->second;
+}
+
+}  // namespace DuiLib

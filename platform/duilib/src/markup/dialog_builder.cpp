@@ -1,0 +1,99 @@
+#include "duilib/dialog_builder.h"
+
+#include "duilib/container.h"
+#include "duilib/control.h"
+#include "duilib/resource_manager.h"
+#include "foundation/report.h"
+#include "foundation/text_utf8.h"
+#include "foundation/xml_source.h"
+#include "markup/layout_cache.h"
+
+namespace DuiLib {
+
+// Builds the controls of one layout file.
+class LayoutBuilder {
+public:
+    LayoutBuilder(std::shared_ptr<const LayoutFile> file, IDialogBuilderCallback* callback)
+        : m_file(std::move(file)), m_callback(callback) {}
+
+    std::unique_ptr<CControlUI> Build() {
+        for (const auto& [id, font] : m_file->fonts) CResourceManager::GetInstance()->SetFont(id, font);
+        return BuildElement(m_file->root);
+    }
+
+private:
+    std::string At(int line) const { return m_file->path + ":" + std::to_string(line) + ": "; }
+
+    std::unique_ptr<CControlUI> BuildElement(const LayoutElement& element) {
+        std::unique_ptr<CControlUI> control(element.make ? element.make() : nullptr);
+        if (!control && m_callback) control.reset(m_callback->CreateControl(FromUtf8(element.name)));
+        if (!control) throw XmlError(At(element.line) + "unknown element <" + element.name + ">");
+        if (element.make) {
+            ApplyShared(*control, element);
+        } else {
+            for (const LayoutAttribute& attribute : element.attributes) {
+                control->SetAttribute(attribute.name.Get(), attribute.value.Get());
+            }
+        }
+        AddChildren(*control, element);
+        return control;
+    }
+
+    // The control keeps the element itself, not copies of its attributes.
+    void ApplyShared(CControlUI& control, const LayoutElement& element) const {
+        control.m_element = std::shared_ptr<const LayoutElement>(m_file, &element);
+        for (const LayoutAttribute& attribute : element.attributes) {
+            const bool applied = attribute.rule && attribute.rule->apply(control, attribute.value.Get());
+            if (!applied && !std::exchange(attribute.reported, true)) Warn(element, attribute);
+        }
+    }
+
+    void Warn(const LayoutElement& element, const LayoutAttribute& attribute) const {
+        const std::string name = ToUtf8(attribute.name.Get());
+        const std::string reason =
+            attribute.rule ? "<" + element.name + "> cannot have " + name + "=\"" + ToUtf8(attribute.value.Get()) + "\""
+                           : "unknown attribute \"" + name + "\"";
+        Report(At(attribute.line) + "warning: " + reason);
+    }
+
+    void AddChildren(CControlUI& control, const LayoutElement& element) {
+        if (element.children.empty()) return;
+        auto* const container = dynamic_cast<CContainerUI*>(&control);
+        if (!container) {
+            throw XmlError(At(element.children.front().line) + "<" + element.name + "> cannot have content");
+        }
+        for (const LayoutElement& childElement : element.children) {
+            std::unique_ptr<CControlUI> child = BuildElement(childElement);
+            if (!container->Add(child.get())) {
+                throw XmlError(At(childElement.line) + "<" + element.name + "> refuses <" + childElement.name + ">");
+            }
+            child.release();
+        }
+    }
+
+    std::shared_ptr<const LayoutFile> m_file;
+    IDialogBuilderCallback* m_callback;
+};
+
+CControlUI* CDialogBuilder::Create(std::wstring_view file, const wchar_t* type, IDialogBuilderCallback* callback,
+                                   CPaintManagerUI*, CControlUI* parent) {
+    m_error.Empty();
+    try {
+        const std::filesystem::path path = CResourceManager::GetInstance()->Resolve(file);
+        if (type) throw XmlError(PathText(path) + ":1: resources of type \"" + ToUtf8(type) + "\" are not supported");
+        std::unique_ptr<CControlUI> root = LayoutBuilder(LoadLayout(path), callback).Build();
+        if (parent) {
+            auto* const container = dynamic_cast<CContainerUI*>(parent);
+            if (!container || !container->Add(root.get())) {
+                throw XmlError(PathText(path) + ":1: the parent is not a container");
+            }
+        }
+        return root.release();
+    } catch (const XmlError& error) {
+        m_error = CDuiString(FromUtf8(error.what()));
+        Report(error.what());
+        return nullptr;
+    }
+}
+
+}  // namespace DuiLib

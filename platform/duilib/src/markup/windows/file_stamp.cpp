@@ -1,0 +1,54 @@
+#include "markup/file_stamp.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <memory>
+
+namespace DuiLib {
+
+namespace {
+
+struct CloseFile {
+    void operator()(void* file) const { ::CloseHandle(file); }
+};
+using File = std::unique_ptr<void, CloseFile>;
+
+// Opens no content, and stands in nobody's way.
+File Open(const std::filesystem::path& path) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE file = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
+}
+
+std::int64_t Nanoseconds(std::int64_t hundreds) {
+    constexpr std::int64_t kHundredsUntil1970 = 116'444'736'000'000'000;
+    return hundreds == 0 ? 0 : (hundreds - kHundredsUntil1970) * 100;
+}
+
+std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
+
+}  // namespace
+
+std::optional<FileStamp> StampOf(const std::filesystem::path& path) {
+    const File file = Open(path);
+    FILE_BASIC_INFO times{};
+    BY_HANDLE_FILE_INFORMATION rest{};
+    if (!file || !::GetFileInformationByHandleEx(file.get(), FileBasicInfo, &times, sizeof times) ||
+        !::GetFileInformationByHandle(file.get(), &rest)) {
+        return {};
+    }
+    return FileStamp{Nanoseconds(times.LastWriteTime.QuadPart), Nanoseconds(times.ChangeTime.QuadPart),
+                     Joined(rest.nFileSizeHigh, rest.nFileSizeLow), Joined(rest.nFileIndexHigh, rest.nFileIndexLow)};
+}
+
+bool IsSettled(const FileStamp& stamp) {
+    constexpr std::int64_t kCoarsestClock_ns = 2'000'000'000;
+    FILETIME now{};
+    ::GetSystemTimeAsFileTime(&now);
+    const std::int64_t now_ns = Nanoseconds(static_cast<std::int64_t>(Joined(now.dwHighDateTime, now.dwLowDateTime)));
+    return now_ns - std::max(stamp.written_ns, stamp.changed_ns) > kCoarsestClock_ns;
+}
+
+}  // namespace DuiLib

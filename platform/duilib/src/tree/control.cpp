@@ -1,0 +1,231 @@
+#include "duilib/control.h"
+
+#include <algorithm>
+
+#include "duilib/container.h"
+#include "duilib/paint_manager.h"
+#include "duilib/render_engine.h"
+#include "foundation/extent.h"
+#include "markup/layout_file.h"
+#include "tree/control_extras.h"
+
+namespace DuiLib {
+
+namespace {
+
+const CDuiString kEmpty;
+
+}  // namespace
+
+CControlUI::CControlUI() : m_textStyle(kTextSingleLine | kTextVCenter) {}
+
+CControlUI::~CControlUI() {
+    if (m_parent) m_parent->Forget(this);
+    if (m_manager) m_manager->Gone(this);
+}
+
+std::wstring_view CControlUI::GetClass() const { return L"Control"; }
+
+// ---- Texts
+
+const CDuiString& CControlUI::GetName() const { return m_name.Get(); }
+
+void CControlUI::SetName(std::wstring_view name) {
+    SharedText taken(name);
+    if (m_manager) {
+        m_manager->Renamed(this, std::move(taken));
+    } else {
+        m_name = std::move(taken);
+    }
+}
+
+const CDuiString& CControlUI::GetText() const { return m_text.Get(); }
+
+void CControlUI::SetText(std::wstring_view text) {
+    SharedText next(text);
+    if (next == m_text) return;
+    m_text = std::move(next);
+    Invalidate();
+    if (IsSizedByText() && !(m_fixedWidth && m_fixedHeight)) NeedLayout();
+}
+
+const CDuiString& CControlUI::GetToolTip() const { return m_extras ? m_extras->toolTip.Get() : kEmpty; }
+
+void CControlUI::SetToolTip(std::wstring_view text) {
+    SharedText next(text);
+    const bool changed = m_extras ? m_extras->toolTip != next : !next.IsEmpty();
+    if (changed) Extras().toolTip = std::move(next);
+    if (m_manager) m_manager->ToolTipSet(this, changed);
+}
+
+void CControlUI::SetVirtualWnd(std::wstring_view name) {
+    if (m_extras || !name.empty()) Extras().virtualWnd = SharedText(name);
+}
+
+const CDuiString& CControlUI::GetVirtualWnd() const { return m_extras ? m_extras->virtualWnd.Get() : kEmpty; }
+
+ControlExtras& CControlUI::Extras() {
+    if (!m_extras) m_extras = std::make_unique<ControlExtras>();
+    return *m_extras;
+}
+
+// ---- State
+
+bool CControlUI::IsVisible() const { return m_visible; }
+
+void CControlUI::SetVisible(bool visible) {
+    if (m_visible == visible) return;
+    Invalidate();
+    m_visible = visible;
+    Invalidate();
+    NeedLayoutAround();
+    if (m_manager) m_manager->Changed();  // also in a place that is hidden: somebody may look for it
+}
+
+bool CControlUI::IsEnabled() const { return m_enabled; }
+
+void CControlUI::SetEnabled(bool enabled) {
+    if (m_enabled == enabled) return;
+    m_enabled = enabled;
+    Invalidate();
+}
+
+CContainerUI* CControlUI::GetParent() const { return m_parent; }
+CPaintManagerUI* CControlUI::GetManager() const { return m_manager; }
+
+// ---- Sizes
+
+void CControlUI::SetFixedHeight(int height) {
+    height = std::clamp(height, 0, kMaxExtent);
+    if (m_fixedHeight == height && !m_fixedHeightInPixels) return;
+    m_fixedHeight = height;
+    m_fixedHeightInPixels = false;
+    NeedLayout();
+}
+
+void CControlUI::SetFixedHeightInPixels(int height) {
+    height = std::clamp(height, 0, kMaxExtent);
+    if (m_fixedHeight == height && m_fixedHeightInPixels) return;
+    m_fixedHeight = height;
+    m_fixedHeightInPixels = true;
+    NeedLayout();
+}
+
+void CControlUI::SetFixedWidth(int width) {
+    width = std::clamp(width, 0, kMaxExtent);
+    if (m_fixedWidth == width) return;
+    m_fixedWidth = width;
+    NeedLayout();
+}
+
+int CControlUI::GetFixedHeight() const {
+    return m_fixedHeightInPixels ? m_fixedHeight : CResourceManager::GetInstance()->Scale(m_fixedHeight, m_manager);
+}
+
+int CControlUI::GetFixedWidth() const { return CResourceManager::GetInstance()->Scale(m_fixedWidth, m_manager); }
+
+int CControlUI::GetHeight() {
+    if (!m_manager || !m_visible) return 0;
+    if (HasPlace(LayoutAxis::kVertical)) return PosInPixels().Height();
+    if (m_fixedHeight) return GetFixedHeight();
+    m_manager->Layout();
+    return m_place.Height();
+}
+
+int CControlUI::GetWidth() {
+    if (!m_manager || !m_visible) return 0;
+    if (HasPlace(LayoutAxis::kHorizontal)) return PosInPixels().Width();
+    if (m_fixedWidth) return GetFixedWidth();
+    m_manager->Layout();
+    return m_place.Width();
+}
+
+CDuiRect CControlUI::GetPos() {
+    if (!IsShown()) return {};
+    m_manager->Layout();
+    return PlaceInWindow();
+}
+
+CDuiRect CControlUI::PlaceInWindow() const {
+    CDuiRect place = m_place;
+    for (const CControlUI* control = m_parent; control; control = control->m_parent) {
+        const int x = ClampExtent(std::int64_t{place.left} + control->m_place.left);
+        const int y = ClampExtent(std::int64_t{place.top} + control->m_place.top);
+        place = {x, y, x + place.Width(), y + place.Height()};
+    }
+    return place;
+}
+
+bool CControlUI::IsShown() const {
+    if (!m_manager) return false;
+    for (const CControlUI* control = this; control; control = control->m_parent) {
+        if (!control->m_visible) return false;
+    }
+    return true;
+}
+
+// ---- Text look
+
+void CControlUI::SetFont(int index) {
+    if (m_font == index) return;
+    m_font = index;
+    Invalidate();
+    if (IsSizedByText()) NeedLayout();
+}
+
+int CControlUI::GetFont() const { return m_font; }
+
+void CControlUI::SetTextColor(CDuiColor color) {
+    if (m_textColor == color) return;
+    m_textColor = color;
+    Invalidate();
+}
+
+CDuiColor CControlUI::GetTextColor() const { return m_textColor; }
+
+void CControlUI::SetTextStyle(unsigned style) {
+    if (m_textStyle == style) return;
+    m_textStyle = style;
+    Invalidate();
+    if (IsSizedByText()) NeedLayout();
+}
+
+unsigned CControlUI::GetTextStyle() const { return m_textStyle; }
+
+bool CControlUI::Wraps() const { return !(m_textStyle & kTextSingleLine); }
+
+CDuiSize CControlUI::MeasureText(int width) const {
+    const CDuiRect padding = m_extras ? ScaleThickness(m_extras->textPadding) : CDuiRect{};
+    const CResourceManager& resources = *CResourceManager::GetInstance();
+    const int room = std::max(1, width - padding.left - padding.right);
+    const CDuiSize text = CRenderEngine::GetTextMeasurer().Measure(m_text.Get(), resources.GetFont(m_font),
+                                                                   resources.GetScale(), room, Wraps());
+    return {std::max(0, ClampExtent(std::int64_t{text.cx} + padding.left + padding.right)),
+            std::max(0, ClampExtent(std::int64_t{text.cy} + padding.top + padding.bottom))};
+}
+
+CDuiRect CControlUI::GetTextRect(CDuiSize available) {
+    const CDuiSize text = MeasureText(available.cx);
+    return {0, 0, std::min(text.cx, std::max(0, available.cx)), std::min(text.cy, std::max(0, available.cy))};
+}
+
+// ---- Painting
+
+void CControlUI::Invalidate() {
+    if (m_manager && m_manager->WatchesChanges() && IsShown()) m_manager->Invalidate(*this);
+}
+
+// ---- The tree
+
+const std::vector<CControlUI*>& CControlUI::Children() const {
+    static const std::vector<CControlUI*> none;
+    return none;
+}
+
+void CControlUI::AttachTree(CPaintManagerUI* manager) {
+    m_manager = manager;
+    manager->Attached(this);
+    for (CControlUI* child : Children()) child->AttachTree(manager);
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,140 @@
+#include "duilib/paint_manager.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "duilib/container.h"
+#include "foundation/extent.h"
+#include "kernel/ui_turn.h"
+#include "window/paint_manager_state.h"
+
+namespace DuiLib {
+
+namespace {
+
+std::vector<CPaintManagerUI*>& Windows() {
+    static auto& windows = *new std::vector<CPaintManagerUI*>;
+    return windows;
+}
+
+}  // namespace
+
+CPaintManagerUI::CPaintManagerUI() : m_state(std::make_shared<State>(this)) {
+    kernel::UiTurn turn;
+    Windows().push_back(this);
+}
+
+CPaintManagerUI::~CPaintManagerUI() {
+    kernel::UiTurn turn;
+    SetWakeUp({});  // nobody is to paint this any more
+    AttachRoot(nullptr);
+    m_state->pumps.clear();
+    std::erase(Windows(), this);
+}
+
+// ---- The tree
+
+void CPaintManagerUI::AttachRoot(CControlUI* root) {
+    if (root == m_state->root || (root && (root->m_parent || root->m_manager))) return;
+    delete m_state->root;
+    m_state->root = root;
+    InvalidateAll();
+    if (!root) return;
+    root->AttachTree(this);
+    root->NeedLayout();
+}
+
+CControlUI* CPaintManagerUI::GetRoot() const { return m_state->root; }
+
+CControlUI* CPaintManagerUI::FindControl(std::wstring_view name) const { return m_state->names.Find(name); }
+
+void CPaintManagerUI::Attached(CControlUI* control) { m_state->names.Add(control); }
+
+void CPaintManagerUI::Renamed(CControlUI* control, SharedText name) {
+    m_state->names.Remove(control);
+    control->m_name = std::move(name);
+    m_state->names.Add(control);
+}
+
+void CPaintManagerUI::Gone(CControlUI* control) {
+    State& state = *m_state;
+    state.names.Remove(control);
+    for (CControlUI** held :
+         {&state.root, &state.hovered, &state.pressed, &state.focused, &state.modal, &state.focusedBefore}) {
+        if (*held == control) *held = nullptr;
+    }
+    std::erase(state.hot, control);
+    if (state.tip.Owner() == control) state.tip.Over(nullptr);
+    for (TNotifyUI* message : state.underWay) {
+        if (message->sender == control) message->sender = nullptr;
+    }
+}
+
+// A scroll view says so itself: to ~CControlUI it is no scroll view any more.
+void CPaintManagerUI::Gone(CScrollViewUI* view) {
+    if (m_state->dragged == view) m_state->dragged = nullptr;
+    std::erase(m_state->moving, view);
+}
+
+PaintDC* CPaintManagerUI::GetPaintDC() const { return &m_state->dc; }
+
+// ---- Layout
+
+void CPaintManagerUI::SetClientSize(CDuiSize size) {
+    m_state->clientSize = {std::clamp(size.cx, 0, kMaxExtent), std::clamp(size.cy, 0, kMaxExtent)};
+    NeedLayout();
+    InvalidateAll();
+}
+
+CDuiSize CPaintManagerUI::GetClientSize() const { return m_state->clientSize; }
+
+void CPaintManagerUI::NeedLayout() {
+    if (m_state->root) m_state->root->NeedLayout();
+}
+
+void CPaintManagerUI::Layout() {
+    kernel::UiTurn turn;
+    CControlUI* const root = m_state->root;
+    if (!root || !root->m_visible || !root->m_arrangePending) return;
+    const int width = root->m_fixedWidth ? root->GetFixedWidth() : m_state->clientSize.cx;
+    const int height = root->m_fixedHeight ? root->GetFixedHeight() : m_state->clientSize.cy;
+    root->Arrange({0, 0, width, height});
+    m_state->laidOut = true;
+}
+
+void CPaintManagerUI::LayOutEveryWindowAgain() {
+    for (CPaintManagerUI* window : Windows()) {
+        if (window->m_state->root) window->m_state->root->ForgetSizesOfTree();
+        window->InvalidateAll();
+    }
+}
+
+// ---- Notifications
+
+void CPaintManagerUI::AddNotifyPump(CNotifyPump* pump) {
+    if (pump && std::ranges::find(m_state->pumps, pump) == m_state->pumps.end()) m_state->pumps.push_back(pump);
+}
+
+void CPaintManagerUI::RemoveNotifyPump(CNotifyPump* pump) { std::erase(m_state->pumps, pump); }
+
+// A handler may remove the sender, take pumps away, destroy this window, or give the turn up for a while in which
+// another thread does so: only `state` and the copies are used after the first one.
+void CPaintManagerUI::SendNotify(CControlUI* sender, std::wstring_view type, CDuiPoint mouse) {
+    const std::shared_ptr<State> state = m_state;
+    TNotifyUI message{CDuiString(type), sender, {}, mouse};
+    for (const CControlUI* control = sender; control && message.virtualWnd.IsEmpty(); control = control->m_parent) {
+        message.virtualWnd = control->GetVirtualWnd();
+    }
+    const std::vector<CNotifyPump*> pumps = state->pumps;
+    state->underWay.push_back(&message);
+    struct Done {
+        State& state;
+        TNotifyUI* message;
+        ~Done() { std::erase(state.underWay, message); }
+    } done{*state, &message};
+    for (CNotifyPump* pump : pumps) {
+        if (std::ranges::find(state->pumps, pump) != state->pumps.end()) pump->NotifyPump(message);
+    }
+}
+
+}  // namespace DuiLib

@@ -1,0 +1,137 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "duilib/duilib.h"
+#include "support/toolkit/test_system.h"
+
+namespace DuiLib {
+
+inline bool operator==(const CDuiRect& a, const CDuiRect& b) {
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+inline bool operator==(const CDuiSize& a, const CDuiSize& b) { return a.cx == b.cx && a.cy == b.cy; }
+
+inline std::ostream& operator<<(std::ostream& out, const CDuiRect& rect) {
+    return out << rect.left << ',' << rect.top << ',' << rect.right << ',' << rect.bottom;
+}
+inline std::ostream& operator<<(std::ostream& out, const CDuiSize& size) { return out << size.cx << 'x' << size.cy; }
+
+// Every character is a cell of 10 x 20 design pixels, whatever the font; breaks anywhere.
+class CellMeasurer : public TextMeasurer {
+public:
+    CDuiSize Measure(std::wstring_view text, const FontDescription&, unsigned scale, int maxWidth, bool wrap) override {
+        ++calls;
+        const int cellWidth = std::max(1, static_cast<int>(std::min(10 * (scale / 100.0), 1e6)));
+        const int perLine = wrap ? std::max(1, maxWidth / cellWidth) : 1 << 20;
+        int widest = 0;
+        int lines = 0;
+        while (!text.empty()) {
+            const auto end = text.find(L'\n');
+            const int units = static_cast<int>(text.substr(0, end).size());
+            widest = std::max(widest, std::min(units, perLine));
+            lines += std::max(1, (units + perLine - 1) / perLine);
+            text.remove_prefix(end == text.npos ? text.size() : end + 1);
+        }
+        return {widest * cellWidth, lines * static_cast<int>(std::min(20 * (scale / 100.0), 1e6))};
+    }
+
+    int calls = 0;
+};
+
+// The toolkit as a fresh process has it, with cells for letters. A diagnostic that no test takes fails the test.
+class ToolkitTest : public ::testing::Test {
+protected:
+    ToolkitTest() {
+        Reset();
+        CRenderEngine::SetTextMeasurer(&cells);
+        SetDiagnosticSink([this](const std::string& line) { diagnostics.push_back(line); });
+    }
+    ~ToolkitTest() override {
+        EXPECT_THAT(diagnostics, ::testing::IsEmpty());
+        SetDiagnosticSink({});
+        CRenderEngine::SetTextMeasurer(nullptr);
+        Reset();
+    }
+
+    std::vector<std::string> TakeDiagnostics() { return std::exchange(diagnostics, {}); }
+
+    CellMeasurer cells;
+    std::vector<std::string> diagnostics;
+
+private:
+    static void Reset() {
+        CResourceManager::GetInstance()->SetScale(100);
+        CResourceManager::GetInstance()->SetResourceBase(FolderOfThisTest());
+        UICulture::GetInstance()->Clear();
+    }
+};
+
+// A window of 400 x 300 with a root of the given class, and short words for what tests do with it.
+template <class Root>
+class WindowTest : public ToolkitTest {
+protected:
+    WindowTest() {
+        window.SetClientSize({400, 300});
+        window.AttachRoot(root);
+    }
+
+    template <class Class = CControlUI>
+    static Class* Make(std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> attributes = {}) {
+        auto* const control = new Class;
+        for (const auto& [name, value] : attributes) control->SetAttribute(name, value);
+        return control;
+    }
+
+    template <class Class = CControlUI>
+    Class* Add(std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> attributes = {},
+               CContainerUI* parent = nullptr) {
+        auto* const control = Make<Class>(attributes);
+        EXPECT_TRUE((parent ? parent : root)->Add(control));
+        return control;
+    }
+
+    bool Click(CDuiPoint point) {
+        window.ButtonDown(point);
+        return window.ButtonUp(point);
+    }
+    bool Click(CControlUI* control) {
+        const CDuiRect place = control->GetPos();
+        return Click({(place.left + place.right) / 2, (place.top + place.bottom) / 2});
+    }
+
+    CPaintManagerUI window;
+    Root* root = new Root;
+};
+
+// A folder of the test's own, gone after it.
+class TemporaryFolder {
+public:
+    TemporaryFolder() : m_path(MakeTemporaryFolder()) {}
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+    std::filesystem::path Write(const std::string& name, std::string_view text) const {
+        std::ofstream(m_path / name, std::ios::binary) << text;
+        return m_path / name;
+    }
+
+private:
+    const std::filesystem::path m_path;
+};
+
+}  // namespace DuiLib
