@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "utf8.h"
+#include "base/text.h"
 
 namespace kernel {
 
@@ -22,7 +22,7 @@ public:
 
     // Decodes what `text` (not empty) begins with. A byte, or a lead byte with its second byte, that means nothing
     // gives one default character; so does a lead byte before the end or before a zero byte.
-    DecodedCharacter Decode(std::string_view text) const;
+    base::DecodedCharacter Decode(std::string_view text) const;
 
     // The character's bytes: a one-byte character is below 0x100, otherwise the lead byte is the high one. Empty when
     // the page lacks the character.

@@ -146,7 +146,7 @@ void BytePage::Map(std::uint16_t bytes, char32_t character) {
     m_bytes.try_emplace(character, bytes);
 }
 
-DecodedCharacter BytePage::Decode(std::string_view text) const {
+base::DecodedCharacter BytePage::Decode(std::string_view text) const {
     const auto first = static_cast<unsigned char>(text[0]);
     if (!m_leads[first] || text.size() < 2 || text[1] == 0) return {m_single[first], 1};
     return {m_pairs[first << 8 | static_cast<unsigned char>(text[1])], 2};

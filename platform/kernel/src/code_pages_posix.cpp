@@ -5,9 +5,9 @@
 #include <mutex>
 #include <string_view>
 
+#include "base/text.h"
 #include "byte_page.h"
 #include "kernel/code_pages.h"
-#include "utf8.h"
 
 namespace kernel {
 namespace {
@@ -54,29 +54,16 @@ private:
 template <typename Decode>
 int DecodeAll(std::string_view text, Destination<wchar_t> result, Decode decode) {
     while (!text.empty()) {
-        const DecodedCharacter next = decode(text);
+        const base::DecodedCharacter next = decode(text);
         result.Put(static_cast<wchar_t>(next.character));
         text.remove_prefix(next.size);
     }
     return result.Result();
 }
 
-bool IsHighSurrogate(wchar_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool IsLowSurrogate(wchar_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
-// Takes one character from the text's beginning. A pair of surrogates is one character, however it got here.
-char32_t TakeCharacter(std::wstring_view& text) {
-    const wchar_t first = text[0];
-    const bool isPair = text.size() > 1 && IsHighSurrogate(first) && IsLowSurrogate(text[1]);
-    const auto character = isPair ? static_cast<char32_t>(0x10000 + ((first - 0xD800) << 10) + (text[1] - 0xDC00))
-                                  : static_cast<char32_t>(first);
-    text.remove_prefix(isPair ? 2 : 1);
-    return character;
-}
-
 void PutUtf8(Destination<char>& result, char32_t character) {
     char bytes[4];
-    const std::size_t size = EncodeUtf8(character, bytes);
+    const std::size_t size = base::EncodeUtf8(character, bytes);
     for (std::size_t i = 0; i < size; ++i) result.Put(bytes[i]);
 }
 
@@ -105,7 +92,7 @@ int MultiByteToWideChar(unsigned codePage, std::uint32_t flags, const char* sour
     const std::string_view text(source, static_cast<std::size_t>(length));
     const Destination<wchar_t> result(destination, capacity);
     codePage = Resolved(codePage);
-    if (codePage == kCodePageUtf8) return DecodeAll(text, result, DecodeUtf8);
+    if (codePage == kCodePageUtf8) return DecodeAll(text, result, base::DecodeUtf8);
     const BytePage* const page = FindBytePage(codePage);
     if (!page) return 0;
     return DecodeAll(text, result, [page](std::string_view rest) { return page->Decode(rest); });
@@ -120,7 +107,7 @@ int WideCharToMultiByte(unsigned codePage, std::uint32_t flags, const wchar_t* s
     const BytePage* const page = codePage == kCodePageUtf8 ? nullptr : FindBytePage(codePage);
     if (!page && codePage != kCodePageUtf8) return 0;
     while (!text.empty()) {
-        const char32_t character = TakeCharacter(text);
+        const char32_t character = base::TakeCharacter(text);
         if (page) {
             PutBytes(result, *page, character);
         } else {

@@ -1,11 +1,11 @@
-#include "utf8.h"
+#include "base/text.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-namespace kernel {
+namespace base {
 namespace {
 
 std::u32string DecodeAll(std::string_view text) {
@@ -23,7 +23,7 @@ std::string Encode(char32_t character) {
     return std::string(bytes, EncodeUtf8(character, bytes));
 }
 
-TEST(Utf8, EveryCodePointSurvivesTheRoundTrip) {
+TEST(Text, EveryCodePointSurvivesTheRoundTrip) {
     for (char32_t character = 0; character <= 0x10FFFF; ++character) {
         if (character >= 0xD800 && character <= 0xDFFF) continue;
         const std::string bytes = Encode(character);
@@ -33,7 +33,7 @@ TEST(Utf8, EveryCodePointSurvivesTheRoundTrip) {
     }
 }
 
-TEST(Utf8, LengthsChangeAtTheDocumentedCharacters) {
+TEST(Text, LengthsChangeAtTheDocumentedCharacters) {
     EXPECT_EQ(Encode(0x7F), "\x7F");
     EXPECT_EQ(Encode(0x80), "\xC2\x80");
     EXPECT_EQ(Encode(0x7FF), "\xDF\xBF");
@@ -43,13 +43,13 @@ TEST(Utf8, LengthsChangeAtTheDocumentedCharacters) {
     EXPECT_EQ(Encode(0x10FFFF), "\xF4\x8F\xBF\xBF");
 }
 
-TEST(Utf8, WhatIsNoCharacterIsWrittenAsTheReplacementCharacter) {
+TEST(Text, WhatIsNoCharacterIsWrittenAsTheReplacementCharacter) {
     for (const char32_t bad : {0xD800u, 0xDBFFu, 0xDC00u, 0xDFFFu, 0x110000u, 0xFFFFFFFFu}) {
         EXPECT_EQ(Encode(bad), "\xEF\xBF\xBD") << std::hex << static_cast<unsigned>(bad);
     }
 }
 
-TEST(Utf8, EachMaximalIllFormedSubpartGivesOneReplacementCharacter) {
+TEST(Text, EachMaximalIllFormedSubpartGivesOneReplacementCharacter) {
     struct Case {
         const char* bytes;
         std::u32string expected;
@@ -78,5 +78,54 @@ TEST(Utf8, EachMaximalIllFormedSubpartGivesOneReplacementCharacter) {
     for (const Case& c : cases) EXPECT_EQ(DecodeAll(c.bytes), c.expected) << testing::PrintToString(c.bytes);
 }
 
+// What a wide string holds for U+1F516.
+const std::wstring kBookmark = sizeof(wchar_t) == 4 ? std::wstring(1, static_cast<wchar_t>(0x1F516)) : L"\xD83D\xDD16";
+
+TEST(Text, GoesToWideStringsAndBack) {
+    const std::string utf8("a\0\xC3\xA9\xE6\xBC\xA2\xF0\x9F\x94\x96z", 12);
+    const std::wstring wide = std::wstring(L"a\0\u00E9\u6F22", 4) + kBookmark + L"z";
+    EXPECT_EQ(WideFromUtf8(utf8), wide);
+    EXPECT_EQ(Utf8FromWide(wide), utf8);
+    EXPECT_EQ(WideFromUtf8(""), L"");
+    EXPECT_EQ(Utf8FromWide(L""), "");
+}
+
+TEST(Text, GoesToUtf16UnitsAndBack) {
+    const std::string utf8("a\0\xC3\xA9\xE6\xBC\xA2\xF0\x9F\x94\x96z", 12);
+    const std::u16string units(u"a\0\u00E9\u6F22\xD83D\xDD16z", 7);
+    EXPECT_EQ(Utf16FromUtf8(utf8), units);
+    EXPECT_EQ(Utf8FromUtf16(units), utf8);
+}
+
+TEST(Text, IllFormedBytesBecomeReplacementCharactersInWideStringsToo) {
+    EXPECT_EQ(WideFromUtf8("\xE4\xB8\x41\xED\xA0\x80"), L"\uFFFDA\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(Utf16FromUtf8("\xF0\x9F\x41"), u"\uFFFDA");
+}
+
+TEST(Text, UnpairedSurrogatesBecomeReplacementCharactersAndPairsAreJoined) {
+    struct Case {
+        std::u16string units;
+        const char* utf8;
+    };
+    const Case cases[] = {
+        {u"\xD83D", "\xEF\xBF\xBD"},
+        {u"\xDD16", "\xEF\xBF\xBD"},
+        {u"\xD83D\x41", "\xEF\xBF\xBD\x41"},
+        {u"\xDD16\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+        {u"\xD83D\xD83D\xDD16", "\xEF\xBF\xBD\xF0\x9F\x94\x96"},
+        {u"\xD800\xDC00\xDBFF\xDFFF", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(Utf8FromUtf16(c.units), c.utf8);
+        EXPECT_EQ(Utf8FromWide(std::wstring(c.units.begin(), c.units.end())), c.utf8);
+    }
+}
+
+TEST(Text, WhatIsNoCodePointInAWideStringBecomesTheReplacementCharacter) {
+    if (sizeof(wchar_t) == 2) GTEST_SKIP() << "every unit is part of a code point here";
+    EXPECT_EQ(Utf8FromWide(std::wstring(1, static_cast<wchar_t>(0x110000))), "\xEF\xBF\xBD");
+    EXPECT_EQ(Utf8FromWide(std::wstring(1, static_cast<wchar_t>(-1))), "\xEF\xBF\xBD");
+}
+
 }  // namespace
-}  // namespace kernel
+}  // namespace base

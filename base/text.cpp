@@ -1,6 +1,6 @@
-#include "utf8.h"
+#include "base/text.h"
 
-namespace kernel {
+namespace base {
 namespace {
 
 // What may follow a first byte. The limits of the second byte exclude overlong forms, surrogates and what is beyond
@@ -27,6 +27,52 @@ Sequence SequenceOf(unsigned char first) {
         return {4, low, high, first & 0x07u};
     }
     return {0, 0, 0, 0};
+}
+
+template <typename Unit>
+void Append(std::basic_string<Unit>& text, char32_t character) {
+    if (sizeof(Unit) == 4 || character <= 0xFFFF) {
+        text += static_cast<Unit>(character);
+        return;
+    }
+    text += static_cast<Unit>(0xD800 + ((character - 0x10000) >> 10));
+    text += static_cast<Unit>(0xDC00 + ((character - 0x10000) & 0x3FF));
+}
+
+template <typename Unit>
+std::basic_string<Unit> Decoded(std::string_view text) {
+    std::basic_string<Unit> result;
+    result.reserve(text.size());  // never more units than bytes
+    while (!text.empty()) {
+        const DecodedCharacter next = DecodeUtf8(text);
+        Append(result, next.character);
+        text.remove_prefix(next.size);
+    }
+    return result;
+}
+
+bool IsHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool IsLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+
+template <typename Unit>
+char32_t Take(std::basic_string_view<Unit>& text) {
+    const auto first = static_cast<char32_t>(text[0]);
+    const auto second = text.size() > 1 ? static_cast<char32_t>(text[1]) : 0;
+    const bool isPair = IsHighSurrogate(first) && IsLowSurrogate(second);
+    text.remove_prefix(isPair ? 2 : 1);
+    return isPair ? 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00) : first;
+}
+
+template <typename Unit>
+std::string Encoded(std::basic_string_view<Unit> text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        char bytes[4];
+        const std::size_t size = EncodeUtf8(Take(text), bytes);
+        result.append(bytes, size);
+    }
+    return result;
 }
 
 }  // namespace
@@ -58,4 +104,11 @@ std::size_t EncodeUtf8(char32_t character, char (&bytes)[4]) {
     return size;
 }
 
-}  // namespace kernel
+std::wstring WideFromUtf8(std::string_view text) { return Decoded<wchar_t>(text); }
+std::u16string Utf16FromUtf8(std::string_view text) { return Decoded<char16_t>(text); }
+std::string Utf8FromWide(std::wstring_view text) { return Encoded(text); }
+std::string Utf8FromUtf16(std::u16string_view text) { return Encoded(text); }
+
+char32_t TakeCharacter(std::wstring_view& text) { return Take(text); }
+
+}  // namespace base

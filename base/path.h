@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+// Paths as texts that a person reads or writes, which are UTF-8 on every system, as path::string() is not. Any thread.
+namespace base {
+
+// With the system's own separators. Bytes of a Linux path that are not UTF-8 stay as they are.
+std::string Utf8FromPath(const std::filesystem::path& path);
+
+std::filesystem::path PathFromUtf8(std::string_view text);
+
+// The folder that the running program lies in. Throws std::system_error when the system does not tell.
+std::filesystem::path ProgramFolder();
+
+}  // namespace base
