@@ -1,0 +1,99 @@
+#include "source_rules.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <regex>
+#include <string_view>
+
+namespace source_rules {
+namespace {
+
+constexpr std::size_t kMostLines = 400;
+
+// Headers of the C++ library have neither a folder nor an ending.
+bool IsStandard(const std::string& header) { return header.find_first_of("./") == std::string::npos; }
+
+bool IsOfOneSystem(const std::string& file) {
+    return file.find("/linux/") != std::string::npos || file.find("/windows/") != std::string::npos;
+}
+
+bool IsTest(const std::string& file) { return file.starts_with("tests/") || Matches("*_test.cpp", file); }
+
+// What the compiler of somebody else's program must be told: exports are marked differently on each system.
+bool MayAskForTheSystem(const std::string& header) {
+    static constexpr std::array<std::string_view, 2> kPublicMarks = {
+        "platform/*/include/*/export.h",
+        "plugin/entry/accessories_upgrade.h",
+    };
+    return std::any_of(kPublicMarks.begin(), kPublicMarks.end(), [&](auto mark) { return Matches(mark, header); });
+}
+
+bool AsksForTheSystem(const std::string& line) {
+    static const std::regex pattern(
+        R"(\s*#\s*(if|ifdef|ifndef|elif)\b.*\b(_WIN32|_WIN64|WIN32|__linux__|__unix__|_MSC_VER|__MINGW32__|__MINGW64__|__APPLE__)\b.*)");
+    return std::regex_match(line, pattern);
+}
+
+// Empty when `file` may include that.
+std::string WrongInclude(const SourceTree& sources, const RoomTable& rooms, const std::string& file,
+                         const Include& what) {
+    if (what.name.starts_with("../") || what.name.find("/../") != std::string::npos) {
+        return "includes by a path that goes up: " + what.name;
+    }
+    const std::vector<std::string> candidates = Candidates(sources, file, what.name);
+    const auto allowed = [&](const std::string& candidate) { return rooms.MayInclude(file, candidate); };
+    if (std::any_of(candidates.begin(), candidates.end(), allowed)) return "";
+    if (!candidates.empty()) return "may not include " + candidates.front();
+    if (what.quoted) return "includes a file that the project does not have: " + what.name;
+    if (IsStandard(what.name) || IsOfOneSystem(file) || rooms.MayIncludeForeign(file, what.name)) return "";
+    return "may not include <" + what.name + ">";
+}
+
+void CheckRooms(const SourceTree& sources, const RoomTable& rooms, Violations& violations) {
+    for (const Room& room : rooms.Rooms()) {
+        const bool empty = std::none_of(sources.begin(), sources.end(),
+                                        [&](const auto& source) { return rooms.RoomOf(source.first) == &room; });
+        if (empty) violations.push_back(room.folder + ": is a room without a file");
+    }
+}
+
+}  // namespace
+
+Violations CheckIncludes(const SourceTree& sources, const RoomTable& rooms) {
+    Violations violations;
+    CheckRooms(sources, rooms, violations);
+    for (const auto& [file, lines] : sources) {
+        if (rooms.RoomOf(file) == nullptr) violations.push_back(file + ": stands in no room");
+        for (const std::string& line : lines) {
+            const auto include = IncludeOf(line);
+            if (!include) continue;
+            const std::string wrong = WrongInclude(sources, rooms, file, *include);
+            if (!wrong.empty()) violations.push_back(file + ": " + wrong);
+        }
+    }
+    return violations;
+}
+
+Violations CheckSystems(const SourceTree& sources) {
+    static const std::regex system_name(R"(.*_(posix|win32|linux|windows)(_test)?\.(h|cpp))");
+    Violations violations;
+    for (const auto& [file, lines] : sources) {
+        if (std::regex_match(file, system_name))
+            violations.push_back(file + ": names its system instead of standing in its folder");
+        if (file.ends_with(".cpp") && (IsTest(file) || IsOfOneSystem(file))) continue;
+        if (MayAskForTheSystem(file) || std::none_of(lines.begin(), lines.end(), AsksForTheSystem)) continue;
+        violations.push_back(file + ": asks for the system");
+    }
+    return violations;
+}
+
+Violations CheckLengths(const SourceTree& sources) {
+    Violations violations;
+    for (const auto& [file, lines] : sources) {
+        if (lines.size() > kMostLines) violations.push_back(file + ": has more than 400 lines");
+    }
+    return violations;
+}
+
+}  // namespace source_rules
