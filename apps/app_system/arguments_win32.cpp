@@ -6,7 +6,7 @@
 
 #include <filesystem>
 
-#include "path_text.h"
+#include "base/text.h"
 
 namespace app_system {
 
@@ -18,7 +18,7 @@ Arguments::Arguments(int argc, const char* const* argv) {
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     int count = 0;
     wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
-    for (int i = 0; words != nullptr && i < count; ++i) m_texts.push_back(Utf8(words[i]));
+    for (int i = 0; words != nullptr && i < count; ++i) m_texts.push_back(base::Utf8FromWide(words[i]));
     LocalFree(words);
     if (m_texts.empty()) m_texts.assign(argv, argv + argc);
     List();

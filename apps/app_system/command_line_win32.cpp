@@ -4,16 +4,10 @@
 
 #include <map>
 
+#include "base/text.h"
+
 namespace app_system {
 namespace {
-
-std::wstring Wide(const std::string& utf8) {
-    const int size = static_cast<int>(utf8.size());
-    std::wstring wide(utf8.size(), L'\0');
-    const int length = size == 0 ? 0 : ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), size);
-    wide.resize(static_cast<std::size_t>(length));
-    return wide;
-}
 
 // A quotation mark is written with a backslash before it, and backslashes before one are doubled.
 void AppendQuoted(std::wstring& line, const std::wstring& word) {
@@ -65,21 +59,21 @@ std::wstring CommandLineOf(const std::vector<std::string>& command) {
     for (std::size_t i = 0; i < command.size(); ++i) {
         if (i != 0) line += L' ';
         if (IsInterpretersText(command, i)) {
-            return line + L'"' + Wide(command[i]) + L'"';
+            return line + L'"' + base::WideFromUtf8(command[i]) + L'"';
         }
-        AppendQuoted(line, Wide(command[i]));
+        AppendQuoted(line, base::WideFromUtf8(command[i]));
     }
     return line;
 }
 
 std::wstring ProgramPath(const std::string& program, const std::filesystem::path& folder) {
     if (program.find_first_of("/\\") == std::string::npos) return {};
-    return (folder / std::filesystem::path(Wide(program))).make_preferred();
+    return (folder / std::filesystem::path(base::WideFromUtf8(program))).make_preferred();
 }
 
 std::wstring EnvironmentWith(const std::vector<std::pair<std::string, std::string>>& added) {
     auto variables = OwnEnvironment();
-    for (const auto& [name, value] : added) variables[Wide(name)] = Wide(value);
+    for (const auto& [name, value] : added) variables[base::WideFromUtf8(name)] = base::WideFromUtf8(value);
     std::wstring block;
     for (const auto& [name, value] : variables) block += name + L'=' + value + L'\0';
     return block + L'\0';

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "app_system/program_folder.h"
+#include "base/path.h"
 #include "module_loader/page_module.h"
 
 namespace {
@@ -13,7 +13,7 @@ constexpr const char* kCloseWnd = "_Z8CloseWndv";  // void CloseWnd(), as the co
 
 void* Lookup(void* library, const char* name, const std::filesystem::path& file) {
     void* const address = dlsym(library, name);
-    if (address == nullptr) throw std::runtime_error(file.string() + ": the module does not export " + name);
+    if (address == nullptr) throw std::runtime_error(base::Utf8FromPath(file) + ": the module does not export " + name);
     return address;
 }
 
@@ -21,7 +21,8 @@ void* Lookup(void* library, const char* name, const std::filesystem::path& file)
 
 PageModule::PageModule(const std::filesystem::path& file) {
     void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr) throw std::runtime_error(file.string() + ": the module cannot be loaded: " + dlerror());
+    if (library == nullptr)
+        throw std::runtime_error(base::Utf8FromPath(file) + ": the module cannot be loaded: " + dlerror());
     m_create = reinterpret_cast<CreateFunction>(Lookup(library, kCreateSetting, file));
     m_close = reinterpret_cast<CloseFunction>(Lookup(library, kCloseWnd, file));
 }
@@ -34,5 +35,5 @@ void PageModule::CreateSetting(DuiLib::CPaintManagerUI* paintManager, DuiLib::CN
 void PageModule::CloseWnd() const { m_close(); }
 
 std::filesystem::path PageModule::DefaultPath() {
-    return app_system::ProgramFolder().parent_path() / "lib" / "libAccessoriesUpgrade.so";
+    return base::ProgramFolder().parent_path() / "lib" / "libAccessoriesUpgrade.so";
 }

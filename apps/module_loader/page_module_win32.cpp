@@ -3,15 +3,14 @@
 #include <stdexcept>
 #include <string>
 
-#include "app_system/path_text.h"
-#include "app_system/program_folder.h"
-#include "app_system/reason_win32.h"
+#include "base/path.h"
+#include "base/reason.h"
 #include "module_loader/page_module.h"
 
 namespace {
 
-using app_system::LastReason;
-using app_system::Utf8;
+using base::LastReason;
+using base::Utf8FromPath;
 
 constexpr const char* kCreateSetting = "CreateSetting";
 constexpr const char* kCloseWnd = "?CloseWnd@@YAXXZ";  // void CloseWnd(), as the system's own compiler decorates it
@@ -19,7 +18,7 @@ constexpr const char* kCloseWnd = "?CloseWnd@@YAXXZ";  // void CloseWnd(), as th
 template <typename Function>
 Function Lookup(HMODULE library, const char* name, const std::filesystem::path& file) {
     const FARPROC address = GetProcAddress(library, name);
-    if (address == nullptr) throw std::runtime_error(Utf8(file) + ": the module does not export " + name);
+    if (address == nullptr) throw std::runtime_error(Utf8FromPath(file) + ": the module does not export " + name);
     return reinterpret_cast<Function>(reinterpret_cast<void*>(address));
 }
 
@@ -27,7 +26,8 @@ Function Lookup(HMODULE library, const char* name, const std::filesystem::path& 
 
 PageModule::PageModule(const std::filesystem::path& file) {
     const HMODULE library = LoadLibraryW(file.c_str());
-    if (library == nullptr) throw std::runtime_error(Utf8(file) + ": the module cannot be loaded: " + LastReason());
+    if (library == nullptr)
+        throw std::runtime_error(Utf8FromPath(file) + ": the module cannot be loaded: " + LastReason());
     m_create = Lookup<CreateFunction>(library, kCreateSetting, file);
     m_close = Lookup<CloseFunction>(library, kCloseWnd, file);
 }
@@ -40,4 +40,4 @@ void PageModule::CreateSetting(DuiLib::CPaintManagerUI* paintManager, DuiLib::CN
 void PageModule::CloseWnd() const { m_close(); }
 
 // Libraries stand beside the programs here.
-std::filesystem::path PageModule::DefaultPath() { return app_system::ProgramFolder() / "AccessoriesUpgrade.dll"; }
+std::filesystem::path PageModule::DefaultPath() { return base::ProgramFolder() / "AccessoriesUpgrade.dll"; }

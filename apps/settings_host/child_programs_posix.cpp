@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "app_system/program_folder.h"
+#include "base/path.h"
 #include "child_programs.h"
 
 extern char** environ;
@@ -74,9 +74,9 @@ ChildPrograms::~ChildPrograms() {
 void ChildPrograms::Start(const std::string& program, const std::vector<std::string>& arguments,
                           const std::filesystem::path& output) {
     if (m_running.count(program) != 0) throw std::runtime_error(program + " runs already");
-    const auto file = app_system::ProgramFolder() / program;
+    const auto file = base::ProgramFolder() / program;
     int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error(file.string() + ": " + Reason(errno));
+    if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error(base::Utf8FromPath(file) + ": " + Reason(errno));
     const SpawnSettings settings(ends[0], output);
     pid_t process = 0;
     const int error = posix_spawn(&process, file.c_str(), settings.Actions(), settings.Attributes(),
@@ -84,7 +84,7 @@ void ChildPrograms::Start(const std::string& program, const std::vector<std::str
     close(ends[0]);
     if (error != 0) {
         close(ends[1]);
-        throw std::runtime_error(file.string() + ": cannot be started: " + Reason(error));
+        throw std::runtime_error(base::Utf8FromPath(file) + ": cannot be started: " + Reason(error));
     }
     m_running[program] = process;  // the pipe's other end stays open until this process ends
 }

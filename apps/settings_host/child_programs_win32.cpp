@@ -3,9 +3,8 @@
 #include <stdexcept>
 
 #include "app_system/command_line_win32.h"
-#include "app_system/path_text.h"
-#include "app_system/program_folder.h"
-#include "app_system/reason_win32.h"
+#include "base/path.h"
+#include "base/reason.h"
 #include "child_programs.h"
 
 namespace settings_host {
@@ -18,14 +17,14 @@ struct ChildPrograms::Child {
 
 namespace {
 
-using app_system::LastReason;
-using app_system::Utf8;
+using base::LastReason;
+using base::Utf8FromPath;
 
 // [ms] for a program that has lost its input to end by itself: the update service waits ten seconds for an installer
 constexpr DWORD kPatience = 15000;
 
 std::filesystem::path FileOf(const std::string& program) {
-    std::filesystem::path file = app_system::ProgramFolder() / app_system::PathOf(program);
+    std::filesystem::path file = base::ProgramFolder() / base::PathFromUtf8(program);
     if (!file.has_extension()) file += ".exe";
     return file;
 }
@@ -83,9 +82,9 @@ void ChildPrograms::Start(const std::string& program, const std::vector<std::str
     const std::filesystem::path file = FileOf(program);
     HANDLE theirs = nullptr;
     HANDLE ours = nullptr;
-    if (!CreatePipe(&theirs, &ours, nullptr, 0)) throw std::runtime_error(Utf8(file) + ": " + LastReason());
+    if (!CreatePipe(&theirs, &ours, nullptr, 0)) throw std::runtime_error(Utf8FromPath(file) + ": " + LastReason());
     SetHandleInformation(theirs, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
-    std::vector<std::string> words{Utf8(file)};
+    std::vector<std::string> words{Utf8FromPath(file)};
     words.insert(words.end(), arguments.begin(), arguments.end());
     const HANDLE written = OpenOutput(output.empty() ? std::filesystem::path(L"NUL") : output);
     PROCESS_INFORMATION made{};
@@ -97,7 +96,7 @@ void ChildPrograms::Start(const std::string& program, const std::vector<std::str
     if (written != INVALID_HANDLE_VALUE) CloseHandle(written);
     if (!started) {
         CloseHandle(ours);
-        throw std::runtime_error(Utf8(file) + ": cannot be started: " + reason);
+        throw std::runtime_error(Utf8FromPath(file) + ": cannot be started: " + reason);
     }
     AssignProcessToJobObject(Job(), made.hProcess);
     ResumeThread(made.hThread);

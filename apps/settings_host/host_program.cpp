@@ -8,7 +8,9 @@
 #include <system_error>
 #include <thread>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
+#include "base/reason.h"
+#include "base/text.h"
 #include "ipc_client/ipc_connection_state.h"
 #include "kernel/ui_turn.h"
 #include "log.h"
@@ -16,13 +18,12 @@
 #include "script_input.h"
 #include "script_runner.h"
 #include "transcript.h"
-#include "utf8.h"
 
 namespace settings_host {
 
 namespace {
 
-using app_system::Utf8;
+using base::Utf8FromPath;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -51,7 +52,8 @@ HostProgram::HostProgram(const CommandLine& commandLine)
       m_channel([this] { WakeUp(); }),
       m_window(m_module, m_channel, m_inhibitor) {
     if (!commandLine.headless) {
-        const std::string title = ToUtf8(DuiLib::UICulture::GetInstance()->GetString(L"IDS_HOST_WINDOW_TITLE"));
+        const std::string title =
+            base::Utf8FromWide(DuiLib::UICulture::GetInstance()->GetString(L"IDS_HOST_WINDOW_TITLE"));
         m_native.emplace(m_window.Manager(), DuiLib::WindowOptions{.title = title,
                                                                    .size = SettingsWindow::kSize,
                                                                    .smallest = SettingsWindow::kSmallest,
@@ -99,7 +101,7 @@ void HostProgram::Run() {
     if (!m_commandLine.screenshot.empty()) {
         Settle();
         m_window.SavePicture(m_commandLine.screenshot);
-        Say("picture: " + Utf8(m_commandLine.screenshot));
+        Say("picture: " + Utf8FromPath(m_commandLine.screenshot));
     } else if (m_commandLine.script.empty()) {
         for (;;) Step({});
     }
@@ -155,10 +157,10 @@ void HostProgram::PlayScript() {
     errno = 0;
     std::ifstream file(m_commandLine.script);
     if (!file) {
-        throw std::runtime_error(Utf8(m_commandLine.script) +
+        throw std::runtime_error(Utf8FromPath(m_commandLine.script) +
                                  ": the script cannot be read: " + std::generic_category().message(errno));
     }
-    PlayFrom(file, Utf8(m_commandLine.script), false);
+    PlayFrom(file, Utf8FromPath(m_commandLine.script), false);
 }
 
 void HostProgram::PlayFrom(std::istream& input, const std::string& name, bool fromTerminal) {
@@ -173,7 +175,7 @@ void HostProgram::PlayFrom(std::istream& input, const std::string& name, bool fr
             ended = true;
         } catch (const script::Error& error) {
             if (!fromTerminal) throw;
-            Say(error.what());  // a person tries again
+            Say(base::Reason(error));  // a person tries again
         }
     }
 }

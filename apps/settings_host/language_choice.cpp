@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
 
 namespace settings_host {
 
@@ -73,7 +73,7 @@ std::vector<std::string> AvailableLanguages(const std::filesystem::path& folder)
     std::error_code error;
     std::filesystem::directory_iterator file(folder, error);
     for (; !error && file != std::filesystem::directory_iterator(); file.increment(error)) {
-        if (file->path().extension() == ".xml") names.push_back(app_system::Utf8(file->path().stem()));
+        if (file->path().extension() == ".xml") names.push_back(base::Utf8FromPath(file->path().stem()));
     }
     std::sort(names.begin(), names.end());
     return names;

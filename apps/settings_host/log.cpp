@@ -2,13 +2,13 @@
 
 #include <sstream>
 
-#include "utf8.h"
+#include "base/text.h"
 
 namespace settings_host {
 
 void LogLibraryLine(int level, const std::string& text) {
     std::wstringstream line;
-    line << FromUtf8(text);
+    line << base::WideFromUtf8(text);
     QxLogger::GetInstance()->Log(static_cast<LOG_MESSAGE_LEVEL>(level), line);
 }
 

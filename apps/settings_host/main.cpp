@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "app_system/arguments.h"
+#include "base/reason.h"
 #include "duilib/window.h"
 #include "host_program.h"
 #include "ipc_client/ipc_log.h"
@@ -52,7 +53,7 @@ int RunToTheEnd(CommandLine& commandLine) {
         if (!ended.reason.empty()) Say(ended.reason);
         if (commandLine.tour) exitCode = 1;
     } catch (const std::exception& error) {
-        std::cerr << "settings_host: " << error.what() << std::endl;
+        std::cerr << "settings_host: " << base::Reason(error) << std::endl;
         exitCode = 1;
     }
     SetIpcLogSink({});

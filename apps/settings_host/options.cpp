@@ -2,8 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "app_system/path_text.h"
-#include "app_system/program_folder.h"
+#include "base/path.h"
 #include "module_loader/page_module.h"
 
 namespace settings_host {
@@ -12,23 +11,23 @@ namespace {
 
 // A build has it beside the programs' folder, a package beside the programs.
 std::filesystem::path DefaultComponents() {
-    const std::filesystem::path folder = app_system::ProgramFolder();
+    const std::filesystem::path folder = base::ProgramFolder();
     const std::filesystem::path beside = folder / "components";
     std::error_code ignored;
     return std::filesystem::is_directory(beside, ignored) ? beside : folder.parent_path() / "components";
 }
 
 std::filesystem::path SampleBesideTheProgram() {
-    const std::filesystem::path folder = app_system::ProgramFolder() / "sample";
+    const std::filesystem::path folder = base::ProgramFolder() / "sample";
     std::error_code ignored;
     return std::filesystem::is_directory(folder, ignored) ? folder : std::filesystem::path();
 }
 
 // An option that is a path; what it is so far is shown as its default.
 CLI::Option* AddPath(CLI::App& app, const std::string& name, std::filesystem::path& path, const std::string& what) {
-    const auto read = [&path](const std::string& text) { path = app_system::PathOf(text); };
+    const auto read = [&path](const std::string& text) { path = base::PathFromUtf8(text); };
     CLI::Option* const option = app.add_option_function<std::string>(name, read, what)->take_last();
-    return path.empty() ? option : option->default_str(app_system::Utf8(path));
+    return path.empty() ? option : option->default_str(base::Utf8FromPath(path));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "utf8.h"
+#include "base/text.h"
 
 namespace settings_host {
 
@@ -25,13 +25,15 @@ CControlUI* FindBelow(CControlUI* control, std::wstring_view nameEnd) {
     return nullptr;
 }
 
-std::string TextOf(CControlUI* control) { return control == nullptr ? std::string() : ToUtf8(control->GetText()); }
+std::string TextOf(CControlUI* control) {
+    return control == nullptr ? std::string() : base::Utf8FromWide(control->GetText());
+}
 
 bool Shown(CControlUI* control) { return control != nullptr && IsShown(control); }
 
 std::string WithToolTip(CControlUI* control) {
     if (!Shown(control) || control->GetToolTip().IsEmpty()) return {};
-    return "  (tip: " + ToUtf8(control->GetToolTip()) + ")";
+    return "  (tip: " + base::Utf8FromWide(control->GetToolTip()) + ")";
 }
 
 // The done part of the bar from the layer's "pos": "fill,0,width,0".
@@ -39,7 +41,7 @@ std::string Bar(CControlUI* layer) {
     int fill = 0;
     int width = 0;
     if (layer != nullptr) {
-        std::sscanf(ToUtf8(layer->GetAttribute(L"pos")).c_str(), "%d,%*d,%d,%*d", &fill, &width);
+        std::sscanf(base::Utf8FromWide(layer->GetAttribute(L"pos")).c_str(), "%d,%*d,%d,%*d", &fill, &width);
     }
     const int done = width <= 0 ? 0 : std::clamp(kBarCells * fill / width, 0, kBarCells);
     return "[" + std::string(static_cast<std::size_t>(done), '#') +

@@ -11,7 +11,8 @@
 #include <system_error>
 #include <thread>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
+#include "base/reason.h"
 #include "transcript.h"
 #include "work_folder.h"
 
@@ -21,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using app_system::Utf8;
+using base::Utf8FromPath;
 using std::chrono::steady_clock;
 
 constexpr const char* kService = "update_service";
@@ -33,7 +34,8 @@ constexpr std::size_t kShownLines = 20;  // of the service's log
 void ExpectFile(const fs::path& file) {
     errno = 0;
     const std::ifstream stream(file, std::ios::binary);
-    if (!stream) throw std::runtime_error(Utf8(file) + ": cannot be read: " + std::generic_category().message(errno));
+    if (!stream)
+        throw std::runtime_error(Utf8FromPath(file) + ": cannot be read: " + std::generic_category().message(errno));
 }
 
 std::vector<fs::path> PackagesOf(const fs::path& sample) {
@@ -42,7 +44,7 @@ std::vector<fs::path> PackagesOf(const fs::path& sample) {
     std::vector<fs::path> packages;
     fs::directory_iterator file(folder, error);
     for (; !error && file != fs::directory_iterator(); file.increment(error)) packages.push_back(file->path());
-    if (error) throw std::runtime_error(Utf8(folder) + ": cannot be read: " + error.message());
+    if (error) throw std::runtime_error(Utf8FromPath(folder) + ": cannot be read: " + base::Reason(error));
     std::sort(packages.begin(), packages.end());
     return packages;
 }
@@ -80,7 +82,8 @@ void Remove(const fs::path& folder) {
         std::this_thread::sleep_for(kLookAgain);
     }
     if (error)
-        std::cerr << "settings_host: " << Utf8(folder) << ": cannot be removed: " << error.message() << std::endl;
+        std::cerr << "settings_host: " << Utf8FromPath(folder) << ": cannot be removed: " << base::Reason(error)
+                  << std::endl;
 }
 
 // What is missing is told before there is a work folder.
@@ -121,10 +124,11 @@ Sample::Sample(CommandLine& commandLine)
 }
 
 void Sample::StartService() {
-    m_programs.Start(kService,
-                     {"--catalogue", Utf8(m_folder / "catalogue.json"), "--work-dir", Utf8(m_work / "updates"),
-                      "--rate", "1500000", "--fail", "dock-03:40", "--end-with-input"},
-                     ServiceLog());
+    m_programs.Start(
+        kService,
+        {"--catalogue", Utf8FromPath(m_folder / "catalogue.json"), "--work-dir", Utf8FromPath(m_work / "updates"),
+         "--rate", "1500000", "--fail", "dock-03:40", "--end-with-input"},
+        ServiceLog());
     const auto end = steady_clock::now() + kServicePatience;
     while (!Holds(ServiceLog(), kReady)) {
         const bool runs = m_programs.Runs(kService);
@@ -138,13 +142,13 @@ void Sample::StartService() {
                                  " and says nothing");
     }
     m_began = true;
-    if (!m_tour) Say("Logs: " + Utf8(m_work));
+    if (!m_tour) Say("Logs: " + Utf8FromPath(m_work));
 }
 
 void Sample::CheckTour(bool nothingIsLeft) const {
     std::string fault = nothingIsLeft ? "" : "the host was not told that nothing is left";
     for (const fs::path& package : PackagesOf(m_folder)) {
-        const std::string name = Utf8(package.filename());
+        const std::string name = Utf8FromPath(package.filename());
         if (AreSame(package, m_work / "updates" / package.filename())) {
             Say("arrived whole: " + name);
         } else {
@@ -153,7 +157,7 @@ void Sample::CheckTour(bool nothingIsLeft) const {
     }
     if (!fault.empty()) throw std::runtime_error(fault);
     Say(m_pictures.empty() ? "The tour is complete."
-                           : "The tour is complete; its pictures are in " + Utf8(m_pictures) + ".");
+                           : "The tour is complete; its pictures are in " + Utf8FromPath(m_pictures) + ".");
 }
 
 void Sample::End(bool well) {
@@ -162,7 +166,7 @@ void Sample::End(bool well) {
         Remove(m_work);
         return;
     }
-    std::cerr << "settings_host: the logs are in " << Utf8(m_work) << "; the update service's ends with:\n";
+    std::cerr << "settings_host: the logs are in " << Utf8FromPath(m_work) << "; the update service's ends with:\n";
     for (const std::string& line : EndOf(ServiceLog(), kShownLines)) std::cerr << line << '\n';
     std::cerr << std::flush;
 }

@@ -2,12 +2,13 @@
 
 #include <chrono>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
+#include "base/reason.h"
+#include "base/text.h"
 #include "ipc/channel.h"
 #include "ipc_client/ipc_connection_state.h"
 #include "kernel/ui_turn.h"
 #include "transcript.h"
-#include "utf8.h"
 
 namespace settings_host {
 
@@ -23,7 +24,7 @@ bool IsPercentageFrom(const DuiLib::CDuiString& text, int least) {
 }
 
 std::string TextFor(const script::Wait& wait, DuiLib::CControlUI& control) {
-    return ToUtf8(wait.condition == "tooltip" ? control.GetToolTip() : control.GetText());
+    return base::Utf8FromWide(wait.condition == "tooltip" ? control.GetToolTip() : control.GetText());
 }
 
 std::string Description(const script::Wait& wait) {
@@ -42,7 +43,7 @@ void ScriptRunner::Run(script::Reader& reader) {
         try {
             std::visit([this](const auto& what) { Do(what); }, command);
         } catch (const std::exception& error) {
-            throw script::Error(reader.File(), reader.Line(), error.what());
+            throw script::Error(reader.File(), reader.Line(), base::Reason(error));
         }
     }
 }
@@ -60,17 +61,17 @@ void ScriptRunner::Try(const std::string& what, const std::function<std::string(
 
 void ScriptRunner::Do(const script::Click& click) {
     Say("> click " + click.control);
-    Try("click " + click.control, [&] { return m_window.Click(FromUtf8(click.control)); });
+    Try("click " + click.control, [&] { return m_window.Click(base::WideFromUtf8(click.control)); });
 }
 
 void ScriptRunner::Do(const script::Hover& hover) {
-    Try("hover " + hover.control, [&] { return m_window.Hover(FromUtf8(hover.control)); });
+    Try("hover " + hover.control, [&] { return m_window.Hover(base::WideFromUtf8(hover.control)); });
 }
 
 void ScriptRunner::Do(const script::Where& where) {
     m_around.idle();
     const kernel::UiTurn turn;
-    DuiLib::CControlUI* const control = m_window.Find(FromUtf8(where.control));
+    DuiLib::CControlUI* const control = m_window.Find(base::WideFromUtf8(where.control));
     if (control == nullptr) throw std::runtime_error("where " + where.control + ": no control has that name");
     const DuiLib::CDuiRect place = control->GetPos();
     const DuiLib::CDuiPoint origin = m_around.origin();
@@ -83,11 +84,11 @@ void ScriptRunner::Do(const script::Where& where) {
 
 void ScriptRunner::Do(const script::Picture& picture) {
     m_around.idle();
-    const std::filesystem::path file = m_around.pictures / app_system::PathOf(picture.file);
+    const std::filesystem::path file = m_around.pictures / base::PathFromUtf8(picture.file);
     std::error_code error;  // what cannot be made shows when the picture is saved
     std::filesystem::create_directories(m_around.pictures, error);
     m_window.SavePicture(file);
-    Say("picture: " + app_system::Utf8(file));
+    Say("picture: " + base::Utf8FromPath(file));
 }
 
 void ScriptRunner::Do(const script::Words& words) { Say("# " + words.text); }
@@ -112,7 +113,7 @@ bool ScriptRunner::Holds(const script::Wait& wait) {
     if (what == "nothing-left") return news.nothingLeft;
     if (what == "running") return static_cast<int>(news.running.size()) == wait.number;
     if (what == "height") return news.heightReported && news.contentHeight == wait.number;
-    DuiLib::CControlUI* const control = m_window.Find(FromUtf8(wait.control));
+    DuiLib::CControlUI* const control = m_window.Find(base::WideFromUtf8(wait.control));
     const bool shown = control != nullptr && IsShown(control);
     if (what == "shown") return shown;
     if (what == "hidden") return control != nullptr && !shown;
@@ -129,14 +130,15 @@ std::string ScriptRunner::Seen(const script::Wait& wait) {
     if (wait.condition == "running") return std::to_string(news.running.size()) + " run";
     if (wait.condition == "height") return "it is " + std::to_string(news.contentHeight);
     if (wait.control.empty()) return "it is not so";
-    DuiLib::CControlUI* const control = m_window.Find(FromUtf8(wait.control));
+    DuiLib::CControlUI* const control = m_window.Find(base::WideFromUtf8(wait.control));
     if (control == nullptr) return "no control has that name";
     if (wait.condition == "shown") return "it is hidden";
     if (wait.condition == "hidden") return "it is shown";
     if (wait.condition == "tip") return "its tool tip is not seen";
     if (wait.condition == "focus") {
         DuiLib::CControlUI* const focused = m_window.Manager().GetFocus();
-        return focused == nullptr ? "nothing has the focus" : "\"" + ToUtf8(focused->GetName()) + "\" has the focus";
+        return focused == nullptr ? "nothing has the focus"
+                                  : "\"" + base::Utf8FromWide(focused->GetName()) + "\" has the focus";
     }
     return "it is \"" + TextFor(wait, *control) + "\"";
 }

@@ -4,10 +4,10 @@
 #include <memory>
 #include <stdexcept>
 
+#include "base/text.h"
 #include "ipc/channel.h"
 #include "ipc_client/ipc_connection_state.h"
 #include "kernel/ui_turn.h"
-#include "utf8.h"
 
 namespace settings_host {
 
@@ -35,7 +35,7 @@ std::wstring Filled(std::wstring_view id, std::wstring_view value) {
 std::unique_ptr<CControlUI> Build() {
     DuiLib::CDialogBuilder builder;
     std::unique_ptr<CControlUI> root(builder.Create(kLayout));
-    if (!root) throw std::runtime_error(ToUtf8(builder.GetError()));
+    if (!root) throw std::runtime_error(base::Utf8FromWide(builder.GetError()));
     return root;
 }
 
@@ -46,15 +46,16 @@ SettingsWindow::SettingsWindow(const PageModule& module, HostChannel& channel, S
     const kernel::UiTurn turn;
     m_manager.AttachRoot(Build().release());
     m_page = dynamic_cast<DuiLib::CContainerUI*>(Find(L"page"));
-    if (m_page == nullptr) throw std::runtime_error(ToUtf8(kLayout) + ": it has no container \"page\"");
+    if (m_page == nullptr) throw std::runtime_error(base::Utf8FromWide(kLayout) + ": it has no container \"page\"");
     for (const wchar_t* const name :
          {L"navAccessories", L"navAbout", L"pageName", L"runningCount", L"serviceBar", L"accessoriesView",
           L"searchingView", L"upToDateView", L"aboutView", L"closeQuestion", L"closeAnyway", L"keepOpen"}) {
-        if (Find(name) == nullptr) throw std::runtime_error(ToUtf8(kLayout) + ": it has no \"" + ToUtf8(name) + "\"");
+        if (Find(name) == nullptr)
+            throw std::runtime_error(base::Utf8FromWide(kLayout) + ": it has no \"" + base::Utf8FromWide(name) + "\"");
     }
     m_manager.AddNotifyPump(this);
     m_manager.SetClientSize(DuiLib::CResourceManager::GetInstance()->Scale(kSize, &m_manager));
-    m_inhibitor.SetReason(ToUtf8(Text(L"IDS_HOST_INHIBIT_REASON")));
+    m_inhibitor.SetReason(base::Utf8FromWide(Text(L"IDS_HOST_INHIBIT_REASON")));
     ShowView();
 }
 
@@ -212,7 +213,7 @@ std::string SettingsWindow::MiddleOf(std::wstring_view name, DuiLib::CDuiPoint& 
     middle = {(place.left + place.right) / 2, (place.top + place.bottom) / 2};
     CControlUI* const hit = m_manager.FindControl(middle);
     if (hit == nullptr) return "its middle lies outside the window";
-    return hit == control ? "" : "it is covered by \"" + ToUtf8(hit->GetName()) + "\"";
+    return hit == control ? "" : "it is covered by \"" + base::Utf8FromWide(hit->GetName()) + "\"";
 }
 
 std::string SettingsWindow::Click(std::wstring_view name) {

@@ -2,14 +2,14 @@
 
 #include <stdexcept>
 
-#include "app_system/reason_win32.h"
+#include "base/reason.h"
 #include "sleep_inhibitor.h"
 
 namespace settings_host {
 
 namespace {
 
-using app_system::LastReason;
+using base::LastReason;
 
 std::wstring Wide(const std::string& utf8) {
     const int size = static_cast<int>(utf8.size());

@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "app_system/path_text.h"
-#include "app_system/reason_win32.h"
+#include "base/path.h"
+#include "base/reason.h"
 #include "work_folder.h"
 
 namespace settings_host {
@@ -16,13 +16,13 @@ std::filesystem::path MakeWorkFolder() {
         const std::filesystem::path folder = all / (L"settings_host_" + std::to_wstring(number));
         if (CreateDirectoryW(folder.c_str(), nullptr)) return folder;
         if (GetLastError() == ERROR_ALREADY_EXISTS) continue;
-        const std::string reason = app_system::LastReason();
-        throw std::runtime_error(app_system::Utf8(folder) + ": cannot be made: " + reason);
+        const std::string reason = base::LastReason();
+        throw std::runtime_error(base::Utf8FromPath(folder) + ": cannot be made: " + reason);
     }
 }
 
 void SetVariable(const std::string& name, const std::filesystem::path& value) {
-    _wputenv_s(app_system::PathOf(name).c_str(), value.c_str());
+    _wputenv_s(base::PathFromUtf8(name).c_str(), value.c_str());
 }
 
 }  // namespace settings_host

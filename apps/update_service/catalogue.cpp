@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
 #include "work_files.h"
 
 namespace update_service {
@@ -25,7 +25,7 @@ struct Place {
     Place Element(std::size_t index) const { return {file, name + '[' + std::to_string(index) + ']'}; }
 
     [[noreturn]] void Fail(const std::string& reason) const {
-        throw std::runtime_error(app_system::Utf8(file) + ": " + (name.empty() ? "" : name + ": ") + reason);
+        throw std::runtime_error(base::Utf8FromPath(file) + ": " + (name.empty() ? "" : name + ": ") + reason);
     }
 };
 
@@ -122,7 +122,7 @@ Accessory ReadAccessory(const Place& place, const Json& entry, const std::filesy
         return value.get<bool>();
     });
     const std::string package = read("package", NonEmptyText);
-    accessory.package = folder / app_system::PathOf(package);
+    accessory.package = folder / base::PathFromUtf8(package);
     accessory.sha256 = read("sha256", Sha256);
     accessory.installer = read("installer", Installer);
     return accessory;

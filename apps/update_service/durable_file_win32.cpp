@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <system_error>
 
-#include "app_system/path_text.h"
-#include "app_system/reason_win32.h"
+#include "base/path.h"
+#include "base/reason.h"
 #include "durable_file.h"
 
 namespace update_service {
@@ -15,7 +15,7 @@ namespace {
 class SystemErrors final : public std::error_category {
 public:
     const char* name() const noexcept override { return "system"; }
-    std::string message(int error) const override { return app_system::Reason(static_cast<unsigned long>(error)); }
+    std::string message(int error) const override { return base::Reason(static_cast<unsigned long>(error)); }
     std::error_condition default_error_condition(int error) const noexcept override {
         return std::system_category().default_error_condition(error);
     }
@@ -23,7 +23,7 @@ public:
 
 [[noreturn]] void FailWith(const std::filesystem::path& path) {
     static const SystemErrors category;
-    throw std::system_error(static_cast<int>(GetLastError()), category, app_system::Utf8(path));
+    throw std::system_error(static_cast<int>(GetLastError()), category, base::Utf8FromPath(path));
 }
 
 // A virus scanner may hold a file for a moment that was closed just now.

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "app_system/command_line_win32.h"
-#include "app_system/reason_win32.h"
+#include "base/reason.h"
 #include "installer.h"
 
 namespace update_service {
@@ -125,7 +125,7 @@ InstallerResult Judge(DWORD code) {
 
 InstallerResult RunInstaller(const InstallerCall& call, const std::stop_token& stop, std::chrono::milliseconds grace) {
     const OwnedHandle process = Start(call);
-    if (!process) return {InstallerEnd::kFailed, "cannot be started: " + app_system::LastReason()};
+    if (!process) return {InstallerEnd::kFailed, "cannot be started: " + base::LastReason()};
     const std::optional<DWORD> code = WaitFor(process.get(), stop, grace);
     return code ? Judge(*code) : InstallerResult{InstallerEnd::kAbandoned, ""};
 }

@@ -1,10 +1,11 @@
 #include "ipc_page_link.h"
 
+#include "base/text.h"
 #include "ipc/channel.h"
 #include "ipc/ipc_data_io.h"
 #include "ipc/record_codec.h"
 #include "ipc/records.h"
-#include "text.h"
+#include "kernel/ansi_text.h"
 
 namespace update_service {
 namespace {
@@ -12,13 +13,17 @@ namespace {
 constexpr std::uint32_t kSmallBlock = 64;         // [bytes] for one record
 constexpr std::uint32_t kLargeBlock = 64 * 1024;  // [bytes] for a list
 
+// Keys of devices cross the pipe in the system's page.
+std::string AnsiFromUtf8(const std::string& text) { return kernel::AnsiFromWide(base::WideFromUtf8(text)); }
+std::string Utf8FromAnsi(const std::string& text) { return base::Utf8FromWide(kernel::WideFromAnsi(text)); }
+
 AccessoryVersionDataInfo RecordOf(const Accessory& accessory) {
     AccessoryVersionDataInfo record;
     record.deviceKey = AnsiFromUtf8(accessory.deviceKey);
-    record.modelId = WideFromUtf8(accessory.modelId);
-    record.imagePath = WideFromUtf8(accessory.image);
-    record.version = WideFromUtf8(accessory.version);
-    for (const std::string& line : accessory.description) record.descLines.push_back(WideFromUtf8(line));
+    record.modelId = base::WideFromUtf8(accessory.modelId);
+    record.imagePath = base::WideFromUtf8(accessory.image);
+    record.version = base::WideFromUtf8(accessory.version);
+    for (const std::string& line : accessory.description) record.descLines.push_back(base::WideFromUtf8(line));
     record.isDriver = accessory.isDriver;
     return record;
 }

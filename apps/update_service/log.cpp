@@ -1,12 +1,12 @@
 #include "log.h"
 
-#include "text.h"
+#include "base/text.h"
 
 namespace update_service {
 
 void LogToQxLogger(LOG_MESSAGE_LEVEL level, const std::string& line) {
     std::wstringstream stream;
-    stream << L"[UpdateService]" << WideFromUtf8(line);
+    stream << L"[UpdateService]" << base::WideFromUtf8(line);
     QxLogger::GetInstance()->Log(level, stream);
 }
 

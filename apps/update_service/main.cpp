@@ -6,7 +6,9 @@
 #include <stdexcept>
 
 #include "app_system/arguments.h"
-#include "app_system/path_text.h"
+#include "base/path.h"
+#include "base/reason.h"
+#include "base/text.h"
 #include "catalogue.h"
 #include "ipc/channel.h"
 #include "ipc_client/ipc_broker.h"
@@ -15,7 +17,6 @@
 #include "log.h"
 #include "options.h"
 #include "stop_signal/stop_signal.h"
-#include "text.h"
 #include "update_service.h"
 
 namespace update_service {
@@ -30,7 +31,8 @@ void OpenLog(const std::filesystem::path& file) {
 void MakeFolder(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
-    if (error) throw std::runtime_error(app_system::Utf8(folder) + ": the folder cannot be made: " + error.message());
+    if (error)
+        throw std::runtime_error(base::Utf8FromPath(folder) + ": the folder cannot be made: " + base::Reason(error));
 }
 
 void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
@@ -45,7 +47,7 @@ void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
     UpdateService service(catalogue, options, page, LogToQxLogger);
     service.GoOn();
     ReceiveRequests(client, service);
-    LogToQxLogger(LOG_LEVEL_EVENT, "ready " + Utf8FromWide(IPC_PIPE_ASSISTANT));
+    LogToQxLogger(LOG_LEVEL_EVENT, "ready " + base::Utf8FromWide(IPC_PIPE_ASSISTANT));
 
     LogToQxLogger(LOG_LEVEL_EVENT, std::string("stops: ") + stop_signal::WaitForStopSignal());
     client.UnRegisterMessageCallbackAll();
@@ -66,7 +68,7 @@ int Main(int argc, const char* const* argv) {
         OpenLog(commandLine->logFile);
         Serve(catalogue, *commandLine);
     } catch (const std::exception& error) {
-        std::cerr << "update_service: " << error.what() << "\n";
+        std::cerr << "update_service: " << base::Reason(error) << "\n";
         exitCode = 1;
     }
     SetIpcLogSink({});

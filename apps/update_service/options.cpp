@@ -4,7 +4,7 @@
 #include <charconv>
 #include <stdexcept>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
 
 namespace update_service {
 namespace {
@@ -51,16 +51,16 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
         exitCode = app.exit(error);
         return std::nullopt;
     }
-    result.catalogue = app_system::PathOf(catalogue);
-    result.workFolder = app_system::PathOf(workFolder);
-    result.logFile = app_system::PathOf(logFile);
+    result.catalogue = base::PathFromUtf8(catalogue);
+    result.workFolder = base::PathFromUtf8(workFolder);
+    result.logFile = base::PathFromUtf8(logFile);
     return result;
 }
 
 void CheckFailKeys(const CommandLine& commandLine, const Catalogue& catalogue) {
     for (const auto& [key, percent] : commandLine.failAt) {
         if (Find(catalogue, key)) continue;
-        throw std::runtime_error("--fail: " + app_system::Utf8(commandLine.catalogue) + " has no accessory \"" + key +
+        throw std::runtime_error("--fail: " + base::Utf8FromPath(commandLine.catalogue) + " has no accessory \"" + key +
                                  "\"");
     }
 }

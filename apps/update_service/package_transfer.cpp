@@ -5,7 +5,8 @@
 #include <stdexcept>
 #include <vector>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
+#include "base/reason.h"
 #include "durable_file.h"
 #include "pacer.h"
 #include "sha256.h"
@@ -58,7 +59,7 @@ private:
     bool CopyRest() {
         m_size = fs::file_size(m_transfer.source);
         std::ifstream source(m_transfer.source, std::ios::binary);
-        if (!source) throw std::runtime_error(app_system::Utf8(m_transfer.source) + ": cannot be opened");
+        if (!source) throw std::runtime_error(base::Utf8FromPath(m_transfer.source) + ": cannot be opened");
         AppendFile part(m_transfer.files.part);
         m_done = part.Size();
         if (m_done > m_size) {
@@ -78,7 +79,7 @@ private:
         while (m_done < m_size) {
             const std::uint64_t size = std::min<std::uint64_t>(chunk.size(), m_size - m_done);
             if (!source.read(chunk.data(), static_cast<std::streamsize>(size))) {
-                throw std::runtime_error(app_system::Utf8(m_transfer.source) + ": cannot be read to its end");
+                throw std::runtime_error(base::Utf8FromPath(m_transfer.source) + ": cannot be read to its end");
             }
             part.Append(chunk.data(), static_cast<std::size_t>(size));
             m_done += size;
@@ -104,7 +105,7 @@ private:
         if (!hash) return false;
         if (hash == m_transfer.sha256) return true;
         fs::remove(m_transfer.files.part);
-        throw std::runtime_error(app_system::Utf8(m_transfer.source) + ": is damaged: its SHA-256 is " + *hash +
+        throw std::runtime_error(base::Utf8FromPath(m_transfer.source) + ": is damaged: its SHA-256 is " + *hash +
                                  ", not " + m_transfer.sha256);
     }
 
@@ -123,9 +124,9 @@ TransferResult RunTransfer(const Transfer& transfer, const std::stop_token& stop
     try {
         return {Run(transfer, stop, progress).Go(), ""};
     } catch (const FailureAskedFor& error) {
-        return {TransferEnd::kFailed, error.what(), true};
+        return {TransferEnd::kFailed, base::Reason(error), true};
     } catch (const std::exception& error) {
-        return {TransferEnd::kFailed, error.what()};
+        return {TransferEnd::kFailed, base::Reason(error)};
     }
 }
 

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "app_system/command_line_win32.h"
-#include "app_system/reason_win32.h"
+#include "base/reason.h"
 #include "service_process.h"
 
 namespace update_service {
@@ -24,7 +24,7 @@ ServiceProcess::ServiceProcess(std::vector<std::string> options, const std::file
     options.insert(options.begin(), {UPDATE_SERVICE_PROGRAM, "--end-with-input"});
     HANDLE theirs = nullptr;
     HANDLE ours = nullptr;
-    if (!CreatePipe(&theirs, &ours, nullptr, 0)) throw std::runtime_error("a pipe: " + app_system::LastReason());
+    if (!CreatePipe(&theirs, &ours, nullptr, 0)) throw std::runtime_error("a pipe: " + base::LastReason());
     m_input = reinterpret_cast<std::intptr_t>(ours);
     SetHandleInformation(theirs, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
     SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
@@ -40,7 +40,7 @@ ServiceProcess::ServiceProcess(std::vector<std::string> options, const std::file
     PROCESS_INFORMATION made{};
     const BOOL started =
         CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &made);
-    const std::string reason = started ? "" : app_system::LastReason();
+    const std::string reason = started ? "" : base::LastReason();
     CloseHandle(theirs);
     CloseHandle(file);
     if (!started) {

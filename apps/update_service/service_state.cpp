@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
 #include "durable_file.h"
 
 namespace update_service {
@@ -54,7 +54,7 @@ ServiceState ReadState(const std::filesystem::path& file) {
         }
         return state;
     } catch (const std::exception& error) {
-        throw std::runtime_error(app_system::Utf8(file) + ": " + error.what());
+        throw std::runtime_error(base::Utf8FromPath(file) + ": " + error.what());
     }
 }
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
 #include "sha256_digest.h"
 
 namespace update_service {
@@ -21,7 +21,7 @@ std::string Hex(const std::array<unsigned char, 32>& bytes) {
 
 std::optional<std::string> Sha256OfFile(const std::filesystem::path& file, std::stop_token stop) {
     std::ifstream stream(file, std::ios::binary);
-    if (!stream) throw std::runtime_error(app_system::Utf8(file) + ": cannot be opened");
+    if (!stream) throw std::runtime_error(base::Utf8FromPath(file) + ": cannot be opened");
     Sha256Digest digest;
     std::vector<char> block(64 * 1024);
     while (stream) {
@@ -29,7 +29,7 @@ std::optional<std::string> Sha256OfFile(const std::filesystem::path& file, std::
         stream.read(block.data(), static_cast<std::streamsize>(block.size()));
         digest.Add(block.data(), static_cast<std::size_t>(stream.gcount()));
     }
-    if (stream.bad()) throw std::runtime_error(app_system::Utf8(file) + ": cannot be read");
+    if (stream.bad()) throw std::runtime_error(base::Utf8FromPath(file) + ": cannot be read");
     return Hex(digest.Finish());
 }
 

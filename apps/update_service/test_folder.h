@@ -9,6 +9,7 @@
 #include <string>
 #include <system_error>
 
+#include "base/reason.h"
 #include "own_folder.h"
 
 namespace update_service {
@@ -23,7 +24,7 @@ public:
         do {  // on Windows the folder of a program that is just ending cannot be removed
             std::filesystem::remove_all(m_path, error);
         } while (error && std::chrono::steady_clock::now() < patience);
-        EXPECT_FALSE(error) << error.message();
+        EXPECT_FALSE(error) << base::Reason(error);
     }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;

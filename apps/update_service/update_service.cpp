@@ -2,6 +2,8 @@
 
 #include <system_error>
 
+#include "base/reason.h"
+
 namespace update_service {
 
 UpdateService::UpdateService(const Catalogue& catalogue, ServiceOptions options, PageLink& page, Log log)
@@ -21,7 +23,7 @@ void UpdateService::ReadDevices() {
         aside += ".bad";
         std::error_code ignored;
         std::filesystem::rename(StateFile(), aside, ignored);
-        m_log(LOG_LEVEL_EVENT, std::string("the state file is put aside: ") + error.what());
+        m_log(LOG_LEVEL_EVENT, "the state file is put aside: " + base::Reason(error));
     }
     for (auto& [key, device] : m_devices) {
         const auto remembered = state.find(key);
@@ -140,7 +142,7 @@ void UpdateService::SetPhase(Device& device, Phase phase) {
     try {
         WriteState(StateFile(), state);
     } catch (const std::exception& error) {
-        m_log(LOG_LEVEL_EVENT, std::string("the state cannot be written: ") + error.what());
+        m_log(LOG_LEVEL_EVENT, "the state cannot be written: " + base::Reason(error));
     }
 }
 

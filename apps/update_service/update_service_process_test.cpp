@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
-#include "app_system/path_text.h"
+#include "base/path.h"
 #include "service_process.h"
 #include "sha256.h"
 #include "test_folder.h"
@@ -50,8 +50,8 @@ protected:
 
     // Starts the program; its standard error goes to the file "stderr".
     void Start(std::vector<std::string> options = {}) {
-        options.insert(options.begin(), {"--catalogue", app_system::Utf8(m_folder / "catalogue.json"), "--work-dir",
-                                         app_system::Utf8(m_folder / "work")});
+        options.insert(options.begin(), {"--catalogue", base::Utf8FromPath(m_folder / "catalogue.json"), "--work-dir",
+                                         base::Utf8FromPath(m_folder / "work")});
         m_process = std::make_unique<ServiceProcess>(std::move(options), m_folder / "stderr");
     }
 

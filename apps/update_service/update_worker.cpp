@@ -1,6 +1,6 @@
 // What an UpdateService does on the thread of one device.
 
-#include "app_system/path_text.h"
+#include "base/path.h"
 #include "update_service.h"
 
 namespace update_service {
@@ -55,7 +55,7 @@ void UpdateService::Install(Device& device, const WorkFiles& files) {
 }
 
 InstallerCall UpdateService::CallOf(const Accessory& accessory, const WorkFiles& files) const {
-    const std::string package = app_system::Utf8(std::filesystem::absolute(files.package));
+    const std::string package = base::Utf8FromPath(std::filesystem::absolute(files.package));
     InstallerCall call{accessory.installer, m_catalogue.folder, {}};
     call.command.push_back(package);
     call.environment = {{"ACCESSORY_KEY", accessory.deviceKey},
