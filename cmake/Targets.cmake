@@ -15,7 +15,7 @@ find_program(LLVM_SYMBOLIZER llvm-symbolizer HINTS /usr/lib/llvm-16/bin)  # name
 set(TEST_ENVIRONMENT
   "ASAN_SYMBOLIZER_PATH=${LLVM_SYMBOLIZER}"
   "ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1"
-  "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leak_suppressions.txt:print_suppressions=0"
+  "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leak_suppressions.txt:print_suppressions=0"
   "UBSAN_OPTIONS=print_stacktrace=1"
   "TSAN_OPTIONS=halt_on_error=1:ignore_noninstrumented_modules=1")
 
@@ -28,11 +28,11 @@ endif()
 # Their flags must agree with those of every test, so all have what some get from SDL2 and Cairo.
 set(TEST_COMPILE_OPTIONS $<$<CONFIG:Release>:-O0> $<$<BOOL:${UNIX}>:-pthread> $<$<BOOL:${UNIX}>:-D_REENTRANT>)
 if(BRINDLE_BUILD_TESTS)
-  add_library(test_headers OBJECT ${CMAKE_SOURCE_DIR}/tests/support/test_headers.cpp)
+  add_library(test_headers OBJECT ${PROJECT_SOURCE_DIR}/tests/support/test_headers.cpp)
   set_target_properties(test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)  # code of programs, as in the tests
   target_compile_options(test_headers PRIVATE ${TEST_COMPILE_OPTIONS} $<$<BOOL:${UNIX}>:-fPIE>)
   target_link_libraries(test_headers PRIVATE project_warnings GTest::gmock GTest::gtest Threads::Threads)
-  target_precompile_headers(test_headers PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/test_headers.h)
+  target_precompile_headers(test_headers PRIVATE ${PROJECT_SOURCE_DIR}/tests/support/test_headers.h)
 endif()
 
 # add_unit_test(NAME SOURCES... LIBS... [LABELS...] [INCLUDES...])
@@ -43,7 +43,7 @@ function(add_unit_test name)
   endif()
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS;INCLUDES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_include_directories(${name} PRIVATE ${ARG_INCLUDES} ${CMAKE_SOURCE_DIR}/tests/support/portable)
+  target_include_directories(${name} PRIVATE ${ARG_INCLUDES} ${PROJECT_SOURCE_DIR}/tests/support/portable)
   target_link_libraries(${name} PRIVATE project_warnings ${ARG_LIBS} GTest::gmock GTest::gtest GTest::gtest_main Threads::Threads)
   target_compile_options(${name} PRIVATE ${TEST_COMPILE_OPTIONS})
   target_precompile_headers(${name} REUSE_FROM test_headers)

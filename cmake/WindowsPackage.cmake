@@ -6,8 +6,8 @@ set(package_targets AccessoriesUpgrade accessory_update_config duilib ipc_client
 install(TARGETS ${package_targets} RUNTIME DESTINATION .)
 install(FILES ${CXX_RUNTIME_LIBRARIES} DESTINATION .)
 # Drawings are PNG files here.
-install(DIRECTORY ${CMAKE_BINARY_DIR}/components DESTINATION . PATTERN "*.svg" EXCLUDE)
-install(DIRECTORY ${CMAKE_BINARY_DIR}/catalogue/ DESTINATION sample)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/components DESTINATION . PATTERN "*.svg" EXCLUDE)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/catalogue/ DESTINATION sample)
 
 # What is missing here shows when the package is made.
 function(install_licence name file)
@@ -27,12 +27,12 @@ install_licence(pugixml "${pugixml_licence}")
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_FILE_NAME AccessoryUpdatePage-win64)
-set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR})
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR})
 set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(BRINDLE_WINDOWS_PACKAGE ${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.zip)
 include(CPack)  # changes the name
 add_custom_target(windows_package
-  COMMAND ${CMAKE_CPACK_COMMAND} --config ${CMAKE_BINARY_DIR}/CPackConfig.cmake
+  COMMAND ${CMAKE_CPACK_COMMAND} --config ${PROJECT_BINARY_DIR}/CPackConfig.cmake
   DEPENDS ${package_targets} page_resources
   COMMENT "Making AccessoryUpdatePage-win64.zip")

@@ -1,0 +1,3 @@
+#include "kernel/ui_turn.h"
+
+int main() { const kernel::UiTurn turn; }
