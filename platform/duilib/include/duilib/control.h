@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -15,10 +16,12 @@ namespace DuiLib {
 class Canvas;
 class CContainerUI;
 class CPaintManagerUI;
+class TreeWindow;
+struct AttributeList;
 struct ControlExtras;
-struct LayoutElement;
 
 enum class LayoutAxis : std::uint8_t { kHorizontal, kVertical };
+enum class ScrollStep : std::uint8_t { kNotch, kLine, kPage, kWhole };  // of the wheel, ..., from end to end
 
 // One control of a page: a node with a name, a text, attributes and a place.
 //
@@ -108,6 +111,21 @@ protected:
     // Painted over the children; `place` is the control's own, in the window [device px].
     virtual void PaintOver(Canvas&, const CDuiRect&) {}
 
+    // ---- What a class of controls does whose content moves in it; nothing here. The window calls it.
+    using TimePoint = std::chrono::steady_clock::time_point;
+    // Whether it is one. Such a control cuts all that lies in it at its edge, the ring around the focus as well.
+    virtual bool MovesContent() const { return false; }
+    // So many steps down, up where negative. False where all is in sight.
+    virtual bool Scroll(ScrollStep, double /*steps*/) { return false; }
+    // Shows the control, which lies in this one, whole, or its top.
+    virtual void EnsureVisible(CControlUI&, bool /*smoothly*/) {}
+    // A press at a point within the control [device px]: where it returns true, the pointer is followed until EndDrag.
+    virtual bool BeginDrag(CDuiPoint) { return false; }
+    virtual void DragTo(CDuiPoint) {}
+    virtual void EndDrag() {}
+    // Moves on; true while there is more to move.
+    virtual bool Tick(TimePoint) { return false; }
+
     CDuiSize MeasureText(int width) const;  // text padding included; wrapped at the width if the text style wraps
     bool Wraps() const;
 
@@ -116,13 +134,13 @@ private:
     friend class CVerticalLayoutUI;
     friend class CHorizontalLayoutUI;
     friend class CPaintManagerUI;
-    friend class LayoutBuilder;
+    friend class MarkupBuilder;
     friend class NameTable;
     friend struct AttributeAccess;
     friend struct ControlPainter;
     friend class CScrollViewUI;
 
-    // ---- Layout, see container.cpp
+    // ---- Layout, see control_layout.cpp
     int PreferredWidth();            // fixed, else of the content
     int PreferredHeight(int width);  // fixed, else of the content
     int FillWidth(int available);    // fixed, else what is available without the space around
@@ -140,18 +158,18 @@ private:
     CDuiRect PlaceInWindow() const;  // as laid out last
 
     // ---- The tree
-    void AttachTree(CPaintManagerUI* manager);
+    void AttachTree(TreeWindow& window);
     ControlExtras& Extras();
     const SharedText* FindAttribute(const SharedText& name) const;  // null when it was never given
 
     CContainerUI* m_parent = nullptr;
-    CPaintManagerUI* m_manager = nullptr;
+    TreeWindow* m_window = nullptr;         // that shows the tree; null while none does
     CControlUI* m_earlierOfName = nullptr;  // NameTable's list of those that share the name
     CControlUI* m_laterOfName = nullptr;
     SharedText m_name;
     SharedText m_text;
-    std::shared_ptr<const LayoutElement> m_element;  // attributes that a layout file gave
-    std::unique_ptr<ControlExtras> m_extras;         // what few controls have
+    std::shared_ptr<const AttributeList> m_given;  // attributes that a layout file gave
+    std::unique_ptr<ControlExtras> m_extras;       // what few controls have
 
     CDuiRect m_padding;  // [design px] around the control
     CDuiRect m_place;    // [device px] within the parent

@@ -15,7 +15,6 @@
 namespace DuiLib {
 
 class CControlUI;
-class CScrollViewUI;
 class PaintSurface;
 
 enum class DuiKey {
@@ -121,38 +120,28 @@ public:
 private:
     struct State;
     struct HitTest;
-    void Attached(CControlUI* control);                  // a control of this window's tree came
-    void Gone(CControlUI* control);                      // ... is being destroyed
-    void Gone(CScrollViewUI* view);                      // ... and is a scroll view
-    void Renamed(CControlUI* control, SharedText name);  // ... takes a name
-    static void LayOutEveryWindowAgain();
+    void Forget(CControlUI& control);
+    void LayOutAgain();  // all of it, as nothing is as large as it was
 
-    bool WatchesChanges() const;
     void Changed();
     void Invalidate(const CControlUI& control);
     void Invalidate(const CDuiRect& area);
     void LayOutForPainting();
     void PaintAreas(PaintSurface& surface, const std::vector<CDuiRect>& areas);
-    void Moving(CScrollViewUI* view);
+    void BeginTicks(CControlUI& control);
     CControlUI* InputRoot() const;
     CControlUI* Hit(CDuiPoint point) const;
     void UpdateHovered();
     void UpdateHot();
     void MoveFocus(bool forward);
     bool Scroll(DuiKey key);
-    void ToolTipSet(const CControlUI* control, bool changed);
+    void ToolTipSet(const CControlUI& control, bool changed);
     void UpdateToolTipOwner();
     void UpdateToolTipPlace();
     void DismissToolTip();
 
     std::shared_ptr<State> m_state;  // shared with calls that are under way, so that a handler may destroy the window
-    friend class CResourceManager;
-    friend class CRenderEngine;
-    friend class UICulture;
-    friend class CControlUI;
-    friend class CContainerUI;
-    friend class CScrollViewUI;
-    friend struct ControlPainter;
+    friend struct ControlPainter;    // paints what the State says of the pointer and the focus
 };
 
 }  // namespace DuiLib

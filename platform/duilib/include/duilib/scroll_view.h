@@ -11,9 +11,8 @@ namespace DuiLib {
 // The movement is smooth: whoever shows the window calls CPaintManagerUI::Tick until it has come to rest.
 class DUILIB_API CScrollViewUI : public CContainerUI {
 public:
-    using TimePoint = std::chrono::steady_clock::time_point;
+    using CControlUI::TimePoint;
 
-    ~CScrollViewUI() override;
     std::wstring_view GetClass() const override;
 
     // [design px] How far the content is moved up, and how far it can be.
@@ -24,20 +23,23 @@ public:
     void ScrollBy(double distance, bool smoothly);  // from where the movement under way leads to
 
     // Scrolls as little as shows the control, which lies in this view, whole, or its top.
-    void EnsureVisible(CControlUI& control, bool smoothly);
+    void EnsureVisible(CControlUI& control, bool smoothly) override;
 
     // Moves on; true while there is more to move.
-    bool Tick(TimePoint now);
+    bool Tick(TimePoint now) override;
 
 protected:
     int ContentHeight(int width) override;
     bool ContentIsFlexible(LayoutAxis axis) override;
     void ArrangeChildren() override;
     void PaintOver(Canvas& canvas, const CDuiRect& place) override;
+    bool MovesContent() const override { return true; }
+    bool Scroll(ScrollStep step, double steps) override;
+    bool BeginDrag(CDuiPoint point) override;  // on the bar
+    void DragTo(CDuiPoint point) override;
+    void EndDrag() override;
 
 private:
-    friend class CPaintManagerUI;
-
     struct Thumb {
         int top = 0;  // [device px] within the view
         int height = 0;
@@ -47,11 +49,7 @@ private:
     CDuiRect BarPlace(const CDuiRect& place) const;
     int OffsetInPixels() const;
     void MoveContent();
-
-    // The pointer on the bar, at a point within the view [device px].
-    bool BeginDrag(CDuiPoint point);
-    void DragTo(CDuiPoint point);
-    void EndDrag();
+    double StepLength(ScrollStep step);  // [design px]
 
     double m_position = 0;  // [design px]
     double m_target = 0;

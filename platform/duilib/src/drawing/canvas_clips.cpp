@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "window/dirty_area.h"
+#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 

@@ -5,8 +5,8 @@
 #include "drawing/canvas.h"
 #include "drawing/paint_dc.h"
 #include "drawing/system_text_measurer.h"
-#include "duilib/paint_manager.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
+#include "foundation/layout_basis.h"
 
 namespace DuiLib {
 
@@ -34,7 +34,7 @@ void CRenderEngine::DrawText(PaintDC* dc, CPaintManagerUI*, CDuiRect& rect, std:
 void CRenderEngine::SetTextMeasurer(TextMeasurer* measurer) {
     if (replacement == measurer) return;
     replacement = measurer;
-    CPaintManagerUI::LayOutEveryWindowAgain();
+    TellLayoutBasisChanged();
 }
 
 TextMeasurer& CRenderEngine::GetTextMeasurer() { return replacement ? *replacement : SystemTextMeasurer(); }

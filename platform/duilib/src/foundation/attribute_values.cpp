@@ -1,6 +1,6 @@
 #include "foundation/attribute_values.h"
 
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 

@@ -2,8 +2,8 @@
 
 #include <map>
 
-#include "duilib/paint_manager.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
+#include "foundation/layout_basis.h"
 #include "foundation/program_folder.h"
 #include "foundation/text_utf8.h"
 
@@ -48,7 +48,7 @@ unsigned CResourceManager::GetScale() const { return m_state->scale; }
 void CResourceManager::SetScale(unsigned percent) {
     if (m_state->scale == percent) return;
     m_state->scale = percent;
-    CPaintManagerUI::LayOutEveryWindowAgain();
+    TellLayoutBasisChanged();
 }
 
 int CResourceManager::Scale(int design, const CPaintManagerUI*) const {
@@ -81,7 +81,7 @@ std::filesystem::path CResourceManager::GetFallbackPicture() const { return m_st
 void CResourceManager::SetFont(int index, const FontDescription& font) {
     const bool changed = GetFont(index) != font;
     (index == -1 ? m_state->defaultFont : m_state->fonts[index]) = font;
-    if (changed) CPaintManagerUI::LayOutEveryWindowAgain();
+    if (changed) TellLayoutBasisChanged();
 }
 
 const FontDescription& CResourceManager::GetFont(int index) const {

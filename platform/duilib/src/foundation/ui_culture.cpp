@@ -2,8 +2,8 @@
 
 #include <unordered_map>
 
-#include "duilib/paint_manager.h"
 #include "foundation/attribute_values.h"
+#include "foundation/layout_basis.h"
 #include "foundation/text_utf8.h"
 #include "foundation/xml_source.h"
 
@@ -72,7 +72,7 @@ bool UICulture::IsRightToLeft() const { return m_state->rightToLeft; }
 
 void UICulture::Clear() {
     *m_state = State{};
-    CPaintManagerUI::LayOutEveryWindowAgain();
+    TellLayoutBasisChanged();
 }
 
 void UICulture::SetString(std::wstring_view id, std::wstring_view text) {
@@ -146,7 +146,7 @@ void UICulture::Load(const std::filesystem::path& file) {
     for (const pugi::xml_node& node : root.children()) ReadText(source, node, texts);
     *m_state = State{std::move(head.name), std::move(head.percentPattern), std::move(head.digits), head.rightToLeft,
                      std::move(texts)};
-    CPaintManagerUI::LayOutEveryWindowAgain();
+    TellLayoutBasisChanged();
 }
 
 }  // namespace DuiLib

@@ -6,14 +6,14 @@
 #include "foundation/report.h"
 #include "foundation/text_utf8.h"
 #include "foundation/xml_source.h"
-#include "markup/layout_cache.h"
+#include "markup/markup_cache.h"
 
 namespace DuiLib {
 
 // Builds the controls of one layout file.
-class LayoutBuilder {
+class MarkupBuilder {
 public:
-    LayoutBuilder(std::shared_ptr<const LayoutFile> file, IDialogBuilderCallback* callback)
+    MarkupBuilder(std::shared_ptr<const MarkupFile> file, IDialogBuilderCallback* callback)
         : m_file(std::move(file)), m_callback(callback) {}
 
     std::unique_ptr<CControlUI> Build() {
@@ -24,14 +24,14 @@ public:
 private:
     std::string At(int line) const { return m_file->path + ":" + std::to_string(line) + ": "; }
 
-    std::unique_ptr<CControlUI> BuildElement(const LayoutElement& element) {
+    std::unique_ptr<CControlUI> BuildElement(const MarkupElement& element) {
         std::unique_ptr<CControlUI> control(element.make ? element.make() : nullptr);
         if (!control && m_callback) control.reset(m_callback->CreateControl(FromUtf8(element.name)));
         if (!control) throw XmlError(At(element.line) + "unknown element <" + element.name + ">");
         if (element.make) {
             ApplyShared(*control, element);
         } else {
-            for (const LayoutAttribute& attribute : element.attributes) {
+            for (const AttributeList::Attribute& attribute : element.given.attributes) {
                 control->SetAttribute(attribute.name.Get(), attribute.value.Get());
             }
         }
@@ -39,30 +39,33 @@ private:
         return control;
     }
 
-    // The control keeps the element itself, not copies of its attributes.
-    void ApplyShared(CControlUI& control, const LayoutElement& element) const {
-        control.m_element = std::shared_ptr<const LayoutElement>(m_file, &element);
-        for (const LayoutAttribute& attribute : element.attributes) {
+    // The control keeps the element's own list, not copies of its attributes.
+    void ApplyShared(CControlUI& control, const MarkupElement& element) const {
+        control.m_given = std::shared_ptr<const AttributeList>(m_file, &element.given);
+        for (std::size_t i = 0; i < element.places.size(); ++i) {
+            const AttributeList::Attribute& attribute = element.given.attributes[i];
             const bool applied = attribute.rule && attribute.rule->apply(control, attribute.value.Get());
-            if (!applied && !std::exchange(attribute.reported, true)) Warn(element, attribute);
+            if (!applied && !std::exchange(element.places[i].reported, true)) {
+                Warn(element, attribute, element.places[i].line);
+            }
         }
     }
 
-    void Warn(const LayoutElement& element, const LayoutAttribute& attribute) const {
+    void Warn(const MarkupElement& element, const AttributeList::Attribute& attribute, int line) const {
         const std::string name = ToUtf8(attribute.name.Get());
         const std::string reason =
             attribute.rule ? "<" + element.name + "> cannot have " + name + "=\"" + ToUtf8(attribute.value.Get()) + "\""
                            : "unknown attribute \"" + name + "\"";
-        Report(At(attribute.line) + "warning: " + reason);
+        Report(At(line) + "warning: " + reason);
     }
 
-    void AddChildren(CControlUI& control, const LayoutElement& element) {
+    void AddChildren(CControlUI& control, const MarkupElement& element) {
         if (element.children.empty()) return;
         auto* const container = dynamic_cast<CContainerUI*>(&control);
         if (!container) {
             throw XmlError(At(element.children.front().line) + "<" + element.name + "> cannot have content");
         }
-        for (const LayoutElement& childElement : element.children) {
+        for (const MarkupElement& childElement : element.children) {
             std::unique_ptr<CControlUI> child = BuildElement(childElement);
             if (!container->Add(child.get())) {
                 throw XmlError(At(childElement.line) + "<" + element.name + "> refuses <" + childElement.name + ">");
@@ -71,7 +74,7 @@ private:
         }
     }
 
-    std::shared_ptr<const LayoutFile> m_file;
+    std::shared_ptr<const MarkupFile> m_file;
     IDialogBuilderCallback* m_callback;
 };
 
@@ -81,7 +84,7 @@ CControlUI* CDialogBuilder::Create(std::wstring_view file, const wchar_t* type, 
     try {
         const std::filesystem::path path = CResourceManager::GetInstance()->Resolve(file);
         if (type) throw XmlError(PathText(path) + ":1: resources of type \"" + ToUtf8(type) + "\" are not supported");
-        std::unique_ptr<CControlUI> root = LayoutBuilder(LoadLayout(path), callback).Build();
+        std::unique_ptr<CControlUI> root = MarkupBuilder(LoadMarkup(path), callback).Build();
         if (parent) {
             auto* const container = dynamic_cast<CContainerUI*>(parent);
             if (!container || !container->Add(root.get())) {

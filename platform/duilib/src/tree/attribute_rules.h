@@ -2,6 +2,9 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
+
+#include "duilib/shared_text.h"
 
 namespace DuiLib {
 
@@ -12,6 +15,16 @@ struct AttributeRule {
     std::wstring_view name;
     // False, and nothing changed, when the value cannot be read or the control's class has no such property.
     bool (*apply)(CControlUI& control, std::wstring_view value);
+};
+
+// The attributes of one element of a layout file, for all controls that are built from it.
+struct AttributeList {
+    struct Attribute {
+        SharedText name;
+        SharedText value;
+        const AttributeRule* rule;  // null when the toolkit does not know the attribute
+    };
+    std::vector<Attribute> attributes;
 };
 
 // All of them, by name.

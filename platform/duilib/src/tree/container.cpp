@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "duilib/paint_manager.h"
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 
@@ -24,13 +23,13 @@ std::wstring_view CContainerUI::GetClass() const { return L"Container"; }
 // ---- Children
 
 bool CContainerUI::Add(CControlUI* control) {
-    if (!control || control->m_parent || control->m_manager) return false;
+    if (!control || control->m_parent || control->m_window) return false;
     for (const CControlUI* around = this; around; around = around->m_parent) {
         if (around == control) return false;
     }
     m_items.push_back(control);
     control->m_parent = this;
-    if (m_manager) control->AttachTree(m_manager);
+    if (m_window) control->AttachTree(*m_window);
     NeedLayout();
     control->Invalidate();
     return true;
@@ -75,7 +74,7 @@ CDuiRect CContainerUI::InnerRect() const {
     return {inset.left, inset.top, right, bottom};
 }
 
-int CContainerUI::ChildPadding() const { return CResourceManager::GetInstance()->Scale(m_childPadding, m_manager); }
+int CContainerUI::ChildPadding() const { return CResourceManager::GetInstance()->Scale(m_childPadding); }
 
 bool CContainerUI::InFlow(const CControlUI& child) { return child.m_visible && !child.IsFloating(); }
 

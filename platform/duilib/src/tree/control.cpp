@@ -3,11 +3,12 @@
 #include <algorithm>
 
 #include "duilib/container.h"
-#include "duilib/paint_manager.h"
 #include "duilib/render_engine.h"
-#include "foundation/extent.h"
-#include "markup/layout_file.h"
+#include "foundation/geometry_math.h"
+#include "tree/attribute_rules.h"
 #include "tree/control_extras.h"
+#include "tree/name_table.h"
+#include "tree/tree_window.h"
 
 namespace DuiLib {
 
@@ -21,7 +22,9 @@ CControlUI::CControlUI() : m_textStyle(kTextSingleLine | kTextVCenter) {}
 
 CControlUI::~CControlUI() {
     if (m_parent) m_parent->Forget(this);
-    if (m_manager) m_manager->Gone(this);
+    if (!m_window) return;
+    m_window->Names().Remove(this);
+    m_window->Forget(*this);
 }
 
 std::wstring_view CControlUI::GetClass() const { return L"Control"; }
@@ -31,12 +34,10 @@ std::wstring_view CControlUI::GetClass() const { return L"Control"; }
 const CDuiString& CControlUI::GetName() const { return m_name.Get(); }
 
 void CControlUI::SetName(std::wstring_view name) {
-    SharedText taken(name);
-    if (m_manager) {
-        m_manager->Renamed(this, std::move(taken));
-    } else {
-        m_name = std::move(taken);
-    }
+    SharedText taken(name);  // the name may be this control's own
+    if (m_window) m_window->Names().Remove(this);
+    m_name = std::move(taken);
+    if (m_window) m_window->Names().Add(this);
 }
 
 const CDuiString& CControlUI::GetText() const { return m_text.Get(); }
@@ -55,7 +56,7 @@ void CControlUI::SetToolTip(std::wstring_view text) {
     SharedText next(text);
     const bool changed = m_extras ? m_extras->toolTip != next : !next.IsEmpty();
     if (changed) Extras().toolTip = std::move(next);
-    if (m_manager) m_manager->ToolTipSet(this, changed);
+    if (m_window) m_window->ToolTipSet(*this, changed);
 }
 
 void CControlUI::SetVirtualWnd(std::wstring_view name) {
@@ -79,7 +80,7 @@ void CControlUI::SetVisible(bool visible) {
     m_visible = visible;
     Invalidate();
     NeedLayoutAround();
-    if (m_manager) m_manager->Changed();  // also in a place that is hidden: somebody may look for it
+    if (m_window) m_window->Changed();  // also in a place that is hidden: somebody may look for it
 }
 
 bool CControlUI::IsEnabled() const { return m_enabled; }
@@ -91,7 +92,7 @@ void CControlUI::SetEnabled(bool enabled) {
 }
 
 CContainerUI* CControlUI::GetParent() const { return m_parent; }
-CPaintManagerUI* CControlUI::GetManager() const { return m_manager; }
+CPaintManagerUI* CControlUI::GetManager() const { return m_window ? m_window->Manager() : nullptr; }
 
 // ---- Sizes
 
@@ -119,30 +120,30 @@ void CControlUI::SetFixedWidth(int width) {
 }
 
 int CControlUI::GetFixedHeight() const {
-    return m_fixedHeightInPixels ? m_fixedHeight : CResourceManager::GetInstance()->Scale(m_fixedHeight, m_manager);
+    return m_fixedHeightInPixels ? m_fixedHeight : CResourceManager::GetInstance()->Scale(m_fixedHeight);
 }
 
-int CControlUI::GetFixedWidth() const { return CResourceManager::GetInstance()->Scale(m_fixedWidth, m_manager); }
+int CControlUI::GetFixedWidth() const { return CResourceManager::GetInstance()->Scale(m_fixedWidth); }
 
 int CControlUI::GetHeight() {
-    if (!m_manager || !m_visible) return 0;
+    if (!m_window || !m_visible) return 0;
     if (HasPlace(LayoutAxis::kVertical)) return PosInPixels().Height();
     if (m_fixedHeight) return GetFixedHeight();
-    m_manager->Layout();
+    m_window->Layout();
     return m_place.Height();
 }
 
 int CControlUI::GetWidth() {
-    if (!m_manager || !m_visible) return 0;
+    if (!m_window || !m_visible) return 0;
     if (HasPlace(LayoutAxis::kHorizontal)) return PosInPixels().Width();
     if (m_fixedWidth) return GetFixedWidth();
-    m_manager->Layout();
+    m_window->Layout();
     return m_place.Width();
 }
 
 CDuiRect CControlUI::GetPos() {
     if (!IsShown()) return {};
-    m_manager->Layout();
+    m_window->Layout();
     return PlaceInWindow();
 }
 
@@ -157,7 +158,7 @@ CDuiRect CControlUI::PlaceInWindow() const {
 }
 
 bool CControlUI::IsShown() const {
-    if (!m_manager) return false;
+    if (!m_window) return false;
     for (const CControlUI* control = this; control; control = control->m_parent) {
         if (!control->m_visible) return false;
     }
@@ -212,7 +213,7 @@ CDuiRect CControlUI::GetTextRect(CDuiSize available) {
 // ---- Painting
 
 void CControlUI::Invalidate() {
-    if (m_manager && m_manager->WatchesChanges() && IsShown()) m_manager->Invalidate(*this);
+    if (m_window && m_window->WatchesChanges() && IsShown()) m_window->Invalidate(*this);
 }
 
 // ---- The tree
@@ -222,10 +223,10 @@ const std::vector<CControlUI*>& CControlUI::Children() const {
     return none;
 }
 
-void CControlUI::AttachTree(CPaintManagerUI* manager) {
-    m_manager = manager;
-    manager->Attached(this);
-    for (CControlUI* child : Children()) child->AttachTree(manager);
+void CControlUI::AttachTree(TreeWindow& window) {
+    m_window = &window;
+    window.Names().Add(this);
+    for (CControlUI* child : Children()) child->AttachTree(window);
 }
 
 }  // namespace DuiLib

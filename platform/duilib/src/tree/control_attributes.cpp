@@ -7,7 +7,6 @@
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
 #include "foundation/attribute_values.h"
-#include "markup/layout_file.h"
 #include "tree/attribute_rules.h"
 #include "tree/control_extras.h"
 
@@ -217,8 +216,8 @@ const SharedText* CControlUI::FindAttribute(const SharedText& key) const {
             if (attribute == key) return &value;
         }
     }
-    if (m_element) {
-        for (const LayoutAttribute& attribute : m_element->attributes) {
+    if (m_given) {
+        for (const AttributeList::Attribute& attribute : m_given->attributes) {
             if (attribute.name == key) return &attribute.value;
         }
     }

@@ -4,10 +4,10 @@
 
 #include "duilib/container.h"
 #include "duilib/control.h"
-#include "duilib/paint_manager.h"
 #include "duilib/resource_manager.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 #include "tree/control_extras.h"
+#include "tree/tree_window.h"
 
 namespace DuiLib {
 
@@ -95,7 +95,7 @@ void CControlUI::NeedLayout() {
         if (marked) return;
         control->ForgetSizes();
         if (!control->m_visible) return;
-        if (!control->m_parent && control->m_manager) control->m_manager->Changed();
+        if (!control->m_parent && control->m_window) control->m_window->Changed();
     }
 }
 

@@ -1,6 +1,6 @@
 #include "duilib/control.h"
 #include "duilib/render_engine.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 

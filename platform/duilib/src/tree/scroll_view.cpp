@@ -4,10 +4,10 @@
 #include <cmath>
 
 #include "drawing/canvas.h"
-#include "duilib/paint_manager.h"
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
+#include "tree/tree_window.h"
 
 namespace DuiLib {
 
@@ -15,6 +15,9 @@ namespace {
 
 constexpr double kSettleTime = 0.06;  // [s] in which a movement does 63 % of its way
 constexpr double kArrived = 0.25;     // [design px] nearer than this is there
+constexpr double kNotch = 60;         // [design px] about a row
+constexpr double kLine = 40;          // [design px]
+constexpr double kOverlap = 40;       // [design px] that stays in sight from page to page
 constexpr int kBarWidth = 12;         // [design px] that take the pointer
 constexpr int kThumbWidth = 4;        // [design px] that are painted
 constexpr int kThumbMargin = 4;       // [design px] from the edge
@@ -23,10 +26,6 @@ constexpr CDuiColor kThumbColor = 0x59000000;
 constexpr CDuiColor kThumbDraggedColor = 0x8C000000;
 
 }  // namespace
-
-CScrollViewUI::~CScrollViewUI() {
-    if (m_manager) m_manager->Gone(this);
-}
 
 std::wstring_view CScrollViewUI::GetClass() const { return L"ScrollView"; }
 
@@ -77,10 +76,10 @@ int CScrollViewUI::OffsetInPixels() const {
 // ---- Movement
 
 void CScrollViewUI::ScrollTo(double position, bool smoothly) {
-    if (m_manager) m_manager->Layout();
+    if (m_window) m_window->Layout();
     m_target = std::clamp(position, 0.0, GetScrollRange());
     if (m_target == m_position) return;
-    if (!smoothly || !m_manager) {
+    if (!smoothly || !m_window) {
         m_position = m_target;
         MoveContent();
         return;
@@ -88,10 +87,30 @@ void CScrollViewUI::ScrollTo(double position, bool smoothly) {
     if (m_moving) return;
     m_moving = true;
     m_lastTick = {};
-    m_manager->Moving(this);
+    m_window->BeginTicks(*this);
 }
 
 void CScrollViewUI::ScrollBy(double distance, bool smoothly) { ScrollTo(m_target + distance, smoothly); }
+
+bool CScrollViewUI::Scroll(ScrollStep step, double steps) {
+    if (GetScrollRange() <= 0) return false;
+    ScrollBy(steps * StepLength(step), true);
+    return true;
+}
+
+double CScrollViewUI::StepLength(ScrollStep step) {
+    switch (step) {
+        case ScrollStep::kNotch:
+            return kNotch;
+        case ScrollStep::kLine:
+            return kLine;
+        case ScrollStep::kPage:
+            return CResourceManager::GetInstance()->RestoreScale(GetHeight()) - kOverlap;
+        case ScrollStep::kWhole:
+            return GetScrollRange();
+    }
+    return 0;
+}
 
 bool CScrollViewUI::Tick(TimePoint now) {
     if (!m_moving) return false;
@@ -134,18 +153,18 @@ CScrollViewUI::Thumb CScrollViewUI::BarThumb() const {
     const int view = InnerRect().Height();
     if (m_contentHeight <= view || view <= 0) return {};
     const CResourceManager& resources = *CResourceManager::GetInstance();
-    const int margin = resources.Scale(kThumbMargin, m_manager);
+    const int margin = resources.Scale(kThumbMargin);
     const int track = std::max(0, m_place.Height() - 2 * margin);
     Thumb thumb;
     thumb.height = static_cast<int>(std::int64_t{track} * view / m_contentHeight);
-    thumb.height = std::min(track, std::max(thumb.height, resources.Scale(kThumbMinHeight, m_manager)));
+    thumb.height = std::min(track, std::max(thumb.height, resources.Scale(kThumbMinHeight)));
     thumb.travel = track - thumb.height;
     thumb.top = margin + static_cast<int>(std::int64_t{thumb.travel} * OffsetInPixels() / (m_contentHeight - view));
     return thumb;
 }
 
 CDuiRect CScrollViewUI::BarPlace(const CDuiRect& place) const {
-    const int width = CResourceManager::GetInstance()->Scale(kBarWidth, m_manager);
+    const int width = CResourceManager::GetInstance()->Scale(kBarWidth);
     if (UICulture::GetInstance()->IsRightToLeft()) return {place.left, place.top, place.left + width, place.bottom};
     return {place.right - width, place.top, place.right, place.bottom};
 }
@@ -155,7 +174,7 @@ void CScrollViewUI::PaintOver(Canvas& canvas, const CDuiRect& place) {
     if (thumb.height == 0) return;
     const CResourceManager& resources = *CResourceManager::GetInstance();
     const CDuiRect bar = BarPlace(place);
-    const int width = resources.Scale(kThumbWidth, m_manager);
+    const int width = resources.Scale(kThumbWidth);
     const int left = bar.left + (bar.Width() - width) / 2;
     const int top = place.top + thumb.top;
     canvas.Fill({left, top, left + width, top + thumb.height}, {width / 2, width / 2},
@@ -176,7 +195,7 @@ bool CScrollViewUI::BeginDrag(CDuiPoint point) {
 void CScrollViewUI::DragTo(CDuiPoint point) {
     const Thumb thumb = BarThumb();
     if (!m_dragged || thumb.travel <= 0) return;
-    const int margin = CResourceManager::GetInstance()->Scale(kThumbMargin, m_manager);
+    const int margin = CResourceManager::GetInstance()->Scale(kThumbMargin);
     m_moving = false;
     ScrollTo(GetScrollRange() * (point.y - m_dragOffset - margin) / thumb.travel, false);
 }

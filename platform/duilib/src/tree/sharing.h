@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 

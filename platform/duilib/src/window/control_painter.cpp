@@ -5,10 +5,9 @@
 #include "drawing/picture_reference.h"
 #include "duilib/container.h"
 #include "duilib/render_engine.h"
-#include "duilib/scroll_view.h"
 #include "duilib/ui_culture.h"
 #include "foundation/attribute_values.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 #include "tree/control_extras.h"
 
 namespace DuiLib {
@@ -63,7 +62,7 @@ void ControlPainter::PaintTree(CControlUI& control, CDuiPoint origin, bool enabl
     moment.hot = moment.enabled && under && (!window.pressed || moment.pushed);
     if (const SharedText* round = control.FindAttribute(TheNames().bkround)) {
         const CDuiSize size = ParseSize(round->Get()).value_or(CDuiSize{});
-        const CDuiSize scaled = CResourceManager::GetInstance()->Scale(size, control.m_manager);
+        const CDuiSize scaled = CResourceManager::GetInstance()->Scale(size);
         moment.corner = {scaled.cx / 2, scaled.cy / 2};
     }
     PaintOwn(control, place, moment);
@@ -128,7 +127,7 @@ void ControlPainter::PaintBorder(const CControlUI& control, const CDuiRect& plac
     if (const auto color = fill ? ParseColor(fill->Get()) : std::nullopt) canvas.Fill(place, moment.corner, *color);
     const SharedText* const line = control.FindAttribute(names.bordercolor);
     const auto color = line ? ParseColor(line->Get()) : std::nullopt;
-    canvas.Border(place, moment.corner, CResourceManager::GetInstance()->Scale(thickness, control.m_manager),
+    canvas.Border(place, moment.corner, CResourceManager::GetInstance()->Scale(thickness),
                   color.value_or(control.m_textColor));
 }
 
@@ -161,12 +160,12 @@ void ControlPainter::PaintFocus(CControlUI& control) const {
     const CDuiRect place = control.PlaceInWindow();
     CDuiRect visible = area;
     for (CControlUI* around = control.m_parent; around; around = around->m_parent) {
-        if (dynamic_cast<CScrollViewUI*>(around)) visible = Intersection(visible, around->PlaceInWindow());
+        if (around->MovesContent()) visible = Intersection(visible, around->PlaceInWindow());
     }
     const int margin = FocusMargin();
     const SharedText* const round = control.FindAttribute(TheNames().bkround);
     const CDuiSize size = round ? ParseSize(round->Get()).value_or(CDuiSize{}) : CDuiSize{8, 8};
-    const CDuiSize scaled = CResourceManager::GetInstance()->Scale(size, control.m_manager);
+    const CDuiSize scaled = CResourceManager::GetInstance()->Scale(size);
     canvas.Clip(visible);
     canvas.Border(Inflated(place, margin), {scaled.cx / 2 + margin, scaled.cy / 2 + margin},
                   CResourceManager::GetInstance()->Scale(kFocusThickness), kFocusColor);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/geometry_math.h"
+
 namespace DuiLib {
 
 namespace {
@@ -19,16 +21,6 @@ CDuiRect Around(const CDuiRect& a, const CDuiRect& b) {
 }
 
 }  // namespace
-
-CDuiRect Intersection(const CDuiRect& a, const CDuiRect& b) {
-    const CDuiRect both{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-                        std::min(a.bottom, b.bottom)};
-    return both.Width() > 0 && both.Height() > 0 ? both : CDuiRect{};
-}
-
-CDuiRect Inflated(const CDuiRect& area, int by) {
-    return {area.left - by, area.top - by, area.right + by, area.bottom + by};
-}
 
 // No two of them overlap, so that nothing half transparent is painted twice over itself.
 void DirtyArea::Add(const CDuiRect& area) {

@@ -19,8 +19,4 @@ private:
     std::vector<CDuiRect> m_areas;
 };
 
-// The empty rectangle when they do not meet.
-CDuiRect Intersection(const CDuiRect& a, const CDuiRect& b);
-CDuiRect Inflated(const CDuiRect& area, int by);
-
 }  // namespace DuiLib

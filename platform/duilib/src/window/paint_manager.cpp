@@ -4,24 +4,15 @@
 #include <utility>
 
 #include "duilib/container.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 #include "kernel/ui_turn.h"
 #include "window/paint_manager_state.h"
 
 namespace DuiLib {
 
-namespace {
-
-std::vector<CPaintManagerUI*>& Windows() {
-    static auto& windows = *new std::vector<CPaintManagerUI*>;
-    return windows;
-}
-
-}  // namespace
-
-CPaintManagerUI::CPaintManagerUI() : m_state(std::make_shared<State>(this)) {
+CPaintManagerUI::CPaintManagerUI() : m_state(std::make_shared<State>(*this)) {
     kernel::UiTurn turn;
-    Windows().push_back(this);
+    m_state->layoutBasis.emplace([this] { LayOutAgain(); });
 }
 
 CPaintManagerUI::~CPaintManagerUI() {
@@ -29,18 +20,18 @@ CPaintManagerUI::~CPaintManagerUI() {
     SetWakeUp({});  // nobody is to paint this any more
     AttachRoot(nullptr);
     m_state->pumps.clear();
-    std::erase(Windows(), this);
+    m_state->layoutBasis.reset();
 }
 
 // ---- The tree
 
 void CPaintManagerUI::AttachRoot(CControlUI* root) {
-    if (root == m_state->root || (root && (root->m_parent || root->m_manager))) return;
+    if (root == m_state->root || (root && (root->m_parent || root->m_window))) return;
     delete m_state->root;
     m_state->root = root;
     InvalidateAll();
     if (!root) return;
-    root->AttachTree(this);
+    root->AttachTree(*m_state);
     root->NeedLayout();
 }
 
@@ -48,32 +39,18 @@ CControlUI* CPaintManagerUI::GetRoot() const { return m_state->root; }
 
 CControlUI* CPaintManagerUI::FindControl(std::wstring_view name) const { return m_state->names.Find(name); }
 
-void CPaintManagerUI::Attached(CControlUI* control) { m_state->names.Add(control); }
-
-void CPaintManagerUI::Renamed(CControlUI* control, SharedText name) {
-    m_state->names.Remove(control);
-    control->m_name = std::move(name);
-    m_state->names.Add(control);
-}
-
-void CPaintManagerUI::Gone(CControlUI* control) {
+void CPaintManagerUI::Forget(CControlUI& control) {
     State& state = *m_state;
-    state.names.Remove(control);
-    for (CControlUI** held :
-         {&state.root, &state.hovered, &state.pressed, &state.focused, &state.modal, &state.focusedBefore}) {
-        if (*held == control) *held = nullptr;
+    for (CControlUI** held : {&state.root, &state.hovered, &state.pressed, &state.focused, &state.modal,
+                              &state.focusedBefore, &state.dragged}) {
+        if (*held == &control) *held = nullptr;
     }
-    std::erase(state.hot, control);
-    if (state.tip.Owner() == control) state.tip.Over(nullptr);
+    std::erase(state.hot, &control);
+    std::erase(state.moving, &control);
+    if (state.tip.Owner() == &control) state.tip.Over(nullptr);
     for (TNotifyUI* message : state.underWay) {
-        if (message->sender == control) message->sender = nullptr;
+        if (message->sender == &control) message->sender = nullptr;
     }
-}
-
-// A scroll view says so itself: to ~CControlUI it is no scroll view any more.
-void CPaintManagerUI::Gone(CScrollViewUI* view) {
-    if (m_state->dragged == view) m_state->dragged = nullptr;
-    std::erase(m_state->moving, view);
 }
 
 PaintDC* CPaintManagerUI::GetPaintDC() const { return &m_state->dc; }
@@ -102,11 +79,9 @@ void CPaintManagerUI::Layout() {
     m_state->laidOut = true;
 }
 
-void CPaintManagerUI::LayOutEveryWindowAgain() {
-    for (CPaintManagerUI* window : Windows()) {
-        if (window->m_state->root) window->m_state->root->ForgetSizesOfTree();
-        window->InvalidateAll();
-    }
+void CPaintManagerUI::LayOutAgain() {
+    if (m_state->root) m_state->root->ForgetSizesOfTree();
+    InvalidateAll();
 }
 
 // ---- Notifications

@@ -5,7 +5,6 @@
 
 #include "duilib/container.h"
 #include "duilib/paint_manager.h"
-#include "duilib/scroll_view.h"
 #include "kernel/ui_turn.h"
 #include "window/control_painter.h"
 #include "window/paint_manager_state.h"
@@ -48,21 +47,20 @@ struct CPaintManagerUI::HitTest {
         for (CControlUI* child : control.Children()) Hot(*child, Into(control, point), hot);
     }
 
-    static CScrollViewUI* FirstView(CControlUI& control) {
+    // The first one that moves its content.
+    static CControlUI* FirstScroller(CControlUI& control) {
         if (!control.m_visible) return nullptr;
-        if (auto* const view = dynamic_cast<CScrollViewUI*>(&control)) return view;
+        if (control.MovesContent()) return &control;
         for (CControlUI* child : control.Children()) {
-            if (CScrollViewUI* view = FirstView(*child)) return view;
+            if (CControlUI* scroller = FirstScroller(*child)) return scroller;
         }
         return nullptr;
     }
 
-    // The innermost scroll view around the control, itself included.
-    static CScrollViewUI* ViewAround(CControlUI* control) {
-        for (; control; control = control->m_parent) {
-            if (auto* const view = dynamic_cast<CScrollViewUI*>(control)) return view;
-        }
-        return nullptr;
+    // The innermost one around the control, itself included, that moves its content.
+    static CControlUI* ScrollerAround(CControlUI* control) {
+        while (control && !control->MovesContent()) control = control->m_parent;
+        return control;
     }
 
     static bool LiesIn(const CControlUI* control, const CControlUI* outer) {
@@ -155,9 +153,9 @@ bool CPaintManagerUI::ButtonDown(CDuiPoint point) {
     MouseMove(point);
     State& state = *m_state;
     DismissToolTip();
-    CScrollViewUI* const view = HitTest::ViewAround(state.hovered);
-    if (view && view->BeginDrag(HitTest::LocalTo(*view, point))) {
-        state.dragged = view;
+    CControlUI* const scroller = HitTest::ScrollerAround(state.hovered);
+    if (scroller && scroller->BeginDrag(HitTest::LocalTo(*scroller, point))) {
+        state.dragged = scroller;
         return true;
     }
     CControlUI* const hit = state.hovered;
@@ -173,8 +171,8 @@ bool CPaintManagerUI::ButtonDown(CDuiPoint point) {
 bool CPaintManagerUI::ButtonUp(CDuiPoint point) {
     kernel::UiTurn turn;
     MouseMove(point);
-    if (CScrollViewUI* const view = std::exchange(m_state->dragged, nullptr)) {
-        view->EndDrag();
+    if (CControlUI* const dragged = std::exchange(m_state->dragged, nullptr)) {
+        dragged->EndDrag();
         return false;
     }
     CControlUI* const pressed = std::exchange(m_state->pressed, nullptr);
@@ -185,13 +183,11 @@ bool CPaintManagerUI::ButtonUp(CDuiPoint point) {
 }
 
 bool CPaintManagerUI::MouseWheel(CDuiPoint point, double notches) {
-    constexpr double kNotch = 60;  // [design px] about a row
     kernel::UiTurn turn;
     MouseMove(point);
-    CScrollViewUI* const view = HitTest::ViewAround(m_state->hovered);
-    if (!view || view->GetScrollRange() <= 0) return false;
+    CControlUI* const scroller = HitTest::ScrollerAround(m_state->hovered);
+    if (!scroller || !scroller->Scroll(ScrollStep::kNotch, notches)) return false;
     DismissToolTip();
-    view->ScrollBy(notches * kNotch, true);
     return true;
 }
 
@@ -227,7 +223,7 @@ void CPaintManagerUI::SetFocus(CControlUI* control) {
 
 void CPaintManagerUI::EnsureVisible(CControlUI& control) {
     for (CControlUI* around = control.m_parent; around; around = around->m_parent) {
-        if (auto* const view = dynamic_cast<CScrollViewUI*>(around)) view->EnsureVisible(control, m_state->watched);
+        around->EnsureVisible(control, m_state->watched);
     }
 }
 
@@ -246,27 +242,24 @@ void CPaintManagerUI::MoveFocus(bool forward) {
 }
 
 bool CPaintManagerUI::Scroll(DuiKey key) {
-    constexpr double kLine = 40;     // [design px]
-    constexpr double kOverlap = 40;  // [design px] that stays in sight from page to page
     CControlUI* const root = InputRoot();
-    CScrollViewUI* view = HitTest::ViewAround(m_state->focused);
-    if (!view) view = HitTest::ViewAround(m_state->hovered);
-    if (!view && root) view = HitTest::FirstView(*root);
-    if (!view || view->GetScrollRange() <= 0) return false;
-    const double page = CResourceManager::GetInstance()->RestoreScale(view->GetHeight(), this) - kOverlap;
+    CControlUI* scroller = HitTest::ScrollerAround(m_state->focused);
+    if (!scroller) scroller = HitTest::ScrollerAround(m_state->hovered);
+    if (!scroller && root) scroller = HitTest::FirstScroller(*root);
+    if (!scroller) return false;
     switch (key) {
         case DuiKey::kUp:
-            return view->ScrollBy(-kLine, true), true;
+            return scroller->Scroll(ScrollStep::kLine, -1);
         case DuiKey::kDown:
-            return view->ScrollBy(kLine, true), true;
+            return scroller->Scroll(ScrollStep::kLine, 1);
         case DuiKey::kPageUp:
-            return view->ScrollBy(-page, true), true;
+            return scroller->Scroll(ScrollStep::kPage, -1);
         case DuiKey::kPageDown:
-            return view->ScrollBy(page, true), true;
+            return scroller->Scroll(ScrollStep::kPage, 1);
         case DuiKey::kHome:
-            return view->ScrollTo(0, true), true;
+            return scroller->Scroll(ScrollStep::kWhole, -1);
         case DuiKey::kEnd:
-            return view->ScrollTo(view->GetScrollRange(), true), true;
+            return scroller->Scroll(ScrollStep::kWhole, 1);
         case DuiKey::kTab:
         case DuiKey::kShiftTab:
         case DuiKey::kEnter:

@@ -3,11 +3,10 @@
 #include <utility>
 
 #include "drawing/canvas.h"
-#include "duilib/control.h"
+#include "duilib/container.h"
 #include "duilib/paint_manager.h"
 #include "duilib/render_engine.h"
-#include "duilib/scroll_view.h"
-#include "foundation/extent.h"
+#include "foundation/geometry_math.h"
 #include "kernel/ui_turn.h"
 #include "window/control_painter.h"
 #include "window/paint_manager_state.h"
@@ -28,8 +27,6 @@ void CPaintManagerUI::SetWakeUp(std::function<void()> wakeUp) {
     m_state->wakeUp = std::move(wakeUp);
     m_state->watched = true;
 }
-
-bool CPaintManagerUI::WatchesChanges() const { return m_state->watched; }
 
 void CPaintManagerUI::Changed() {
     State& state = *m_state;
@@ -120,8 +117,8 @@ void CPaintManagerUI::LayOutForPainting() {
 
 // ---- What moves by itself
 
-void CPaintManagerUI::Moving(CScrollViewUI* view) {
-    if (std::ranges::find(m_state->moving, view) == m_state->moving.end()) m_state->moving.push_back(view);
+void CPaintManagerUI::BeginTicks(CControlUI& control) {
+    if (std::ranges::find(m_state->moving, &control) == m_state->moving.end()) m_state->moving.push_back(&control);
     Changed();
 }
 
@@ -129,7 +126,7 @@ auto CPaintManagerUI::Tick(TimePoint now) -> std::optional<TimePoint> {
     kernel::UiTurn turn;
     State& state = *m_state;
     const bool awake = std::exchange(state.awake, true);  // whoever calls this paints
-    std::erase_if(state.moving, [now](CScrollViewUI* view) { return !view->Tick(now); });
+    std::erase_if(state.moving, [now](CControlUI* control) { return !control->Tick(now); });
     if (state.tip.Tick(now)) UpdateToolTipPlace();
     state.awake = awake;
     return NextTick(now);
@@ -145,10 +142,10 @@ auto CPaintManagerUI::NextTick(TimePoint now) -> std::optional<TimePoint> {
 // ---- The tool tip
 
 // A text that is set again, to say the same again, is shown again where it was dismissed.
-void CPaintManagerUI::ToolTipSet(const CControlUI* control, bool changed) {
+void CPaintManagerUI::ToolTipSet(const CControlUI& control, bool changed) {
     State& state = *m_state;
     UpdateToolTipOwner();
-    if (state.tip.Owner() != control) return;
+    if (state.tip.Owner() != &control) return;
     if (!changed && (state.tip.Shown() || state.tip.IsWaiting())) return;
     state.tip.Restart();
     UpdateToolTipPlace();

@@ -7,18 +7,20 @@
 
 #include "drawing/paint_dc.h"
 #include "duilib/paint_manager.h"
+#include "foundation/layout_basis.h"
 #include "tree/name_table.h"
+#include "tree/tree_window.h"
 #include "window/dirty_area.h"
 #include "window/tool_tip.h"
 
 namespace DuiLib {
 
-class CScrollViewUI;
+struct CPaintManagerUI::State final : TreeWindow {
+    explicit State(CPaintManagerUI& owner) : manager(owner), dc(&owner) {}
 
-struct CPaintManagerUI::State {
-    explicit State(CPaintManagerUI* manager) : dc(manager) {}
-
+    CPaintManagerUI& manager;  // the state may outlive it, with neither a tree nor a listener then
     PaintDC dc;
+    std::optional<LayoutBasisListener> layoutBasis;
     CDuiSize clientSize;
     NameTable names;
     std::vector<CNotifyPump*> pumps;
@@ -31,9 +33,9 @@ struct CPaintManagerUI::State {
     CControlUI* focused = nullptr;
     CControlUI* modal = nullptr;          // input goes to it and what lies in it alone
     CControlUI* focusedBefore = nullptr;  // what gets the focus back after that
-    CScrollViewUI* dragged = nullptr;     // its bar is
-    std::vector<CScrollViewUI*> moving;
-    std::vector<CControlUI*> hot;  // those under the pointer that change their look for it, buttons excluded
+    CControlUI* dragged = nullptr;        // follows the pointer
+    std::vector<CControlUI*> moving;      // their content does
+    std::vector<CControlUI*> hot;         // those under the pointer that change their look for it, buttons excluded
 
     // ---- Input
     std::optional<CDuiPoint> pointer;  // in the window, where it was last
@@ -49,6 +51,17 @@ struct CPaintManagerUI::State {
     bool laidOut = false;  // since the last painting
     DirtyArea dirty;
     const PaintSurface* painted = nullptr;
+
+    // ---- What the tree asks for and tells
+    CPaintManagerUI* Manager() override { return &manager; }
+    NameTable& Names() override { return names; }
+    void Forget(CControlUI& control) override { manager.Forget(control); }
+    void Layout() override { manager.Layout(); }
+    void Changed() override { manager.Changed(); }
+    bool WatchesChanges() const override { return watched; }
+    void Invalidate(const CControlUI& shown) override { manager.Invalidate(shown); }
+    void BeginTicks(CControlUI& control) override { manager.BeginTicks(control); }
+    void ToolTipSet(const CControlUI& control, bool changed) override { manager.ToolTipSet(control, changed); }
 
     bool IsHot(const CControlUI& control) const { return std::ranges::find(hot, &control) != hot.end(); }
     CDuiRect ClientArea() const { return {0, 0, clientSize.cx, clientSize.cy}; }

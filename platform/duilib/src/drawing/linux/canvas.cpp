@@ -11,7 +11,7 @@
 #include "drawing/text_place.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
-#include "window/dirty_area.h"
+#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 

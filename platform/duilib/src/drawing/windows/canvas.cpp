@@ -12,7 +12,7 @@
 #include "drawing/windows/pixel_blending.h"
 #include "drawing/windows/round_shape.h"
 #include "drawing/windows/text_layout.h"
-#include "window/dirty_area.h"
+#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 

@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "duilib/geometry.h"
-#include "duilib/resource_manager.h"
 
 namespace DuiLib {
 
@@ -15,11 +14,9 @@ inline int ClampExtent(std::int64_t value) {
     return static_cast<int>(std::clamp<std::int64_t>(value, -kMaxExtent, kMaxExtent));
 }
 
-inline CDuiRect ScaleThickness(const CDuiRect& design) {
-    if (!(design.left | design.top | design.right | design.bottom)) return {};
-    const CResourceManager& resources = *CResourceManager::GetInstance();
-    return {resources.Scale(design.left), resources.Scale(design.top), resources.Scale(design.right),
-            resources.Scale(design.bottom)};
-}
+CDuiRect ScaleThickness(const CDuiRect& design);  // each side, by the process's display scale
+
+CDuiRect Intersection(const CDuiRect& a, const CDuiRect& b);  // the empty rectangle when they do not meet
+CDuiRect Inflated(const CDuiRect& area, int by);
 
 }  // namespace DuiLib

@@ -1,4 +1,4 @@
-#include "markup/layout_cache.h"
+#include "markup/markup_cache.h"
 
 #include <map>
 
@@ -16,7 +16,7 @@ struct Entry {
     FileStamp stamp;
     bool settled = false;
     std::string text;
-    std::shared_ptr<const LayoutFile> file;
+    std::shared_ptr<const MarkupFile> file;
 };
 
 std::map<std::filesystem::path, Entry>& Entries() {
@@ -26,7 +26,7 @@ std::map<std::filesystem::path, Entry>& Entries() {
 
 }  // namespace
 
-std::shared_ptr<const LayoutFile> LoadLayout(const std::filesystem::path& path) {
+std::shared_ptr<const MarkupFile> LoadMarkup(const std::filesystem::path& path) {
     const std::optional<FileStamp> stamp = StampOf(path);
     if (!stamp) throw XmlError(PathText(path) + ":1: there is no such file");
     auto& entries = Entries();
@@ -41,7 +41,7 @@ std::shared_ptr<const LayoutFile> LoadLayout(const std::filesystem::path& path) 
         return known->second.file;
     }
     if (known != entries.end()) entries.erase(known);
-    auto file = std::make_shared<const LayoutFile>(ParseLayout(path, text));
+    auto file = std::make_shared<const MarkupFile>(ParseMarkup(path, text));
     if (entries.size() >= kMaxFiles) entries.clear();
     entries[path] = {*stamp, settled, std::move(text), file};
     return file;

@@ -1,4 +1,4 @@
-#include "markup/layout_file.h"
+#include "markup/markup_file.h"
 
 #include <array>
 
@@ -45,12 +45,13 @@ void RequireElement(const XmlSource& source, const pugi::xml_node& node) {
     if (node.type() != pugi::node_element) source.Fail(source.LineOf(node), "text between the elements");
 }
 
-LayoutElement ReadElement(const XmlSource& source, const pugi::xml_node& node) {
-    LayoutElement element{node.name(), FindMaker(node.name()), source.LineOf(node), {}, {}};
+MarkupElement ReadElement(const XmlSource& source, const pugi::xml_node& node) {
+    MarkupElement element{node.name(), FindMaker(node.name()), source.LineOf(node), {}, {}, {}};
     for (const pugi::xml_attribute& attribute : node.attributes()) {
         const std::wstring name = FromUtf8(attribute.name());
-        element.attributes.push_back({SharedText(name), SharedText(FromUtf8(attribute.value())),
-                                      FindAttributeRule(name), source.LineOf(attribute)});
+        element.given.attributes.push_back(
+            {SharedText(name), SharedText(FromUtf8(attribute.value())), FindAttributeRule(name)});
+        element.places.push_back({source.LineOf(attribute)});
     }
     for (const pugi::xml_node& child : node.children()) {
         RequireElement(source, child);
@@ -87,7 +88,7 @@ std::pair<int, FontDescription> ReadFont(const XmlSource& source, const pugi::xm
 
 }  // namespace
 
-LayoutFile ParseLayout(const std::filesystem::path& path, std::string text) {
+MarkupFile ParseMarkup(const std::filesystem::path& path, std::string text) {
     const XmlSource source(path, std::move(text));
     const pugi::xml_node window = source.Root();
     if (window.name() != std::string_view("Window")) {
@@ -96,7 +97,7 @@ LayoutFile ParseLayout(const std::filesystem::path& path, std::string text) {
     if (const pugi::xml_attribute attribute = window.first_attribute()) {
         source.Fail(source.LineOf(attribute), "<Window> has no attributes");
     }
-    LayoutFile file{PathText(path), {}, {}};
+    MarkupFile file{PathText(path), {}, {}};
     bool hasControl = false;
     for (const pugi::xml_node& node : window.children()) {
         RequireElement(source, node);
