@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "channel/records.h"
 #include "duilib/duilib.h"
-#include "ipc/records.h"
 #include "update_list/accessories_update_wnd.h"
 
 // A list window over the real platform and the real layouts, in a window model; nothing waits and nothing is written.

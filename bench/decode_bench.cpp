@@ -9,7 +9,8 @@
 #include <cstring>
 #include <map>
 
-#include "ipc/record_codec.h"
+#include "channel/payload.h"
+#include "ipc/ipc_data_io.h"
 
 namespace {
 
@@ -98,10 +99,7 @@ std::string Payload(std::size_t records) {
         list[i].version = L"1.0.2";
         list[i].descLines.assign(3, std::wstring(40, L'x'));
     }
-    TagIPCMessageItem item;
-    IPCDataIO writer(&item, 1u << 20, false, false);
-    WriteRecord(writer, list);
-    return {item.data, writer.Position()};
+    return std::string(channel::Encode(list)->View());
 }
 
 double Seconds(std::chrono::steady_clock::time_point since) {

@@ -9,7 +9,7 @@
 
 #include "bare_relay.h"
 #include "bench_page.h"
-#include "ipc/channel.h"
+#include "channel/messages.h"
 #include "ipc/ipc_server.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_connection_state.h"
@@ -19,6 +19,7 @@ namespace {
 
 using namespace bench;
 
+constexpr auto kProgress = channel::to_page::IPC_MSG_DOWNLOAD_PROCESS;
 constexpr int kReceiver = 0x270001;                    // beside the window's own endpoint, whose way this goes
 constexpr const char* kDeviceKey = "device-0-of-one";  // 15 characters
 
@@ -29,8 +30,8 @@ public:
         auto list = BenchList(1);
         list[0].deviceKey = kDeviceKey;
         m_page.Build(list);
-        m_registry.Register(new IPCServerProc<ProgressWay, PkgDownloadProcess&>(IPC_MSG_DOWNLOAD_PROCESS, this,
-                                                                                &ProgressWay::OnProgress));
+        m_registry.Register(
+            new IPCServerProc<ProgressWay, PkgDownloadProcess&>(kProgress.id, this, &ProgressWay::OnProgress));
         const auto until = Clock::now() + kPatience;
         while (!IsPipeConnected(IPC_PIPE_ASSISTANT)) {
             if (Clock::now() > until) Die("no broker");
@@ -41,9 +42,10 @@ public:
     double Time(int percent) {
         TagIPCMessageItem item;
         item.destId = kReceiver;
-        item.msgId = IPC_MSG_DOWNLOAD_PROCESS;
-        IPCDataIO writer(&item, 64, false, false);
-        WriteRecord(writer, PkgDownloadProcess{kDeviceKey, percent});
+        item.msgId = kProgress.id;
+        const auto payload = channel::Encode(PkgDownloadProcess{kDeviceKey, percent});
+        item.data = payload->Data();
+        item.dataLen = payload->Size();
         const Clock::time_point begin = Clock::now();
         if (!m_client.PostIPCMessage(item)) Die("a message was refused");
         return Microseconds(m_arrival.Wait() - begin).count();

@@ -1,13 +1,6 @@
-#include "ipc/record_codec.h"
+#include "channel/record_codec.h"
 
-#include "ipc/field_order.h"
-#include "ipc/utf16_units.h"
-
-static_assert(InOrder({offsetof(PkgDownloadProcess, deviceKey), offsetof(PkgDownloadProcess, progress)}));
-static_assert(InOrder({offsetof(AccessoryVersionDataInfo, deviceKey), offsetof(AccessoryVersionDataInfo, modelId),
-                       offsetof(AccessoryVersionDataInfo, imagePath), offsetof(AccessoryVersionDataInfo, version),
-                       offsetof(AccessoryVersionDataInfo, descLines), offsetof(AccessoryVersionDataInfo, reserved),
-                       offsetof(AccessoryVersionDataInfo, isDriver)}));
+#include "channel/utf16_units.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "ipc/ipc_data_io.h"
-#include "ipc/records.h"
+#include "channel/byte_cursor.h"
+#include "channel/records.h"
 
 // Decoders and encoders of the records over a byte cursor.
 //

@@ -1,9 +1,10 @@
-#include "ipc/record_codec.h"
+#include "channel/record_codec.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <limits>
+
+#include "channel/payload.h"
 
 namespace {
 
@@ -16,11 +17,8 @@ struct Decoded {
 };
 
 template <class Record>
-Decoded<Record> Decode(std::string payload) {
-    TagIPCMessageItem item;
-    item.dataLen = static_cast<std::int32_t>(payload.size());
-    item.data = payload.empty() ? nullptr : payload.data();
-    IPCDataIO reader(&item, 64, true, false);
+Decoded<Record> Decode(const std::string& payload) {
+    channel::ByteReader reader(payload);
     Decoded<Record> decoded;
     ReadRecord(reader, decoded.record);
     decoded.cursor = reader.Position();
@@ -29,10 +27,7 @@ Decoded<Record> Decode(std::string payload) {
 
 template <class Record>
 std::string Encode(const Record& record) {
-    TagIPCMessageItem item;
-    IPCDataIO writer(&item, 64, false, false);
-    WriteRecord(writer, record);
-    return {item.data, writer.Position()};
+    return std::string(channel::Encode(record)->View());
 }
 
 const std::string kProgressExample = "\x01\0\0\0\x02\0\0\0AB\x25\0\0\0"s;
@@ -100,22 +95,16 @@ TEST(RecordCodec, AnEmptyPayloadIsAnEmptyKeyOrAnEmptyList) {
 }
 
 TEST(RecordCodec, AWrongMarkerLeavesTheDestinationUntouched) {
-    std::string payload = "\x07\0\0\0\x01\0\0\0"s;
-    TagIPCMessageItem item;
-    item.dataLen = 8;
-    item.data = payload.data();
-    IPCDataIO reader(&item, 64, true, false);
+    const std::string payload = "\x07\0\0\0\x01\0\0\0"s;
+    channel::ByteReader reader(payload);
     List list = TwoRecords();
     ReadRecord(reader, list);
     EXPECT_EQ(list.size(), 2u);
 }
 
 TEST(RecordCodec, ATextOfFiveWithThreeBytesLeftIsFiveZerosAndTheCursorStaysBehindTheLength) {
-    std::string payload = "\x05\0\0\0xyz"s;
-    TagIPCMessageItem item;
-    item.dataLen = static_cast<std::int32_t>(payload.size());
-    item.data = payload.data();
-    IPCDataIO reader(&item, 64, true, false);
+    const std::string payload = "\x05\0\0\0xyz"s;
+    channel::ByteReader reader(payload);
     std::string text;
     ReadString(reader, text);
     EXPECT_EQ(text, std::string(5, '\0'));
@@ -127,11 +116,8 @@ TEST(RecordCodec, ATextOfFiveWithThreeBytesLeftIsFiveZerosAndTheCursorStaysBehin
     EXPECT_EQ(byte, 'x');
 }
 
-std::wstring DecodeWide(std::string payload) {
-    TagIPCMessageItem item;
-    item.dataLen = static_cast<std::int32_t>(payload.size());
-    item.data = payload.data();
-    IPCDataIO reader(&item, 64, true, false);
+std::wstring DecodeWide(const std::string& payload) {
+    channel::ByteReader reader(payload);
     std::wstring text;
     ReadWString(reader, text);
     return text;
@@ -159,10 +145,10 @@ TEST(RecordCodec, TextsLongerThanABlockKeepEveryUnit) {
     for (const std::size_t length : {63u, 64u, 65u, 127u, 1000u}) {
         std::wstring text;
         for (std::size_t i = 0; i < length; ++i) text += static_cast<wchar_t>(0x100 + i % 0x5000);
-        TagIPCMessageItem item;
-        IPCDataIO writer(&item, 64, false, false);
+        std::string bytes(4 + 2 * length, '\0');
+        channel::ByteWriter writer(bytes.data());
         WriteWString(writer, text);
-        EXPECT_EQ(DecodeWide({item.data, writer.Position()}), text) << length;
+        EXPECT_EQ(DecodeWide(bytes), text) << length;
     }
 }
 

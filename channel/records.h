@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// The records that travel serialized inside a payload, in declaration and wire order (ipc/record_codec.h). Values.
+// The records that travel serialized inside a payload, in declaration and wire order (channel/record_codec.h). Values.
 
 // Progress of one package's download or installation.
 struct PkgDownloadProcess {

@@ -1,4 +1,4 @@
-#include "ipc/utf16_units.h"
+#include "channel/utf16_units.h"
 
 #include <algorithm>
 #include <cstdint>

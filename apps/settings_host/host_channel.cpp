@@ -1,9 +1,8 @@
 #include "host_channel.h"
 
 #include <algorithm>
-#include <charconv>
 
-#include "ipc/channel.h"
+#include "channel_client.h"
 #include "transcript.h"
 
 namespace settings_host {
@@ -12,12 +11,6 @@ namespace {
 
 constexpr int kMostHeight = 1 << 20;  // [design px] more than ten thousand rows
 
-std::string Payload(const TagIPCMessageItem& item) {
-    return item.data == nullptr ? std::string() : std::string(item.data, static_cast<std::size_t>(item.dataLen));
-}
-
-std::string DeviceKey(const TagIPCMessageItem& item) { return item.data == nullptr ? "" : item.data; }
-
 }  // namespace
 
 HostChannel::HostChannel(std::function<void()> changed)
@@ -25,46 +18,45 @@ HostChannel::HostChannel(std::function<void()> changed)
       m_layout(IPC_ENDPOINT_HOST_LAYOUT, true, false, IPC_PIPE_ASSISTANT),
       m_status(IPC_ENDPOINT_HOST_STATUS, true, false, IPC_PIPE_ASSISTANT),
       m_plugin(IPC_ENDPOINT_HOST_PLUGIN, true, false, IPC_PIPE_ASSISTANT) {
-    Listen(m_layout, IPC_MSG_CONTENT_HEIGHT, &HostChannel::OnHeight);
-    Listen(m_status, IPC_MSG_NO_UPDATES_LEFT, &HostChannel::OnNothingLeft);
-    Listen(m_plugin, IPC_MSG_PLUGIN_UPDATE, &HostChannel::OnUpdate);
-    Listen(m_plugin, IPC_MSG_PLUGIN_UPDATE_FINISH, &HostChannel::OnUpdateFinish);
+    Listen(m_layout, channel::from_page::IPC_MSG_CONTENT_HEIGHT, &HostChannel::OnHeight);
+    Listen(m_status, channel::from_page::IPC_MSG_NO_UPDATES_LEFT, &HostChannel::OnNothingLeft);
+    Listen(m_plugin, channel::from_page::IPC_MSG_PLUGIN_UPDATE, &HostChannel::OnUpdate);
+    Listen(m_plugin, channel::from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, &HostChannel::OnUpdateFinish);
 }
 
-void HostChannel::Listen(IPCMessageClient& client, int message,
-                         void (HostChannel::*handler)(const TagIPCMessageItem&)) {
-    client.RegisterMessageCallback(message, [this, handler](TagIPCMessageItem& item) {
-        (this->*handler)(item);
+template <class Payload>
+void HostChannel::Listen(IPCMessageClient& client, const channel::FromPage<Payload>& message,
+                         void (HostChannel::*handler)(const Payload&)) {
+    channel_client::Listen(client, message, [this, handler](const Payload& payload) {
+        (this->*handler)(payload);
         m_changed();
     });
 }
 
-void HostChannel::OnHeight(const TagIPCMessageItem& item) {
-    const std::string digits = Payload(item);
-    int height = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), height);
-    if (error != std::errc() || end != digits.data() + digits.size()) {
-        Say("host: a height message holds \"" + digits + "\", which is no number; ignored");
+void HostChannel::OnHeight(const channel::Decimal& payload) {
+    const std::optional<int> height = payload.Number();
+    if (!height) {
+        Say("host: a height message holds \"" + payload.digits + "\", which is no number; ignored");
         return;
     }
-    m_news.contentHeight = std::clamp(height, -kMostHeight, kMostHeight);
+    m_news.contentHeight = std::clamp(*height, -kMostHeight, kMostHeight);
     m_news.heightReported = true;
-    Say("host: content height " + digits);
+    Say("host: content height " + payload.digits);
 }
 
-void HostChannel::OnNothingLeft(const TagIPCMessageItem&) {
+void HostChannel::OnNothingLeft(const channel::Decimal&) {
     m_news.nothingLeft = true;
     Say("host: no update is left");
 }
 
-void HostChannel::OnUpdate(const TagIPCMessageItem& item) {
-    m_news.running.insert(DeviceKey(item));
-    Say("host: update of " + DeviceKey(item) + " runs");
+void HostChannel::OnUpdate(const channel::DeviceKey& payload) {
+    m_news.running.insert(payload.key);
+    Say("host: update of " + payload.key + " runs");
 }
 
-void HostChannel::OnUpdateFinish(const TagIPCMessageItem& item) {
-    m_news.running.erase(DeviceKey(item));
-    Say("host: update of " + DeviceKey(item) + " has stopped");
+void HostChannel::OnUpdateFinish(const channel::DeviceKey& payload) {
+    m_news.running.erase(payload.key);
+    Say("host: update of " + payload.key + " has stopped");
 }
 
 }  // namespace settings_host

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 
+#include "channel/messages.h"
 #include "ipc_client/ipc_message_client.h"
 
 namespace settings_host {
@@ -27,12 +28,14 @@ public:
     PageNews& News() { return m_news; }
 
 private:
-    void OnHeight(const TagIPCMessageItem& item);
-    void OnNothingLeft(const TagIPCMessageItem& item);
-    void OnUpdate(const TagIPCMessageItem& item);
-    void OnUpdateFinish(const TagIPCMessageItem& item);
+    void OnHeight(const channel::Decimal& payload);
+    void OnNothingLeft(const channel::Decimal& payload);
+    void OnUpdate(const channel::DeviceKey& payload);
+    void OnUpdateFinish(const channel::DeviceKey& payload);
 
-    void Listen(IPCMessageClient& client, int message, void (HostChannel::*handler)(const TagIPCMessageItem&));
+    template <class Payload>
+    void Listen(IPCMessageClient& client, const channel::FromPage<Payload>& message,
+                void (HostChannel::*handler)(const Payload&));
 
     const std::function<void()> m_changed;
     PageNews m_news;

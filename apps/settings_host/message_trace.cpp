@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "ipc/message_table.h"
+#include "channel_client.h"
 #include "ipc_client/ipc_trace.h"
 #include "transcript.h"
 
@@ -15,26 +15,23 @@ namespace {
 constexpr std::size_t kShownBytes = 40;
 
 std::string Name(const TagIPCMessageItem& item) {
-    for (const IpcMessageDescriptor& known : kIpcMessages) {
-        if (known.msgId == item.msgId && known.endpoint == item.destId) return known.name;
-    }
+    if (const channel::MessageInfo* const known = channel::FindMessage(item.msgId, item.destId)) return known->name;
     char id[16];
     std::snprintf(id, sizeof id, "0x%X", static_cast<unsigned>(item.msgId));
     return id;
 }
 
 // Printable bytes as they are, others as \xNN.
-std::string Shown(const TagIPCMessageItem& item) {
-    if (item.data == nullptr || item.dataLen <= 0) return "no payload";
-    const auto size = static_cast<std::size_t>(item.dataLen);
-    std::string text = std::to_string(size) + " bytes \"";
-    for (std::size_t i = 0; i < size && i < kShownBytes; ++i) {
-        const auto byte = static_cast<unsigned char>(item.data[i]);
+std::string Shown(std::string_view payload) {
+    if (payload.empty()) return "no payload";
+    std::string text = std::to_string(payload.size()) + " bytes \"";
+    for (const char c : payload.substr(0, kShownBytes)) {
+        const auto byte = static_cast<unsigned char>(c);
         char hex[8];
         std::snprintf(hex, sizeof hex, std::isprint(byte) != 0 ? "%c" : "\\x%02X", byte);
         text += hex;
     }
-    return text + (size > kShownBytes ? "...\"" : "\"");
+    return text + (payload.size() > kShownBytes ? "...\"" : "\"");
 }
 
 }  // namespace
@@ -44,7 +41,8 @@ void TraceMessages() {
         char ends[64];
         std::snprintf(ends, sizeof ends, " 0x%X -> 0x%X ", static_cast<unsigned>(item.sourceId),
                       static_cast<unsigned>(item.destId));
-        Say((event == IpcTraceEvent::kPosted ? "post" : "got ") + std::string(ends) + Name(item) + " " + Shown(item));
+        Say((event == IpcTraceEvent::kPosted ? "post" : "got ") + std::string(ends) + Name(item) + " " +
+            Shown(channel_client::PayloadBytes(item)));
     });
 }
 

@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "base/text.h"
-#include "ipc/channel.h"
+#include "channel/messages.h"
 #include "ipc_client/ipc_connection_state.h"
 #include "kernel/ui_turn.h"
 

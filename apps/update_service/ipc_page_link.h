@@ -1,5 +1,7 @@
 #pragma once
 
+#include <type_traits>
+
 #include "ipc_client/ipc_message_client.h"
 #include "log.h"
 #include "page_link.h"
@@ -15,14 +17,11 @@ public:
 
     void SendList(const std::vector<Accessory>& accessories) override;
     void SendProgress(const std::string& deviceKey, int percent) override;
-    void SendEnded(const std::string& deviceKey) override;
-    void SendFailed(const std::string& deviceKey) override;
+    void Send(const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey) override;
 
 private:
-    template <typename Record>
-    void PostRecord(int msgId, const Record& record, std::uint32_t blockSize);
-    void PostKey(int msgId, const std::string& deviceKey);
-    void Post(TagIPCMessageItem& item, int msgId);
+    template <class Payload>
+    void Post(const channel::ToPage<Payload>& message, const std::type_identity_t<Payload>& payload);
 
     IPCMessageClient& m_client;
     const Log m_log;

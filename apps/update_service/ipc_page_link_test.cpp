@@ -11,6 +11,8 @@
 namespace update_service {
 namespace {
 
+namespace from_page = channel::from_page;
+namespace to_page = channel::to_page;
 using namespace std::string_literals;
 using testing::ElementsAre;
 
@@ -44,18 +46,18 @@ protected:
 
 TEST_F(PageLinkOverThePipe, MessagesHaveTheBytesOfTheProtocol) {
     m_link.SendProgress("AB", 37);
-    m_link.SendEnded("AB");
-    m_link.SendFailed("");
+    m_link.Send(to_page::IPC_MSG_PKG_FINISH, "AB");
+    m_link.Send(to_page::IPC_MSG_PKG_FAIL, "");
     m_link.SendList({});
     // Messages of one client arrive in their order.
     const auto messages = Messages(4);
-    EXPECT_EQ(messages[0].msgId, IPC_MSG_DOWNLOAD_PROCESS);
+    EXPECT_EQ(messages[0].msgId, to_page::IPC_MSG_DOWNLOAD_PROCESS.id);
     EXPECT_EQ(messages[0].data, "\1\0\0\0\2\0\0\0AB\x25\0\0\0"s);
-    EXPECT_EQ(messages[1].msgId, IPC_MSG_PKG_FINISH);
+    EXPECT_EQ(messages[1].msgId, to_page::IPC_MSG_PKG_FINISH.id);
     EXPECT_EQ(messages[1].data, "AB\0"s);
-    EXPECT_EQ(messages[2].msgId, IPC_MSG_PKG_FAIL);
+    EXPECT_EQ(messages[2].msgId, to_page::IPC_MSG_PKG_FAIL.id);
     EXPECT_EQ(messages[2].data, "\0"s);
-    EXPECT_EQ(messages[3].msgId, IPC_MSG_ALL_UPDATE_DATA);
+    EXPECT_EQ(messages[3].msgId, to_page::IPC_MSG_ALL_UPDATE_DATA.id);
     EXPECT_EQ(messages[3].data, "\1\0\0\0\0\0\0\0"s);
     for (const auto& message : messages) EXPECT_EQ(message.sourceId, IPC_ENDPOINT_UPDATE_SERVICE);
 }
@@ -71,7 +73,7 @@ TEST_F(PageLinkOverThePipe, TheListCarriesEveryField) {
     Accessory dock;
     dock.deviceKey = "dock";
     m_link.SendList({pen, dock});
-    const auto list = DecodePayload<std::vector<AccessoryVersionDataInfo>>(Messages(1)[0].data);
+    const auto list = channel::Decode<std::vector<AccessoryVersionDataInfo>>(Messages(1)[0].data);
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(list[0].deviceKey, "pen");
     EXPECT_EQ(list[0].modelId, L"IDS_NAME_PEN");
@@ -91,7 +93,7 @@ TEST_F(PageLinkOverThePipe, ALongListArrivesWhole) {
         accessories[i].description.assign(3, std::string(40, 'd'));
     }
     m_link.SendList(accessories);
-    const auto list = DecodePayload<std::vector<AccessoryVersionDataInfo>>(Messages(1)[0].data);
+    const auto list = channel::Decode<std::vector<AccessoryVersionDataInfo>>(Messages(1)[0].data);
     ASSERT_EQ(list.size(), accessories.size());
     EXPECT_EQ(list.back().deviceKey, "999");
     EXPECT_EQ(list.back().descLines.back(), std::wstring(40, L'd'));
@@ -112,20 +114,20 @@ TEST_F(PageLinkOverThePipe, ARecordThatFindsNoMemoryForAFieldIsNotSent) {
     }
     EXPECT_THAT(m_log.Lines(), ElementsAre("message 11665443 is not sent: memory is exhausted",
                                            "message 11665447 is not sent: memory is exhausted"));
-    m_link.SendEnded("AB");
-    EXPECT_EQ(Messages(1)[0].msgId, IPC_MSG_PKG_FINISH);
+    m_link.Send(to_page::IPC_MSG_PKG_FINISH, "AB");
+    EXPECT_EQ(Messages(1)[0].msgId, to_page::IPC_MSG_PKG_FINISH.id);
 }
 
 TEST_F(PageLinkOverThePipe, KeysTravelInTheAnsiCodePage) {
     if (!kernel::SetAnsiCodePage(1252)) GTEST_SKIP() << "this system has another page";
     RecordingRequests requests;
     ReceiveRequests(m_client, requests);
-    m_link.SendEnded("\xC3\xA9");
+    m_link.Send(to_page::IPC_MSG_PKG_FINISH, "\xC3\xA9");
     m_link.SendProgress("\xC3\xA9", 1);
     const auto messages = Messages(2);
     EXPECT_EQ(messages[0].data, "\xE9\0"s);
-    EXPECT_EQ(DecodePayload<PkgDownloadProcess>(messages[1].data).deviceKey, "\xE9");
-    m_page.Ask(IPC_MSG_DOWNLOAD_START, "\xE9");
+    EXPECT_EQ(channel::Decode<PkgDownloadProcess>(messages[1].data).deviceKey, "\xE9");
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"\xE9"});
     EXPECT_TRUE(requests.asked.Has("start \xC3\xA9"));
     m_client.UnRegisterMessageCallbackAll();
 }
@@ -133,10 +135,10 @@ TEST_F(PageLinkOverThePipe, KeysTravelInTheAnsiCodePage) {
 TEST_F(PageLinkOverThePipe, RequestsArriveInTheirOrder) {
     RecordingRequests requests;
     ReceiveRequests(m_client, requests);
-    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
-    m_page.Ask(IPC_MSG_DOWNLOAD_PAUSE, "pen");
-    m_page.Ask(IPC_MSG_DOWNLOAD_START, "a\0b"s);
-    m_page.Ask(IPC_MSG_DOWNLOAD_PAUSE, "");
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_PAUSE, {"pen"});
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"a\0b"s});
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_PAUSE, {""});
     m_page.Ready();
     ASSERT_TRUE(requests.asked.Has("ready"));
     EXPECT_THAT(requests.asked.Lines(), ElementsAre("start pen", "pause pen", "start a", "pause ", "ready"));

@@ -10,7 +10,6 @@
 #include "base/reason.h"
 #include "base/text.h"
 #include "catalogue.h"
-#include "ipc/channel.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_log.h"
 #include "ipc_page_link.h"

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "catalogue.h"
+#include "channel/messages.h"
 
 namespace update_service {
 
@@ -15,8 +16,8 @@ public:
 
     virtual void SendList(const std::vector<Accessory>& accessories) = 0;
     virtual void SendProgress(const std::string& deviceKey, int percent) = 0;  // 100: the installation has begun
-    virtual void SendEnded(const std::string& deviceKey) = 0;
-    virtual void SendFailed(const std::string& deviceKey) = 0;
+    // Any message that says only which device it is about.
+    virtual void Send(const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey) = 0;
 };
 
 // The page's way to the service: what it asks for. Called on one thread at a time.

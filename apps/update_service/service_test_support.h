@@ -56,8 +56,11 @@ public:
     void SendProgress(const std::string& deviceKey, int percent) override {
         told.Add("progress " + deviceKey + " " + std::to_string(percent));
     }
-    void SendEnded(const std::string& deviceKey) override { told.Add("ended " + deviceKey); }
-    void SendFailed(const std::string& deviceKey) override { told.Add("failed " + deviceKey); }
+    void Send(const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey) override {
+        const bool ended = message.id == channel::to_page::IPC_MSG_PKG_FINISH.id;
+        const bool failed = message.id == channel::to_page::IPC_MSG_PKG_FAIL.id;
+        told.Add((ended ? "ended " : failed ? "failed " : message.name + std::string(" ")) + deviceKey);
+    }
 
     Record told;
 };

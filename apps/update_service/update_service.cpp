@@ -62,7 +62,7 @@ void UpdateService::OnStart(const std::string& deviceKey) {
     Device* const device = FindDevice(deviceKey);
     if (!device) {
         m_log(LOG_LEVEL_EVENT, deviceKey + ": start refused: the catalogue does not have it");
-        m_page.SendFailed(deviceKey);
+        m_page.Send(channel::to_page::IPC_MSG_PKG_FAIL, deviceKey);
         return;
     }
     std::unique_lock guard(m_mutex);
@@ -74,7 +74,7 @@ void UpdateService::OnStart(const std::string& deviceKey) {
             return;
         case Phase::kInstalled:
             WriteLog(LOG_LEVEL_DETAIL, *device, "is installed already");
-            m_page.SendEnded(deviceKey);
+            m_page.Send(channel::to_page::IPC_MSG_PKG_FINISH, deviceKey);
             return;
         case Phase::kIdle:
         case Phase::kPaused:

@@ -16,6 +16,8 @@
 namespace update_service {
 namespace {
 
+namespace from_page = channel::from_page;
+namespace to_page = channel::to_page;
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
@@ -87,8 +89,8 @@ protected:
     static std::vector<int> Percentages(const std::vector<PipePage::Message>& messages, const std::string& key) {
         std::vector<int> percentages;
         for (const PipePage::Message& message : messages) {
-            if (message.msgId != IPC_MSG_DOWNLOAD_PROCESS) continue;
-            const auto progress = DecodePayload<PkgDownloadProcess>(message.data);
+            if (message.msgId != to_page::IPC_MSG_DOWNLOAD_PROCESS.id) continue;
+            const auto progress = channel::Decode<PkgDownloadProcess>(message.data);
             if (progress.deviceKey == key) percentages.push_back(progress.progress);
         }
         return percentages;
@@ -98,8 +100,8 @@ protected:
         EXPECT_TRUE(m_page.Wait([](const auto& messages) { return HasList(messages); }));
         std::vector<std::string> keys;
         for (const PipePage::Message& message : m_page.Messages()) {
-            if (message.msgId != IPC_MSG_ALL_UPDATE_DATA) continue;
-            for (const auto& record : DecodePayload<std::vector<AccessoryVersionDataInfo>>(message.data)) {
+            if (message.msgId != to_page::IPC_MSG_ALL_UPDATE_DATA.id) continue;
+            for (const auto& record : channel::Decode<std::vector<AccessoryVersionDataInfo>>(message.data)) {
                 keys.push_back(record.deviceKey);
             }
         }
@@ -108,7 +110,7 @@ protected:
 
     static bool HasList(const std::vector<PipePage::Message>& messages) {
         return std::any_of(messages.begin(), messages.end(),
-                           [](const auto& message) { return message.msgId == IPC_MSG_ALL_UPDATE_DATA; });
+                           [](const auto& message) { return message.msgId == to_page::IPC_MSG_ALL_UPDATE_DATA.id; });
     }
 
     bool IsInstalled(const std::string& key) const { return ReadFile(m_folder / (key + ".installed")) == Bytes(kSize); }
@@ -126,8 +128,8 @@ TEST_F(ServiceProcessTest, APageThatWasThereFirstGetsItsListAndItsUpdate) {
     m_page.Ready();
     Start();
     EXPECT_THAT(ListedKeys(), testing::ElementsAre("pen", "dock"));
-    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
-    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FINISH, "pen"));
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
+    ASSERT_TRUE(m_page.WaitForKey(to_page::IPC_MSG_PKG_FINISH, "pen"));
     EXPECT_EQ(Percentages(m_page.Messages(), "pen").size(), 101u);
     EXPECT_TRUE(IsInstalled("pen"));
 }
@@ -135,7 +137,7 @@ TEST_F(ServiceProcessTest, APageThatWasThereFirstGetsItsListAndItsUpdate) {
 TEST_F(ServiceProcessTest, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAgain) {
     AddAccessory("pen");
     Start({"--rate", "200000"});
-    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
     ASSERT_TRUE(WaitForPercent("pen", 10));
     m_process->Kill();
     m_process.reset();
@@ -144,7 +146,7 @@ TEST_F(ServiceProcessTest, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAga
     EXPECT_LT(part, kSize);
 
     Start();
-    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FINISH, "pen"));
+    ASSERT_TRUE(m_page.WaitForKey(to_page::IPC_MSG_PKG_FINISH, "pen"));
     EXPECT_TRUE(IsInstalled("pen"));
     const std::vector<int> told = Percentages(m_page.Messages(), "pen");
     EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));  // it did not begin anew
@@ -157,7 +159,7 @@ TEST_F(ServiceProcessTest, EndsCleanlyHoweverItIsAskedTo) {
     const std::vector<std::string> ways = ServiceProcess::WaysToEnd();
     for (std::size_t way = 0; way < ways.size(); ++way) {
         Start({"--rate", "100000"});
-        m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
+        m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
         ASSERT_TRUE(WaitForError("ready"));
         ASSERT_TRUE(WaitForPercent("pen", 1));
         m_process->AskToEnd(way);
@@ -178,11 +180,11 @@ TEST_F(ServiceProcessTest, SaysWhenItIsReadyOnTheConsoleAndInTheLogFile) {
 TEST_F(ServiceProcessTest, ADownloadThatIsToFailDoesSoOnce) {
     AddAccessory("pen");
     Start({"--fail", "pen:30"});
-    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
-    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FAIL, "pen"));
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
+    ASSERT_TRUE(m_page.WaitForKey(to_page::IPC_MSG_PKG_FAIL, "pen"));
     EXPECT_EQ(Percentages(m_page.Messages(), "pen").back(), 30);
-    m_page.Ask(IPC_MSG_DOWNLOAD_START, "pen");
-    ASSERT_TRUE(m_page.WaitForKey(IPC_MSG_PKG_FINISH, "pen"));
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
+    ASSERT_TRUE(m_page.WaitForKey(to_page::IPC_MSG_PKG_FINISH, "pen"));
     EXPECT_TRUE(IsInstalled("pen"));
 }
 

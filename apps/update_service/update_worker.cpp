@@ -49,7 +49,7 @@ void UpdateService::Install(Device& device, const WorkFiles& files) {
         case InstallerEnd::kSucceeded:
             SetPhase(device, Phase::kInstalled);
             WriteLog(LOG_LEVEL_EVENT, device, "installed version " + device.accessory->version);
-            m_page.SendEnded(device.accessory->deviceKey);
+            m_page.Send(channel::to_page::IPC_MSG_PKG_FINISH, device.accessory->deviceKey);
             return;
     }
 }
@@ -75,7 +75,7 @@ void UpdateService::TellProgress(Device& device, int percent, const std::stop_to
 void UpdateService::Fail(Device& device, const std::string& reason) {
     SetPhase(device, Phase::kFailed);
     WriteLog(LOG_LEVEL_EVENT, device, "failed: " + reason);
-    m_page.SendFailed(device.accessory->deviceKey);
+    m_page.Send(channel::to_page::IPC_MSG_PKG_FAIL, device.accessory->deviceKey);
 }
 
 }  // namespace update_service

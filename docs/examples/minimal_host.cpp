@@ -5,9 +5,8 @@
 #include <exception>
 #include <iostream>
 
+#include "channel_client.h"
 #include "duilib/duilib.h"
-#include "ipc/channel.h"
-#include "ipc_client/ipc_message_client.h"
 #include "kernel/sleep.h"
 #include "kernel/ui_turn.h"
 #include "module_loader/page_module.h"
@@ -17,8 +16,8 @@ int main(int argc, char** argv) {
     try {
         // The host's ear for the page: the content height, in design pixels, as decimal digits.
         IPCMessageClient layout(IPC_ENDPOINT_HOST_LAYOUT, true, false, IPC_PIPE_ASSISTANT);
-        layout.RegisterMessageCallback(IPC_MSG_CONTENT_HEIGHT, [](TagIPCMessageItem& item) {
-            std::cout << "content height " << item.data << std::endl;  // a zero byte stands behind every payload
+        channel_client::Listen(layout, channel::from_page::IPC_MSG_CONTENT_HEIGHT, [](const channel::Decimal& height) {
+            std::cout << "content height " << height.digits << std::endl;
         });
 
         const PageModule module(argv[1]);

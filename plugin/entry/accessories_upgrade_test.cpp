@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "ipc/channel.h"
+#include "channel/messages.h"
 #include "kernel/ui_turn.h"
 #include "nothrow_failure.h"
 #include "page_fixture.h"
@@ -85,9 +85,9 @@ TEST_F(Entry, AfterCloseWndCreateSettingBuildsAFreshWindow) {
 TEST_F(Entry, ASecondCreateSettingLeavesTheFirstWindowAliveAndCloseWndDestroysTheSecond) {
     Create();
     Create();
-    EXPECT_EQ(seam::Get().callbacks[IPC_MSG_ALL_UPDATE_DATA].size(), 2u);
+    EXPECT_EQ(seam::Get().callbacks[channel::to_page::IPC_MSG_ALL_UPDATE_DATA.id].size(), 2u);
     Close();
-    EXPECT_EQ(seam::Get().callbacks[IPC_MSG_ALL_UPDATE_DATA].size(), 1u);
+    EXPECT_EQ(seam::Get().callbacks[channel::to_page::IPC_MSG_ALL_UPDATE_DATA.id].size(), 1u);
     Forget();
     Close();
     EXPECT_TRUE(seam::Get().events.empty()) << "nobody reaches the first one";

@@ -4,7 +4,6 @@
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
 #include "firmware_item/row_controls.h"
-#include "ipc/channel.h"
 #include "qx_data_report/qx_data_report.h"
 #include "support/log_line.h"
 #include "support/text.h"
@@ -54,12 +53,12 @@ void AccessoriesFirwareWnd::ShowAppRunningTip(CControlUI* hot, CControlUI* tippe
 
 void AccessoriesFirwareWnd::SendUIPluginUpdate(const std::string& deviceKey) {
     LogLine(kLogDetail) << "update : " << deviceKey;
-    PostDeviceKey(m_ipcClient, IPC_ENDPOINT_HOST_PLUGIN, IPC_MSG_PLUGIN_UPDATE, deviceKey);
+    Post(m_ipcClient, channel::from_page::IPC_MSG_PLUGIN_UPDATE, {deviceKey});
 }
 
 void AccessoriesFirwareWnd::SendUIPluginUpdateFinish(const std::string& deviceKey) {
     LogLine(kLogDetail) << "update finish: " << deviceKey;
-    PostDeviceKey(m_ipcClient, IPC_ENDPOINT_HOST_PLUGIN, IPC_MSG_PLUGIN_UPDATE_FINISH, deviceKey);
+    Post(m_ipcClient, channel::from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, {deviceKey});
 }
 
 void AccessoriesFirwareWnd::BigDataReportSettingCenterUpdatePlugin(const AccessoriesFirwareWnd& device) {

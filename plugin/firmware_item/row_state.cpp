@@ -22,7 +22,6 @@
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
 #include "firmware_item/row_controls.h"
-#include "ipc/channel.h"
 #include "kernel/sleep.h"
 #include "support/log_line.h"
 #include "support/text.h"
@@ -75,11 +74,11 @@ bool AccessoriesFirwareWnd::IsCompanionRunning() const {
 }
 
 void AccessoriesFirwareWnd::PostPauseDownload(const std::string& deviceKey) {
-    PostDeviceKey(m_ipcClient, IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_DOWNLOAD_PAUSE, deviceKey);
+    Post(m_ipcClient, channel::from_page::IPC_MSG_DOWNLOAD_PAUSE, {deviceKey});
 }
 
 void AccessoriesFirwareWnd::PostStartDownload(const std::string& deviceKey) {
-    PostDeviceKey(m_ipcClient, IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_DOWNLOAD_START, deviceKey);
+    Post(m_ipcClient, channel::from_page::IPC_MSG_DOWNLOAD_START, {deviceKey});
 }
 
 void AccessoriesFirwareWnd::SetResume() {

@@ -1,6 +1,5 @@
 #include "ipc/ipc_data_io.h"
 
-#include <cstring>
 #include <new>
 #include <type_traits>
 
@@ -18,19 +17,10 @@ struct IPCDataIOLayout {
     static_assert(sizeof(IPCDataIO) == 4 * sizeof(void*));
 };
 
+using channel::CopyChecked;
+using channel::Holds;
+
 namespace {
-
-bool CopyChecked(void* dst, std::uint32_t capacity, const void* src, std::uint32_t n) {
-    if (n == 0) return true;
-    if (dst == nullptr || src == nullptr || n > capacity) return false;
-    std::memcpy(dst, src, n);
-    return true;
-}
-
-// Whether `length` bytes hold n more behind pos. The sum cannot wrap, and one past 31 bits is larger than any payload.
-bool Holds(std::int32_t length, std::uint32_t pos, std::uint32_t n) {
-    return static_cast<std::int64_t>(length) >= static_cast<std::int64_t>(pos) + n;
-}
 
 // The capacity for `needed` bytes, a multiple of the block size; 0 when it has no 31-bit form.
 std::uint32_t RoundedCapacity(std::uint64_t needed, std::uint32_t blockSize) {
@@ -95,8 +85,6 @@ std::uint32_t IPCDataIO::ReadUInt32(std::uint32_t* dst) { return Read(dst, 4); }
 std::uint32_t IPCDataIO::ReadUInt8(std::uint8_t* dst) { return Read(dst, 1); }
 
 std::uint32_t IPCDataIO::Read(void* dst, std::uint32_t n) {
-    if (dst == nullptr || m_item == nullptr) return 0;
-    if (!Holds(m_item->dataLen, m_pos, n)) return 0;
-    if (m_item->data != nullptr && CopyChecked(dst, n, m_item->data + m_pos, n)) m_pos += n;
-    return n;
+    if (m_item == nullptr) return 0;
+    return channel::ReadBytes(m_item->data, m_item->dataLen, m_pos, dst, n);
 }

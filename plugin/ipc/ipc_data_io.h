@@ -2,23 +2,8 @@
 
 #include <cstdint>
 
+#include "channel/byte_cursor.h"
 #include "ipc_client/ipc_message_item.h"
-
-// A byte cursor over a message payload, little-endian. Every operation returns the number of bytes asked for, or 0.
-// The order of the operations is the order of their slots: the interface is shared with other modules. It is never
-// deleted through.
-struct IIPCDataIO {
-    virtual std::uint32_t Reserve(std::uint32_t n) = 0;
-    virtual std::uint32_t WriteUInt32(std::uint32_t value) = 0;
-    virtual std::uint32_t WriteUInt8(std::uint8_t value) = 0;
-    virtual std::uint32_t Write(const void* src, std::uint32_t n) = 0;
-    virtual std::uint32_t ReadUInt32(std::uint32_t* dst) = 0;
-    virtual std::uint32_t ReadUInt8(std::uint8_t* dst) = 0;
-    virtual std::uint32_t Read(void* dst, std::uint32_t n) = 0;
-
-protected:
-    ~IIPCDataIO() = default;
-};
 
 // Reads from, or writes into, the payload of one message.
 //

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <string_view>
+#include <type_traits>
 
+#include "channel/messages.h"
 #include "ipc_client/ipc_message_client.h"
 
 // The accessory page's client and endpoint, as one value.
@@ -21,10 +23,13 @@ IPCMessageClient* NewPageClient();
 // Makes the handle of a client; null when memory is exhausted. Nobody releases it, on purpose.
 IPCClientHandle* NewClientHandle(IPCMessageClient* client);
 
-// The accessory page's posts. Each sends one message from IPC_ENDPOINT_PLUGIN with the fixed header; the payload is
-// copied by the client. All return what the client returns, and false without a client.
-bool PostEmpty(IPCMessageClient* client, std::int32_t destId, std::int32_t msgId);
-bool PostDeviceKey(IPCMessageClient* client, std::int32_t destId, std::int32_t msgId,
-                   const std::string& deviceKey);  // with its terminating zero
-bool PostDecimal(IPCMessageClient* client, std::int32_t destId, std::int32_t msgId,
-                 int number);  // without a terminating zero
+// The accessory page's posts, from IPC_ENDPOINT_PLUGIN with the fixed header; the client copies the payload. False
+// without a client; otherwise what the client returns.
+bool PostBytes(IPCMessageClient* client, std::int32_t msgId, std::int32_t destId, std::string_view bytes);
+
+//     Post(client, channel::from_page::IPC_MSG_DOWNLOAD_START, {deviceKey});
+template <class Payload>
+bool Post(IPCMessageClient* client, const channel::FromPage<Payload>& message,
+          const std::type_identity_t<Payload>& payload) {
+    return PostBytes(client, message.id, message.endpoint, channel::BytesOf(payload));
+}

@@ -5,6 +5,12 @@
 #include "ipc/field_order.h"
 #include "ipc/ipc_post.h"
 
+static_assert(InOrder({offsetof(PkgDownloadProcess, deviceKey), offsetof(PkgDownloadProcess, progress)}));
+static_assert(InOrder({offsetof(AccessoryVersionDataInfo, deviceKey), offsetof(AccessoryVersionDataInfo, modelId),
+                       offsetof(AccessoryVersionDataInfo, imagePath), offsetof(AccessoryVersionDataInfo, version),
+                       offsetof(AccessoryVersionDataInfo, descLines), offsetof(AccessoryVersionDataInfo, reserved),
+                       offsetof(AccessoryVersionDataInfo, isDriver)}));
+
 struct IPCServerLayout {
     static_assert(InOrder({offsetof(IPCServer, ownsClient), offsetof(IPCServer, lock), offsetof(IPCServer, endpointId),
                            offsetof(IPCServer, clientFlag), offsetof(IPCServer, client), offsetof(IPCServer, procs)}));

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <type_traits>
 
+#include "channel/record_codec.h"
 #include "ipc/ipc_data_io.h"
-#include "ipc/record_codec.h"
 #include "ipc_client/ipc_message_client.h"
 
 // Typed receivers: an incoming message becomes a call of a member function with a decoded record.
@@ -29,7 +29,7 @@ public:
     std::int32_t msgId;
 };
 
-// Calls `handler` of `owner` (not owned; must outlive the registration) with a record that lives during the call alone.
+// Calls `handler` of `owner` (not owned; must outlive the registration) with a record that lives only during the call.
 // The handler is called for every message: with a default record when the marker is wrong, with a partly decoded one
 // when the payload is short. On the client's delivery thread.
 template <class Owner, class Arg>

@@ -6,7 +6,7 @@
 #include <memory>
 #include <optional>
 
-#include "ipc/channel.h"
+#include "channel/messages.h"
 #include "ipc/ipc_post.h"
 #include "nothrow_failure.h"
 #include "seam.h"
@@ -14,6 +14,7 @@
 
 namespace {
 
+namespace to_page = channel::to_page;
 using testing::ElementsAre;
 
 struct Page {
@@ -33,11 +34,12 @@ protected:
     ~IpcServer() override { client.reset(); }
 
     IPCServerProcBase* ProgressReceiver() {
-        return new IPCServerProc<Page, PkgDownloadProcess&>(IPC_MSG_DOWNLOAD_PROCESS, &page, &Page::OnProgress);
+        return new IPCServerProc<Page, PkgDownloadProcess&>(to_page::IPC_MSG_DOWNLOAD_PROCESS.id, &page,
+                                                            &Page::OnProgress);
     }
     IPCServerProcBase* ListReceiver() {
-        return new IPCServerProc<Page, std::vector<AccessoryVersionDataInfo>&>(IPC_MSG_ALL_UPDATE_DATA, &page,
-                                                                               &Page::OnList);
+        return new IPCServerProc<Page, std::vector<AccessoryVersionDataInfo>&>(to_page::IPC_MSG_ALL_UPDATE_DATA.id,
+                                                                               &page, &Page::OnList);
     }
     static std::vector<int> Numbers(seam::Kind kind) {
         std::vector<int> numbers;
@@ -57,9 +59,9 @@ TEST_F(IpcServer, ASecondReceiverForAnIdIsRefusedAndTheFirstStays) {
     IPCServerProcBase* const second = ListReceiver();
     EXPECT_EQ(registry.Register(second), -1);
     delete second;
-    EXPECT_TRUE(seam::Get().Deliver(IPC_MSG_ALL_UPDATE_DATA, ""));
+    EXPECT_TRUE(seam::Get().Deliver(to_page::IPC_MSG_ALL_UPDATE_DATA.id, ""));
     EXPECT_THAT(page.listSizes, ElementsAre(0u));
-    EXPECT_THAT(Numbers(seam::Kind::kRegister), ElementsAre(IPC_MSG_ALL_UPDATE_DATA));
+    EXPECT_THAT(Numbers(seam::Kind::kRegister), ElementsAre(to_page::IPC_MSG_ALL_UPDATE_DATA.id));
 }
 
 TEST_F(IpcServer, ANullReceiverIsRefused) {
@@ -88,15 +90,16 @@ TEST_F(IpcServer, UnregisterAllGoesThroughTheIdsInAscendingOrder) {
     registry.Register(ListReceiver());
     registry.Register(ProgressReceiver());
     registry.UnregisterAll();
-    EXPECT_THAT(Numbers(seam::Kind::kUnregister), ElementsAre(IPC_MSG_DOWNLOAD_PROCESS, IPC_MSG_ALL_UPDATE_DATA));
-    EXPECT_FALSE(seam::Get().Deliver(IPC_MSG_ALL_UPDATE_DATA, ""));
+    EXPECT_THAT(Numbers(seam::Kind::kUnregister),
+                ElementsAre(to_page::IPC_MSG_DOWNLOAD_PROCESS.id, to_page::IPC_MSG_ALL_UPDATE_DATA.id));
+    EXPECT_FALSE(seam::Get().Deliver(to_page::IPC_MSG_ALL_UPDATE_DATA.id, ""));
     EXPECT_EQ(registry.Register(ListReceiver()), 1) << "the id is free again";
 }
 
 TEST_F(IpcServer, AProgressMessageWithoutPayloadArrivesAsAnEmptyKeyAtZero) {
     IPCServer registry(&*client);
     registry.Register(ProgressReceiver());
-    EXPECT_TRUE(seam::Get().Deliver(IPC_MSG_DOWNLOAD_PROCESS, ""));
+    EXPECT_TRUE(seam::Get().Deliver(to_page::IPC_MSG_DOWNLOAD_PROCESS.id, ""));
     ASSERT_EQ(page.progress.size(), 1u);
     EXPECT_EQ(page.progress[0].deviceKey, "");
     EXPECT_EQ(page.progress[0].progress, 0);
@@ -106,8 +109,8 @@ TEST_F(IpcServer, TheHandlerIsCalledForAWrongMarkerAndForAShortPayloadToo) {
     using namespace std::string_literals;
     IPCServer registry(&*client);
     registry.Register(ProgressReceiver());
-    seam::Get().Deliver(IPC_MSG_DOWNLOAD_PROCESS, "\x02\0\0\0\x02\0\0\0AB\x25\0\0\0"s);
-    seam::Get().Deliver(IPC_MSG_DOWNLOAD_PROCESS, "\x01\0\0\0\x02\0\0\0AB\x25"s);
+    seam::Get().Deliver(to_page::IPC_MSG_DOWNLOAD_PROCESS.id, "\x02\0\0\0\x02\0\0\0AB\x25\0\0\0"s);
+    seam::Get().Deliver(to_page::IPC_MSG_DOWNLOAD_PROCESS.id, "\x01\0\0\0\x02\0\0\0AB\x25"s);
     ASSERT_EQ(page.progress.size(), 2u);
     EXPECT_EQ(page.progress[0].deviceKey, "");
     EXPECT_EQ(page.progress[1].deviceKey, "AB");
@@ -133,14 +136,16 @@ TEST_F(IpcServer, ARegistryWithAClientOfItsOwnMakesANewOneAtEachRegistrationAndD
     {
         IPCServer registry(IPC_ENDPOINT_PLUGIN, true);
         EXPECT_EQ(registry.Register(ListReceiver()), 1);
-        dropped = static_cast<const IPCMessageClient*>(seam::Get().callbacks[IPC_MSG_ALL_UPDATE_DATA].back().client);
+        dropped = static_cast<const IPCMessageClient*>(
+            seam::Get().callbacks[to_page::IPC_MSG_ALL_UPDATE_DATA.id].back().client);
         seam::Get().events.clear();
         EXPECT_EQ(registry.Register(ProgressReceiver()), 1);
         EXPECT_EQ(Numbers(seam::Kind::kClientCreated).size(), 1u);
     }
     EXPECT_EQ(Numbers(seam::Kind::kClientDestroyed).size(), 1u) << "the later one alone";
-    EXPECT_TRUE(seam::Get().callbacks[IPC_MSG_DOWNLOAD_PROCESS].empty());
-    EXPECT_EQ(seam::Get().callbacks[IPC_MSG_ALL_UPDATE_DATA].size(), 1u) << "nobody unregisters with the earlier one";
+    EXPECT_TRUE(seam::Get().callbacks[to_page::IPC_MSG_DOWNLOAD_PROCESS.id].empty());
+    EXPECT_EQ(seam::Get().callbacks[to_page::IPC_MSG_ALL_UPDATE_DATA.id].size(), 1u)
+        << "nobody unregisters with the earlier one";
     delete dropped;
 }
 
@@ -197,7 +202,7 @@ TEST_F(IpcServer, ARegistryWhoseOwnClientCannotBeMadeRefuses) {
 }
 
 TEST_F(IpcServer, EveryPostHasTheFixedHeader) {
-    PostDeviceKey(&*client, IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_DOWNLOAD_START, "0123456789");
+    Post(&*client, channel::from_page::IPC_MSG_DOWNLOAD_START, {"0123456789"});
     const seam::Event& post = seam::Get().events.back();
     EXPECT_EQ(post.item.text, "");
     EXPECT_EQ(post.item.destId, 0xB20001);
@@ -212,42 +217,17 @@ TEST_F(IpcServer, EveryPostHasTheFixedHeader) {
 }
 
 TEST_F(IpcServer, AHeightOfMinusTwelveIsThreeCharactersWithoutAZero) {
-    PostDecimal(&*client, IPC_ENDPOINT_HOST_LAYOUT, IPC_MSG_CONTENT_HEIGHT, -12);
+    Post(&*client, channel::from_page::IPC_MSG_CONTENT_HEIGHT, channel::Decimal(-12));
     EXPECT_EQ(seam::Get().events.back().payload, "-12");
     EXPECT_EQ(seam::Get().events.back().item.dataLen, 3);
 }
 
 TEST_F(IpcServer, WithoutAClientNothingIsPosted) {
     seam::Get().events.clear();
-    EXPECT_FALSE(PostEmpty(nullptr, 1, 2));
-    EXPECT_FALSE(PostDeviceKey(nullptr, 1, 2, "k"));
-    EXPECT_FALSE(PostDecimal(nullptr, 1, 2, 3));
+    EXPECT_FALSE(Post(nullptr, channel::from_page::IPC_MSG_ALL_UPDATE_DATA, {}));
+    EXPECT_FALSE(Post(nullptr, channel::from_page::IPC_MSG_DOWNLOAD_START, {"k"}));
+    EXPECT_FALSE(Post(nullptr, channel::from_page::IPC_MSG_CONTENT_HEIGHT, channel::Decimal(3)));
     EXPECT_TRUE(seam::Get().events.empty());
-}
-
-TEST_F(IpcServer, TheChannelHasItsConstants) {
-    EXPECT_STREQ(IPC_PIPE_ASSISTANT, L"\\\\.\\Pipe\\iKorvelAssistant");
-    EXPECT_STREQ(IPC_PIPE_BASIC_SERVICE, L"\\\\.\\Pipe\\iKorvelBasicService");
-    EXPECT_STREQ(IPC_PIPE_DIAGNOSTICS, L"\\\\.\\Pipe\\iVantorService");
-    EXPECT_STREQ(IPC_BODY_KEY, L"body");
-    EXPECT_THAT(IPC_MODULE_NAMES,
-                ElementsAre(testing::StrEq("orrin"), testing::StrEq("orrinNet"), testing::StrEq("deskwarden"),
-                            testing::StrEq("postrell"), testing::StrEq("keelService"), testing::StrEq("brindle")));
-    EXPECT_EQ(IPC_ENDPOINT_PLUGIN, 2555904);
-    EXPECT_EQ(IPC_ENDPOINT_UPDATE_SERVICE, 11665409);
-    EXPECT_EQ(IPC_ENDPOINT_HOST_PLUGIN, 0xB20018);
-    EXPECT_EQ(IPC_ENDPOINT_HOST_LAYOUT, 1769472);
-    EXPECT_EQ(IPC_ENDPOINT_HOST_STATUS, 131072);
-    EXPECT_EQ(IPC_MSG_DOWNLOAD_START, 0xB20022);
-    EXPECT_EQ(IPC_MSG_DOWNLOAD_PROCESS, 11665443);
-    EXPECT_EQ(IPC_MSG_PKG_FINISH, 11665444);
-    EXPECT_EQ(IPC_MSG_DOWNLOAD_PAUSE, 0xB20025);
-    EXPECT_EQ(IPC_MSG_PKG_FAIL, 11665446);
-    EXPECT_EQ(IPC_MSG_ALL_UPDATE_DATA, 11665447);
-    EXPECT_EQ(IPC_MSG_PLUGIN_UPDATE, 0xB20033);
-    EXPECT_EQ(IPC_MSG_PLUGIN_UPDATE_FINISH, 0xB20034);
-    EXPECT_EQ(IPC_MSG_CONTENT_HEIGHT, 3801190);
-    EXPECT_EQ(IPC_MSG_NO_UPDATES_LEFT, 141085);
 }
 
 }  // namespace

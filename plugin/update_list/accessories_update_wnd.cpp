@@ -1,11 +1,9 @@
 #include "update_list/accessories_update_wnd.h"
 
-#include <functional>
 #include <new>
 #include <type_traits>
 
 #include "duilib/dialog_builder.h"
-#include "ipc/channel.h"
 #include "ipc/field_order.h"
 #include "support/log_line.h"
 
@@ -87,24 +85,12 @@ void AccessoriesUpdateWnd::ResigterAccessMessageCallBacks() {
         LogLine(kLogEvent) << "InitIpcCallBack new ipcReciever failed, ipcReciever is nullptr.";
         return;
     }
-    AddReceiver(IPC_MSG_ALL_UPDATE_DATA, &AccessoriesUpdateWnd::RecAllUpdateData);
-    AddReceiver(IPC_MSG_DOWNLOAD_PROCESS, &AccessoriesUpdateWnd::RecPkgDownloadProcess);
-    using std::placeholders::_1;
-    m_objIPCClientPtr->RegisterMessageCallback(IPC_MSG_PKG_FINISH,
-                                               std::bind(&AccessoriesUpdateWnd::RecPkgFinish, this, _1));
-    m_objIPCClientPtr->RegisterMessageCallback(IPC_MSG_PKG_FAIL,
-                                               std::bind(&AccessoriesUpdateWnd::RecPkgFail, this, _1));
-}
-
-template <class Arg>
-void AccessoriesUpdateWnd::AddReceiver(std::int32_t msgId, void (AccessoriesUpdateWnd::*handler)(Arg)) {
-    auto* const proc = new (std::nothrow) IPCServerProc<AccessoriesUpdateWnd, Arg>(msgId, this, handler);
-    if (m_ipcReciever->Register(proc) < 0) delete proc;
+    RegisterReceivers();
 }
 
 void AccessoriesUpdateWnd::SendInitFinshed() {
     if (m_objIPCClientPtr == nullptr) return;
-    const bool sent = PostEmpty(m_objIPCClientPtr, IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_ALL_UPDATE_DATA);
+    const bool sent = Post(m_objIPCClientPtr, channel::from_page::IPC_MSG_ALL_UPDATE_DATA, {});
     // The text speaks of a package although the message says that the page is ready: kept as it is.
     LogLine(kLogEvent) << "Send DownloadPkg Finished, ret = " << sent;
 }

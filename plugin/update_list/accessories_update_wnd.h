@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "channel/messages.h"
 #include "duilib/container.h"
 #include "duilib/control.h"
 #include "duilib/notify_pump.h"
@@ -13,7 +14,6 @@
 #include "firmware_item/accessories_firware_wnd.h"
 #include "ipc/ipc_post.h"
 #include "ipc/ipc_server.h"
-#include "ipc/records.h"
 
 namespace DuiLib {
 
@@ -65,8 +65,9 @@ private:
     void RefreshRows();
     void PostContentHeight(int height);
     AccessoriesFirwareWnd* FindRow(const std::string& deviceKey) const;
-    template <class Arg>
-    void AddReceiver(std::int32_t msgId, void (AccessoriesUpdateWnd::*handler)(Arg));
+    void RegisterReceivers();
+    template <class Payload>
+    void AddReceiver(const channel::ToPage<Payload>& message, void (AccessoriesUpdateWnd::*handler)(Payload&));
 
     CControlUI* m_root = nullptr;
     CPaintManagerUI* m_paintManager = nullptr;

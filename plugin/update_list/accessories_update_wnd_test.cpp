@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "ipc/channel.h"
+#include "channel/messages.h"
 #include "nothrow_failure.h"
 #include "page_window_fixture.h"
 #include "vtable_slot.h"
@@ -136,8 +136,8 @@ TEST_F(UpdateWindow, ASecondWiringReplacesTheRegistryAndDropsTheClient) {
     EXPECT_EQ(Count(seam::Kind::kUnregister), 2u) << "the earlier registry's receivers";
     EXPECT_EQ(Count(seam::Kind::kClientDestroyed), 0u);
     EXPECT_THAT(Registered(), ElementsAre(11665447, 11665443, 11665444, 11665446));
-    EXPECT_EQ(seam::Get().callbacks[IPC_MSG_ALL_UPDATE_DATA].size(), 1u);
-    EXPECT_EQ(seam::Get().callbacks[IPC_MSG_DOWNLOAD_PROCESS].size(), 1u);
+    EXPECT_EQ(seam::Get().callbacks[channel::to_page::IPC_MSG_ALL_UPDATE_DATA.id].size(), 1u);
+    EXPECT_EQ(seam::Get().callbacks[channel::to_page::IPC_MSG_DOWNLOAD_PROCESS.id].size(), 1u);
 }
 
 TEST_F(UpdateWindow, BothWindowsHaveTheirOperationsInTheOrderOfTheirSlots) {

@@ -2,7 +2,6 @@
 #include <new>
 
 #include "duilib/resource_manager.h"
-#include "ipc/channel.h"
 #include "kernel/sleep.h"
 #include "support/log_line.h"
 #include "support/text.h"
@@ -120,12 +119,12 @@ void AccessoriesUpdateWnd::OnRowHeightChanged(int height, bool grow, bool /*extr
 void AccessoriesUpdateWnd::OnRowFinished() {
     if (m_objIPCClientPtr == nullptr) return;
     if (--m_firmwareNum > 0) return;
-    PostDecimal(m_objIPCClientPtr, IPC_ENDPOINT_HOST_STATUS, IPC_MSG_NO_UPDATES_LEFT, 0);
+    Post(m_objIPCClientPtr, channel::from_page::IPC_MSG_NO_UPDATES_LEFT, channel::Decimal(0));
     PostContentHeight(0);
 }
 
 void AccessoriesUpdateWnd::PostContentHeight(int height) {
-    PostDecimal(m_objIPCClientPtr, IPC_ENDPOINT_HOST_LAYOUT, IPC_MSG_CONTENT_HEIGHT, height);
+    Post(m_objIPCClientPtr, channel::from_page::IPC_MSG_CONTENT_HEIGHT, channel::Decimal(height));
 }
 
 }  // namespace DuiLib

@@ -1,4 +1,8 @@
-// Progress, end and failure messages on their way to the row of the device.
+// What the page is sent: its receivers, and progress, end and failure messages on their way to the row of the device.
+#include <functional>
+#include <new>
+
+#include "channel/messages.h"
 #include "support/log_line.h"
 #include "update_list/accessories_update_wnd.h"
 
@@ -10,6 +14,24 @@ namespace {
 std::string PayloadText(const TagIPCMessageItem& item) { return item.data == nullptr ? "" : item.data; }
 
 }  // namespace
+
+void AccessoriesUpdateWnd::RegisterReceivers() {
+    namespace to_page = channel::to_page;
+    AddReceiver(to_page::IPC_MSG_ALL_UPDATE_DATA, &AccessoriesUpdateWnd::RecAllUpdateData);
+    AddReceiver(to_page::IPC_MSG_DOWNLOAD_PROCESS, &AccessoriesUpdateWnd::RecPkgDownloadProcess);
+    using std::placeholders::_1;
+    m_objIPCClientPtr->RegisterMessageCallback(to_page::IPC_MSG_PKG_FINISH.id,
+                                               std::bind(&AccessoriesUpdateWnd::RecPkgFinish, this, _1));
+    m_objIPCClientPtr->RegisterMessageCallback(to_page::IPC_MSG_PKG_FAIL.id,
+                                               std::bind(&AccessoriesUpdateWnd::RecPkgFail, this, _1));
+}
+
+template <class Payload>
+void AccessoriesUpdateWnd::AddReceiver(const channel::ToPage<Payload>& message,
+                                       void (AccessoriesUpdateWnd::*handler)(Payload&)) {
+    auto* const proc = new (std::nothrow) IPCServerProc<AccessoriesUpdateWnd, Payload&>(message.id, this, handler);
+    if (m_ipcReciever->Register(proc) < 0) delete proc;
+}
 
 AccessoriesFirwareWnd* AccessoriesUpdateWnd::FindRow(const std::string& deviceKey) const {
     const auto found = m_rows.find(deviceKey);

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "ansi_page.h"
-#include "ipc/channel.h"
+#include "channel/messages.h"
 #include "page_window_fixture.h"
 
 namespace {
@@ -125,15 +125,15 @@ TEST_F(MessageRouting, AKeyOfAnyAnsiPageNamesTheControlsAndReachesItsRow) {
 
 TEST_F(MessageRouting, ARawPayloadEndsAtItsFirstZero) {
     DeliverList({Accessory("X1")});
-    seam::Get().Deliver(IPC_MSG_PKG_FAIL, std::string("X1\0rest", 7));
+    seam::Get().Deliver(channel::to_page::IPC_MSG_PKG_FAIL.id, std::string("X1\0rest", 7));
     EXPECT_EQ(Text(L"X1progress"), L"Try again");
 }
 
 TEST_F(MessageRouting, ARawMessageWithoutPayloadIsTheEmptyKey) {
     DeliverList({Accessory(""), Accessory("X1")});
-    seam::Get().Deliver(IPC_MSG_PKG_FAIL, "");
+    seam::Get().Deliver(channel::to_page::IPC_MSG_PKG_FAIL.id, "");
     EXPECT_EQ(Text(L"progress"), L"Try again") << "the controls of the empty key have their plain names";
-    seam::Get().Deliver(IPC_MSG_PKG_FINISH, "");
+    seam::Get().Deliver(channel::to_page::IPC_MSG_PKG_FINISH.id, "");
     EXPECT_FALSE(Shown(L"_0"));
 }
 
@@ -148,7 +148,7 @@ TEST_F(MessageRouting, WithoutAPaintManagerTheEndDoesNothing) {
 TEST_F(MessageRouting, AnAbsurdListLeavesTheCallbackAsAnException) {
     using namespace std::string_literals;
     Forget();
-    EXPECT_ANY_THROW(seam::Get().Deliver(IPC_MSG_ALL_UPDATE_DATA, "\x01\0\0\0\xFF\xFF\xFF\xFF"s));
+    EXPECT_ANY_THROW(seam::Get().Deliver(channel::to_page::IPC_MSG_ALL_UPDATE_DATA.id, "\x01\0\0\0\xFF\xFF\xFF\xFF"s));
     EXPECT_TRUE(seam::Get().events.empty());
 }
 

@@ -1,6 +1,7 @@
 // A decode vector: payload bytes, the record they make, and where the reader stands afterwards.
-#include "ipc/record_codec.h"
-#include "ipc/utf16_units.h"
+#include "channel/record_codec.h"
+#include "channel/utf16_units.h"
+#include "ipc/ipc_data_io.h"
 #include "scenario.h"
 
 namespace {

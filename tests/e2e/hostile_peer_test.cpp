@@ -2,8 +2,8 @@
 
 #include <random>
 
+#include "channel/messages.h"
 #include "frame.h"
-#include "ipc/channel.h"
 #include "page_e2e_test.h"
 #include "test_support.h"
 
@@ -66,7 +66,7 @@ TEST_F(HostileFramesTest, AFrameCutShortByItsSendersEndIsNoMessage) {
     TagIPCMessageItem item;
     item.destId = IPC_ENDPOINT_UPDATE_SERVICE;
     item.sourceId = IPC_ENDPOINT_PLUGIN;
-    item.msgId = IPC_MSG_DOWNLOAD_START;
+    item.msgId = channel::from_page::IPC_MSG_DOWNLOAD_START.id;
     item.data = key.data();
     item.dataLen = static_cast<std::int32_t>(key.size() + 1);
     std::string frame;
@@ -92,24 +92,20 @@ TEST_F(HostileFramesTest, RandomStreamsEndInAClosedConnection) {
 
 // They are no offence against the protocol, so everybody gets them.
 TEST_F(HostileFramesTest, RandomPayloadsOfWholeMessagesHarmNeitherTheServiceNorThePage) {
-    const struct {
-        int destId, msgId;
-    } targets[] = {
-        {IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_ALL_UPDATE_DATA},
-        {IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_DOWNLOAD_START},
-        {IPC_ENDPOINT_UPDATE_SERVICE, IPC_MSG_DOWNLOAD_PAUSE},
-        {IPC_ENDPOINT_PLUGIN, IPC_MSG_ALL_UPDATE_DATA},
-        {IPC_ENDPOINT_PLUGIN, IPC_MSG_DOWNLOAD_PROCESS},
-        {IPC_ENDPOINT_PLUGIN, IPC_MSG_PKG_FINISH},
-        {IPC_ENDPOINT_PLUGIN, IPC_MSG_PKG_FAIL},
-    };
+    std::vector<channel::MessageInfo> targets;
+    std::copy_if(std::begin(channel::kMessages), std::end(channel::kMessages), std::back_inserter(targets),
+                 [](const channel::MessageInfo& message) {
+                     return message.endpoint == IPC_ENDPOINT_UPDATE_SERVICE || message.endpoint == IPC_ENDPOINT_PLUGIN;
+                 });
+    ASSERT_EQ(targets.size(), 3u + 4u);
     RawPeer peer(PipeSocket());
     ASSERT_TRUE(peer.Write(Hello()));
     for (int round = 0; round < 300; ++round) {
         std::string payload = RandomBytes(m_random() % 60);
         TagIPCMessageItem item;
-        item.destId = targets[static_cast<std::size_t>(round) % std::size(targets)].destId;
-        item.msgId = targets[static_cast<std::size_t>(round) % std::size(targets)].msgId;
+        const channel::MessageInfo& target = targets[static_cast<std::size_t>(round) % targets.size()];
+        item.destId = target.endpoint;
+        item.msgId = target.id;
         item.data = payload.empty() ? nullptr : payload.data();
         item.dataLen = static_cast<std::int32_t>(payload.size());
         std::string frame;

@@ -1,6 +1,6 @@
 // Updates, and what goes wrong with them.
 
-#include "ipc/message_table.h"
+#include "channel/messages.h"
 #include "page_e2e_test.h"
 
 namespace e2e {
@@ -114,10 +114,10 @@ TEST_F(UpdatesTest, TheTraceNamesEveryMessageInItsDirection) {
                    "wait nothing-left"));
     host->End();
     const std::string transcript = host->Transcript();
-    for (const IpcMessageDescriptor& message : kIpcMessages) {
+    for (const channel::MessageInfo& message : channel::kMessages) {
         char line[128];
         std::snprintf(line, sizeof line, "-> 0x%X %s ", static_cast<unsigned>(message.endpoint), message.name);
-        const bool sent = message.direction == IpcDirection::kSent;
+        const bool sent = message.direction == channel::Direction::kFromPage;
         const std::string source = sent ? "post 0x270000 " : "got  0xB20001 ";
         EXPECT_THAT(transcript, HasSubstr(source + line)) << transcript;
     }

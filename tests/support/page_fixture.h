@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "channel/records.h"
 #include "fixed_cell_measurer.h"
 #include "host_page.h"
-#include "ipc/records.h"
 #include "minimal_layouts.h"
 #include "seam.h"
 #include "service_messages.h"

@@ -10,12 +10,11 @@
 #include <mutex>
 #include <thread>
 
+#include "channel_client.h"
 #include "duilib/render_engine.h"
 #include "fixed_cell_measurer.h"
 #include "held_sleep.h"
 #include "host_page.h"
-#include "ipc/channel.h"
-#include "ipc/record_codec.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_log.h"
 #include "ipc_client/ipc_message_client.h"
@@ -28,6 +27,8 @@
 
 namespace {
 
+namespace from_page = channel::from_page;
+namespace to_page = channel::to_page;
 using testing::Contains;
 using testing::ElementsAre;
 
@@ -101,33 +102,20 @@ protected:
         DuiLib::CRenderEngine::SetTextMeasurer(nullptr);
     }
 
-    void Post(std::int32_t msgId, std::string payload) {
-        TagIPCMessageItem item;
-        item.destId = IPC_ENDPOINT_PLUGIN;
-        item.sourceId = IPC_ENDPOINT_UPDATE_SERVICE;
-        item.msgId = msgId;
-        item.dataLen = static_cast<std::int32_t>(payload.size());
-        item.data = payload.data();
-        EXPECT_TRUE(m_service.client.PostIPCMessage(item));
-    }
-    template <class Record>
-    void PostRecord(std::int32_t msgId, const Record& record) {
-        TagIPCMessageItem item;
-        IPCDataIO writer(&item, 64, false, false);
-        WriteRecord(writer, record);
-        Post(msgId, {item.data, writer.Position()});
+    template <class Payload>
+    void Post(const channel::ToPage<Payload>& message, const std::type_identity_t<Payload>& payload) {
+        EXPECT_EQ(channel_client::Post(m_service.client, IPC_ENDPOINT_UPDATE_SERVICE, message, payload),
+                  channel_client::PostResult::kPosted);
     }
     void PostList(std::initializer_list<const char*> keys) {
         m_service.WaitFor("B20027");
-        std::vector<AccessoryVersionDataInfo> list(keys.size());
+        channel::AccessoryList list(keys.size());
         std::size_t row = 0;
         for (const char* const key : keys) list[row++].deviceKey = key;
-        PostRecord(IPC_MSG_ALL_UPDATE_DATA, list);
+        Post(to_page::IPC_MSG_ALL_UPDATE_DATA, list);
     }
-    void PostProgress(const std::string& key, int percent) {
-        PostRecord(IPC_MSG_DOWNLOAD_PROCESS, PkgDownloadProcess{key, percent});
-    }
-    void PostFinish(const std::string& key) { Post(IPC_MSG_PKG_FINISH, key + '\0'); }
+    void PostProgress(const std::string& key, int percent) { Post(to_page::IPC_MSG_DOWNLOAD_PROCESS, {key, percent}); }
+    void PostFinish(const std::string& key) { Post(to_page::IPC_MSG_PKG_FINISH, {key}); }
 
     void Click(std::wstring_view control) {
         const kernel::UiTurn turn;
@@ -160,11 +148,12 @@ protected:
             if (event == IpcTraceEvent::kDelivered && item.destId == IPC_ENDPOINT_PLUGIN) ++delivered;
         });
         Listener bystander(IPC_ENDPOINT_PLUGIN,
-                           {IPC_MSG_ALL_UPDATE_DATA, IPC_MSG_DOWNLOAD_PROCESS, IPC_MSG_PKG_FINISH, IPC_MSG_PKG_FAIL});
-        PostRecord(IPC_MSG_ALL_UPDATE_DATA, std::vector<AccessoryVersionDataInfo>{});
+                           {to_page::IPC_MSG_ALL_UPDATE_DATA.id, to_page::IPC_MSG_DOWNLOAD_PROCESS.id,
+                            to_page::IPC_MSG_PKG_FINISH.id, to_page::IPC_MSG_PKG_FAIL.id});
+        Post(to_page::IPC_MSG_ALL_UPDATE_DATA, {});
         PostProgress("X1", 50);
         PostFinish("X1");
-        Post(IPC_MSG_PKG_FAIL, std::string("X1\0", 3));
+        Post(to_page::IPC_MSG_PKG_FAIL, {"X1"});
         // The bystander also gets what was under way when the page was left, and nobody gets anything else.
         EXPECT_EQ(delivered, static_cast<int>(bystander.WaitFor("B20026 X1").size()));
         SetIpcTrace(nullptr);
@@ -175,9 +164,11 @@ protected:
     FixedCellMeasurer m_measurer{{8, 20}};
     IPCBroker m_broker{IPC_PIPE_ASSISTANT};
     Listener m_service{IPC_ENDPOINT_UPDATE_SERVICE,
-                       {IPC_MSG_ALL_UPDATE_DATA, IPC_MSG_DOWNLOAD_START, IPC_MSG_DOWNLOAD_PAUSE}};
-    Listener m_hostLayout{IPC_ENDPOINT_HOST_LAYOUT, {IPC_MSG_CONTENT_HEIGHT}};
-    Listener m_hostPlugin{IPC_ENDPOINT_HOST_PLUGIN, {IPC_MSG_PLUGIN_UPDATE, IPC_MSG_PLUGIN_UPDATE_FINISH}};
+                       {from_page::IPC_MSG_ALL_UPDATE_DATA.id, from_page::IPC_MSG_DOWNLOAD_START.id,
+                        from_page::IPC_MSG_DOWNLOAD_PAUSE.id}};
+    Listener m_hostLayout{IPC_ENDPOINT_HOST_LAYOUT, {from_page::IPC_MSG_CONTENT_HEIGHT.id}};
+    Listener m_hostPlugin{IPC_ENDPOINT_HOST_PLUGIN,
+                          {from_page::IPC_MSG_PLUGIN_UPDATE.id, from_page::IPC_MSG_PLUGIN_UPDATE_FINISH.id}};
     HostPage m_page;
     PageModule m_module{PageModule::DefaultPath()};
 };

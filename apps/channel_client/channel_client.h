@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <type_traits>
+
+#include "channel/messages.h"
+#include "ipc_client/ipc_message_client.h"
+
+// Posting and receiving the accessory channel's messages through a client of the message pipe, for programs.
+namespace channel_client {
+
+enum class PostResult {
+    kPosted,
+    kRefused,          // by the client: IPCMessageClient::PostIPCMessage says why
+    kMemoryExhausted,  // nothing was posted
+};
+
+// Posts one message from `sourceEndpoint`. Any thread; never waits for the other side.
+//
+//     Post(client, IPC_ENDPOINT_UPDATE_SERVICE, channel::to_page::IPC_MSG_PKG_FINISH, {"pen"});
+template <channel::Direction direction, class Payload>
+PostResult Post(IPCMessageClient& client, std::int32_t sourceEndpoint,
+                const channel::Message<direction, Payload>& message, const std::type_identity_t<Payload>& payload) {
+    const std::optional<channel::Bytes> bytes = channel::Encode(payload);
+    if (!bytes) return PostResult::kMemoryExhausted;
+    TagIPCMessageItem item;
+    item.destId = message.endpoint;
+    item.sourceId = sourceEndpoint;
+    item.msgId = message.id;
+    item.data = bytes->Data();
+    item.dataLen = bytes->Size();
+    return client.PostIPCMessage(item) ? PostResult::kPosted : PostResult::kRefused;
+}
+
+// The bytes of a message that was received.
+inline std::string_view PayloadBytes(const TagIPCMessageItem& item) {
+    if (item.data == nullptr || item.dataLen <= 0) return {};
+    return {item.data, static_cast<std::size_t>(item.dataLen)};
+}
+
+// Calls `handler` with the payload of each such message that comes to the client's endpoint, on the client's delivery
+// thread, until its callback is unregistered.
+template <channel::Direction direction, class Payload>
+void Listen(IPCMessageClient& client, const channel::Message<direction, Payload>& message,
+            std::type_identity_t<std::function<void(const Payload&)>> handler) {
+    client.RegisterMessageCallback(message.id, [handler = std::move(handler)](TagIPCMessageItem& item) {
+        handler(channel::Decode<Payload>(PayloadBytes(item)));
+    });
+}
+
+}  // namespace channel_client
