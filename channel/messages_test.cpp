@@ -1,4 +1,4 @@
-// The message table, against itself and against the document that strangers write peers by.
+// The messages, against themselves and against the document that strangers write peers by.
 #include "channel/messages.h"
 
 #include <gmock/gmock.h>

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "channel/messages.h"
 #include "kernel/ui_turn.h"
 #include "nothrow_failure.h"
 #include "page_fixture.h"
