@@ -16,11 +16,6 @@
 
 namespace DuiLib {
 
-inline bool operator==(const CDuiRect& a, const CDuiRect& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-inline bool operator==(const CDuiSize& a, const CDuiSize& b) { return a.cx == b.cx && a.cy == b.cy; }
-
 inline std::ostream& operator<<(std::ostream& out, const CDuiRect& rect) {
     return out << rect.left << ',' << rect.top << ',' << rect.right << ',' << rect.bottom;
 }

@@ -8,6 +8,8 @@
 
 namespace DuiLib {
 
+enum class Alignment : std::uint8_t;
+
 // A control that owns others and lays them one over the other, each in its own rectangle or over the whole. A container
 // without a fixed size is as large as its content. A child's "pos" places it freely: where right lies beyond left, or
 // bottom beyond top, it is the place in that direction; an extent of 0 or less leaves that dimension, offset and size,
@@ -48,12 +50,11 @@ private:
     friend struct AttributeAccess;
     void Forget(CControlUI* child);
 
-    enum class Align : std::uint8_t { kStart, kCenter, kEnd };
     std::vector<CControlUI*> m_items;
     CDuiRect m_inset;        // [design px]
     int m_childPadding = 0;  // [design px]
-    Align m_childAlign = Align::kStart;
-    Align m_childVAlign = Align::kStart;
+    Alignment m_childAlign{};
+    Alignment m_childVAlign{};
 };
 
 // Children from top to bottom: each has its fixed height, or the height of its content; children without either share

@@ -19,6 +19,7 @@ class CPaintManagerUI;
 class TreeWindow;
 struct AttributeList;
 struct ControlExtras;
+struct ControlLook;
 
 enum class LayoutAxis : std::uint8_t { kHorizontal, kVertical };
 enum class ScrollStep : std::uint8_t { kNotch, kLine, kPage, kWhole };  // of the wheel, ..., from end to end
@@ -160,6 +161,7 @@ private:
     // ---- The tree
     void AttachTree(TreeWindow& window);
     ControlExtras& Extras();
+    const ControlLook& Look() const;                                // as attributes say
     const SharedText* FindAttribute(const SharedText& name) const;  // null when it was never given
 
     CContainerUI* m_parent = nullptr;

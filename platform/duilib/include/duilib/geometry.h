@@ -13,6 +13,8 @@ struct CDuiPoint {
 struct CDuiSize {
     int cx = 0;
     int cy = 0;
+
+    friend bool operator==(const CDuiSize&, const CDuiSize&) = default;
 };
 
 // `right` and `bottom` lie just outside.
@@ -22,6 +24,7 @@ struct CDuiRect {
     int right = 0;
     int bottom = 0;
 
+    friend bool operator==(const CDuiRect&, const CDuiRect&) = default;
     int Width() const { return right - left; }
     int Height() const { return bottom - top; }
     bool Contains(CDuiPoint p) const { return p.x >= left && p.x < right && p.y >= top && p.y < bottom; }

@@ -24,7 +24,7 @@ std::optional<PictureReference> ParsePicture(std::wstring_view text) {
     if (!text.starts_with(kHead) || !text.ends_with(L'\'')) return {};
     text.remove_prefix(kHead.size());
     if (text.size() < 2 || text.find(L"' ") != text.npos) return {};  // something else follows the file
-    picture.file = text.substr(0, text.size() - 1);
+    picture.file = SharedText(text.substr(0, text.size() - 1));
     return picture;
 }
 

@@ -5,12 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "duilib/shared_text.h"
+
 namespace DuiLib {
 
 // What a picture attribute names: "file='drawable/x.png' reverse='true'".
 struct PictureReference {
-    std::wstring file;     // relative to the skin folder
+    SharedText file;       // relative to the skin folder
     bool reverse = false;  // mirrored in right-to-left languages
+    friend bool operator==(const PictureReference&, const PictureReference&) = default;
 };
 
 // Nothing when the text is not of that form. The empty text is a reference to no file, and draws nothing.

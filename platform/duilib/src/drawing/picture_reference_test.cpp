@@ -13,7 +13,7 @@ namespace {
 TEST(PictureReference, FileAndReverseAreRead) {
     const auto picture = ParsePicture(L"file='drawable/x.png' reverse='true'");
     ASSERT_TRUE(picture);
-    EXPECT_EQ(picture->file, L"drawable/x.png");
+    EXPECT_EQ(picture->file.Get(), L"drawable/x.png");
     EXPECT_TRUE(picture->reverse);
 }
 
@@ -21,14 +21,16 @@ TEST(PictureReference, WithoutReverseAPictureIsNotMirrored) {
     for (const wchar_t* text : {L"file='x.png'", L"file='x.png' reverse='false'"}) {
         const auto picture = ParsePicture(text);
         ASSERT_TRUE(picture);
-        EXPECT_EQ(picture->file, L"x.png");
+        EXPECT_EQ(picture->file.Get(), L"x.png");
         EXPECT_FALSE(picture->reverse);
     }
 }
 
-TEST(PictureReference, AFileNameMayHoldAnApostrophe) { EXPECT_EQ(ParsePicture(L"file='it's.png'")->file, L"it's.png"); }
+TEST(PictureReference, AFileNameMayHoldAnApostrophe) {
+    EXPECT_EQ(ParsePicture(L"file='it's.png'")->file.Get(), L"it's.png");
+}
 
-TEST(PictureReference, TheEmptyTextNamesNoPicture) { EXPECT_TRUE(ParsePicture(L"")->file.empty()); }
+TEST(PictureReference, TheEmptyTextNamesNoPicture) { EXPECT_TRUE(ParsePicture(L"")->file.IsEmpty()); }
 
 TEST(PictureReference, OtherFormsCannotBeRead) {
     for (const wchar_t* text : {L"x.png", L"file=''", L"file='x.png", L"file='x.png' turn='true'", L"image='x.png'"}) {

@@ -33,6 +33,13 @@ int HexDigit(wchar_t c) {
     return -1;
 }
 
+std::optional<Alignment> ParseAlignment(std::wstring_view text, std::wstring_view start, std::wstring_view end) {
+    if (text == start) return Alignment::kStart;
+    if (text == L"center") return Alignment::kCenter;
+    if (text == end) return Alignment::kEnd;
+    return {};
+}
+
 }  // namespace
 
 std::optional<int> ParseInt(std::wstring_view text) {
@@ -77,5 +84,8 @@ std::optional<CDuiColor> ParseColor(std::wstring_view text) {
     }
     return color;
 }
+
+std::optional<Alignment> ParseAlignX(std::wstring_view text) { return ParseAlignment(text, L"left", L"right"); }
+std::optional<Alignment> ParseAlignY(std::wstring_view text) { return ParseAlignment(text, L"top", L"bottom"); }
 
 }  // namespace DuiLib

@@ -32,7 +32,7 @@ private:
             ApplyShared(*control, element);
         } else {
             for (const AttributeList::Attribute& attribute : element.given.attributes) {
-                control->SetAttribute(attribute.name.Get(), attribute.value.Get());
+                control->SetAttribute(attribute.name.Get(), attribute.text.Get());
             }
         }
         AddChildren(*control, element);
@@ -44,8 +44,7 @@ private:
         control.m_given = std::shared_ptr<const AttributeList>(m_file, &element.given);
         for (std::size_t i = 0; i < element.places.size(); ++i) {
             const AttributeList::Attribute& attribute = element.given.attributes[i];
-            const bool applied = attribute.rule && attribute.rule->apply(control, attribute.value.Get());
-            if (!applied && !std::exchange(element.places[i].reported, true)) {
+            if (!attribute.ApplyTo(control) && !std::exchange(element.places[i].reported, true)) {
                 Warn(element, attribute, element.places[i].line);
             }
         }
@@ -54,7 +53,7 @@ private:
     void Warn(const MarkupElement& element, const AttributeList::Attribute& attribute, int line) const {
         const std::string name = ToUtf8(attribute.name.Get());
         const std::string reason =
-            attribute.rule ? "<" + element.name + "> cannot have " + name + "=\"" + ToUtf8(attribute.value.Get()) + "\""
+            attribute.rule ? "<" + element.name + "> cannot have " + name + "=\"" + ToUtf8(attribute.text.Get()) + "\""
                            : "unknown attribute \"" + name + "\"";
         Report(At(line) + "warning: " + reason);
     }

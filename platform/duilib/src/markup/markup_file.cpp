@@ -48,9 +48,7 @@ void RequireElement(const XmlSource& source, const pugi::xml_node& node) {
 MarkupElement ReadElement(const XmlSource& source, const pugi::xml_node& node) {
     MarkupElement element{node.name(), FindMaker(node.name()), source.LineOf(node), {}, {}, {}};
     for (const pugi::xml_attribute& attribute : node.attributes()) {
-        const std::wstring name = FromUtf8(attribute.name());
-        element.given.attributes.push_back(
-            {SharedText(name), SharedText(FromUtf8(attribute.value())), FindAttributeRule(name)});
+        element.given.Add(FromUtf8(attribute.name()), FromUtf8(attribute.value()));
         element.places.push_back({source.LineOf(attribute)});
     }
     for (const pugi::xml_node& child : node.children()) {

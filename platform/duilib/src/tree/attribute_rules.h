@@ -1,30 +1,49 @@
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "duilib/shared_text.h"
+#include "foundation/attribute_values.h"
+#include "tree/control_look.h"
 
 namespace DuiLib {
 
+// What the text of an attribute says, read once; nothing where the text is not of the attribute's form.
+using AttributeValue =
+    std::variant<std::monostate, SharedText, bool, int, CDuiColor, CDuiSize, CDuiRect, Alignment, PictureReference>;
+
 class CControlUI;
 
-// What an attribute does to a control. The one table of all attributes is in control_attributes.cpp.
+// How an attribute is read, and where its value goes. The one table of all attributes is in control_attributes.cpp.
 struct AttributeRule {
     std::wstring_view name;
-    // False, and nothing changed, when the value cannot be read or the control's class has no such property.
-    bool (*apply)(CControlUI& control, std::wstring_view value);
+    AttributeValue (*read)(const SharedText& text);
+    // One of two, the other is null. Those that bear on more than painting change the control, which then knows whether
+    // it is to be laid out or painted again; false, and nothing changed, when it has no such property.
+    bool (*apply)(CControlUI& control, const AttributeValue& value);
+    // Those that only painting reads are a part of the look, also when the text cannot be read.
+    void (*paint)(ControlLook& look, const AttributeValue& value);
 };
 
 // The attributes of one element of a layout file, for all controls that are built from it.
 struct AttributeList {
     struct Attribute {
         SharedText name;
-        SharedText value;
+        SharedText text;
         const AttributeRule* rule;  // null when the toolkit does not know the attribute
+        AttributeValue value;
+
+        // To a control that was built from the element. False when that has no effect, which is worth a warning.
+        bool ApplyTo(CControlUI& control) const;
     };
     std::vector<Attribute> attributes;
+    std::shared_ptr<const ControlLook> look;  // null when nothing is said of it
+
+    void Add(std::wstring_view name, std::wstring_view text);
 };
 
 // All of them, by name.

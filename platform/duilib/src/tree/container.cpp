@@ -5,6 +5,7 @@
 
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
+#include "foundation/attribute_values.h"
 #include "foundation/geometry_math.h"
 
 namespace DuiLib {
@@ -95,11 +96,11 @@ int Offset(bool center, bool end, int space) {
 }  // namespace
 
 int CContainerUI::AlignX(int space) const {
-    return Offset(m_childAlign == Align::kCenter, m_childAlign == Align::kEnd, space);
+    return Offset(m_childAlign == Alignment::kCenter, m_childAlign == Alignment::kEnd, space);
 }
 
 int CContainerUI::AlignY(int space) const {
-    return Offset(m_childVAlign == Align::kCenter, m_childVAlign == Align::kEnd, space);
+    return Offset(m_childVAlign == Alignment::kCenter, m_childVAlign == Alignment::kEnd, space);
 }
 
 void CContainerUI::PlaceOver(CControlUI& child, const CDuiRect& inner) {

@@ -1,12 +1,11 @@
 #include <algorithm>
 #include <array>
+#include <functional>
 
-#include "drawing/picture_reference.h"
 #include "duilib/container.h"
 #include "duilib/control.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
-#include "foundation/attribute_values.h"
 #include "tree/attribute_rules.h"
 #include "tree/control_extras.h"
 
@@ -15,170 +14,148 @@ namespace DuiLib {
 namespace {
 
 // The text itself, or what a bind text stands for in the language in use.
-CDuiString Resolve(std::wstring_view text) {
-    if (!text.starts_with(L"bind='")) return CDuiString(text);
-    return UICulture::GetInstance()->GetBindString(text);
-}
-
-// Calls `set` with the value if there is one, and says whether there was.
-template <class Value, class Set>
-bool Use(const std::optional<Value>& value, Set set) {
-    if (value) set(*value);
-    return value.has_value();
+CDuiString Resolve(const SharedText& text) {
+    if (!text.Get().Str().starts_with(L"bind='")) return text.Get();
+    return UICulture::GetInstance()->GetBindString(text.Get());
 }
 
 }  // namespace
 
-// What attributes do. Those that only painting uses are checked here and read when it paints.
+// Where values go for which a control has no public setter of one parameter.
 struct AttributeAccess {
     using Control = CControlUI;
-    using Text = std::wstring_view;
-    using Align = CContainerUI::Align;
 
-    static bool Name(Control& c, Text v) { return c.SetName(v), true; }
-    static bool SetText(Control& c, Text v) { return c.SetText(Resolve(v)), true; }
-    static bool ToolTip(Control& c, Text v) { return c.SetToolTip(Resolve(v)), true; }
-    static bool VirtualWnd(Control& c, Text v) { return c.SetVirtualWnd(v), true; }
-    static bool Visible(Control& c, Text v) {
-        return Use(ParseBool(v), [&](bool visible) { c.SetVisible(visible); });
+    static void Name(Control& c, const SharedText& name) { c.SetName(name.Get()); }
+    static void Text(Control& c, const SharedText& text) { c.SetText(Resolve(text)); }
+    static void ToolTip(Control& c, const SharedText& text) { c.SetToolTip(Resolve(text)); }
+    static void VirtualWnd(Control& c, const SharedText& name) { c.SetVirtualWnd(name.Get()); }
+    static void Padding(Control& c, const CDuiRect& padding) {
+        c.m_padding = padding;
+        c.NeedLayoutAround();
     }
-    static bool Enabled(Control& c, Text v) {
-        return Use(ParseBool(v), [&](bool enabled) { c.SetEnabled(enabled); });
+    static void TextPadding(Control& c, const CDuiRect& padding) {
+        c.Extras().textPadding = padding;
+        if (c.IsSizedByText()) c.NeedLayout();
     }
-    static bool Width(Control& c, Text v) {
-        return Use(ParseInt(v), [&](int width) { c.SetFixedWidth(width); });
-    }
-    static bool Height(Control& c, Text v) {
-        return Use(ParseInt(v), [&](int height) { c.SetFixedHeight(height); });
-    }
-    static bool Font(Control& c, Text v) {
-        return Use(ParseInt(v), [&](int font) { c.SetFont(font); });
-    }
-    static bool TextColor(Control& c, Text v) {
-        return Use(ParseColor(v), [&](CDuiColor color) { c.SetTextColor(color); });
-    }
-    static bool Padding(Control& c, Text v) {
-        return Use(ParseRect(v), [&](const CDuiRect& padding) {
-            c.m_padding = padding;
-            c.NeedLayoutAround();
-        });
-    }
-    static bool TextPadding(Control& c, Text v) {
-        return Use(ParseRect(v), [&](const CDuiRect& padding) {
-            c.Extras().textPadding = padding;
-            if (c.IsSizedByText()) c.NeedLayout();
-        });
-    }
-    static bool Pos(Control& c, Text v) {
-        return Use(ParseRect(v), [&](const CDuiRect& pos) {
-            c.Extras().pos = pos;
-            c.NeedLayoutAround();
-        });
+    static void Pos(Control& c, const CDuiRect& pos) {
+        c.Extras().pos = pos;
+        c.NeedLayoutAround();
     }
 
     // ---- Text style
-    static bool Style(Control& c, unsigned mask, unsigned bits) {
-        c.SetTextStyle((c.GetTextStyle() & ~mask) | bits);
-        return true;
+    static void Style(Control& c, unsigned mask, unsigned bits) { c.SetTextStyle((c.GetTextStyle() & ~mask) | bits); }
+    static void Align(Control& c, Alignment align) {
+        const unsigned end = align == Alignment::kEnd ? kTextRight : kTextLeft;
+        Style(c, kTextCenter | kTextRight, align == Alignment::kCenter ? kTextCenter : end);
     }
-    static bool TextAlign(Control& c, Text v) {
-        constexpr unsigned kMask = kTextCenter | kTextRight;
-        if (v == L"left") return Style(c, kMask, kTextLeft);
-        if (v == L"center") return Style(c, kMask, kTextCenter);
-        if (v == L"right") return Style(c, kMask, kTextRight);
-        return false;
+    static void VAlign(Control& c, Alignment align) {
+        const unsigned end = align == Alignment::kEnd ? kTextBottom : 0;
+        Style(c, kTextVCenter | kTextBottom, align == Alignment::kCenter ? kTextVCenter : end);
     }
-    static bool TextVAlign(Control& c, Text v) {
-        constexpr unsigned kMask = kTextVCenter | kTextBottom;
-        if (v == L"top") return Style(c, kMask, 0);
-        if (v == L"center") return Style(c, kMask, kTextVCenter);
-        if (v == L"bottom") return Style(c, kMask, kTextBottom);
-        return false;
-    }
-    static bool EndEllipsis(Control& c, Text v) {
-        return Use(ParseBool(v), [&](bool on) { Style(c, kTextEndEllipsis, on ? kTextEndEllipsis : 0); });
-    }
+    static void EndEllipsis(Control& c, bool on) { Style(c, kTextEndEllipsis, on ? kTextEndEllipsis : 0); }
 
-    // ---- Containers
-    template <class Set>
-    static bool Container(Control& c, Set set) {
+    // ---- Containers; false for a control that is none
+    template <auto Member>
+    static bool SetInContainer(Control& c, const auto& value) {
         auto* const container = dynamic_cast<CContainerUI*>(&c);
-        if (!container || !set(*container)) return false;
+        if (!container) return false;
+        container->*Member = value;
         container->NeedLayout();
         return true;
     }
-    static bool Inset(Control& c, Text v) {
-        return Container(c, [&](CContainerUI& container) {
-            return Use(ParseRect(v), [&](const CDuiRect& inset) { container.m_inset = inset; });
-        });
-    }
-    static bool ChildPadding(Control& c, Text v) {
-        return Container(c, [&](CContainerUI& container) {
-            return Use(ParseInt(v), [&](int padding) { container.m_childPadding = padding; });
-        });
-    }
-    static std::optional<Align> ReadAlign(Text v, Text start, Text end) {
-        if (v == start) return Align::kStart;
-        if (v == L"center") return Align::kCenter;
-        if (v == end) return Align::kEnd;
-        return {};
-    }
-    static bool ChildAlign(Control& c, Text v) {
-        return Container(c, [&](CContainerUI& container) {
-            return Use(ReadAlign(v, L"left", L"right"), [&](Align align) { container.m_childAlign = align; });
-        });
-    }
-    static bool ChildVAlign(Control& c, Text v) {
-        return Container(c, [&](CContainerUI& container) {
-            return Use(ReadAlign(v, L"top", L"bottom"), [&](Align align) { container.m_childVAlign = align; });
-        });
-    }
-
-    // ---- Painting
-    static bool PaintColor(Control&, Text v) { return ParseColor(v).has_value(); }
-    static bool PaintInt(Control&, Text v) { return ParseInt(v).has_value(); }
-    static bool PaintSize(Control&, Text v) { return ParseSize(v).has_value(); }
-    static bool PaintImage(Control&, Text v) { return ParsePicture(v).has_value(); }
+    static bool Inset(Control& c, const CDuiRect& v) { return SetInContainer<&CContainerUI::m_inset>(c, v); }
+    static bool ChildPadding(Control& c, int v) { return SetInContainer<&CContainerUI::m_childPadding>(c, v); }
+    static bool ChildAlign(Control& c, Alignment v) { return SetInContainer<&CContainerUI::m_childAlign>(c, v); }
+    static bool ChildVAlign(Control& c, Alignment v) { return SetInContainer<&CContainerUI::m_childVAlign>(c, v); }
 };
 
+// ---- The table
+
 namespace {
+
+template <auto Parse>
+using ParsedBy = typename std::invoke_result_t<decltype(Parse), std::wstring_view>::value_type;
+
+template <auto Parse>
+AttributeValue Read(const SharedText& text) {
+    const auto value = Parse(text.Get());
+    return value ? AttributeValue(std::in_place_type<ParsedBy<Parse>>, *value) : AttributeValue();
+}
+
+AttributeValue ReadText(const SharedText& text) { return text; }
+
+template <class Value, auto Set>
+bool Apply(CControlUI& control, const AttributeValue& value) {
+    const Value* const read = std::get_if<Value>(&value);
+    if (!read) return false;
+    if constexpr (std::is_same_v<std::invoke_result_t<decltype(Set), CControlUI&, Value>, bool>) {
+        return std::invoke(Set, control, *read);
+    } else {
+        std::invoke(Set, control, *read);
+        return true;
+    }
+}
+
+template <class Value, auto Property>
+void Paint(ControlLook& look, const AttributeValue& value) {
+    const Value* const read = std::get_if<Value>(&value);
+    look.*Property = {read ? *read : Value{}, true, read != nullptr};
+}
+
+// What the control is, where, and how large: `Set` is a setter of the control, or one of AttributeAccess.
+template <auto Parse, auto Set>
+constexpr AttributeRule Sets(std::wstring_view name) {
+    return {name, Read<Parse>, Apply<ParsedBy<Parse>, Set>, nullptr};
+}
+
+// The same for any text.
+template <auto Set>
+constexpr AttributeRule SetsText(std::wstring_view name) {
+    return {name, ReadText, Apply<SharedText, Set>, nullptr};
+}
+
+// What painting only reads: a property of ControlLook.
+template <auto Parse, auto Property>
+constexpr AttributeRule Paints(std::wstring_view name) {
+    return {name, Read<Parse>, nullptr, Paint<ParsedBy<Parse>, Property>};
+}
 
 // Sorted by name.
 using A = AttributeAccess;
 constexpr std::array kRules = {
-    AttributeRule{L"align", A::TextAlign},
-    AttributeRule{L"bkcolor", A::PaintColor},
-    AttributeRule{L"bkimage", A::PaintImage},
-    AttributeRule{L"bkround", A::PaintSize},
-    AttributeRule{L"bordercolor", A::PaintColor},
-    AttributeRule{L"borderfillcolor", A::PaintColor},
-    AttributeRule{L"bordersize", A::PaintInt},
-    AttributeRule{L"childalign", A::ChildAlign},
-    AttributeRule{L"childpadding", A::ChildPadding},
-    AttributeRule{L"childvalign", A::ChildVAlign},
-    AttributeRule{L"disabledtextcolor", A::PaintColor},
-    AttributeRule{L"enabled", A::Enabled},
-    AttributeRule{L"endellipsis", A::EndEllipsis},
-    AttributeRule{L"font", A::Font},
-    AttributeRule{L"height", A::Height},
-    AttributeRule{L"hotbkcolor", A::PaintColor},
-    AttributeRule{L"hotimage", A::PaintImage},
-    AttributeRule{L"hottextcolor", A::PaintColor},
-    AttributeRule{L"inset", A::Inset},
-    AttributeRule{L"name", A::Name},
-    AttributeRule{L"normalimage", A::PaintImage},
-    AttributeRule{L"padding", A::Padding},
-    AttributeRule{L"pos", A::Pos},
-    AttributeRule{L"pushedbkcolor", A::PaintColor},
-    AttributeRule{L"pushedimage", A::PaintImage},
-    AttributeRule{L"text", A::SetText},
-    AttributeRule{L"textcolor", A::TextColor},
-    AttributeRule{L"textpadding", A::TextPadding},
-    AttributeRule{L"tooltip", A::ToolTip},
-    AttributeRule{L"valign", A::TextVAlign},
-    AttributeRule{L"virtualwnd", A::VirtualWnd},
-    AttributeRule{L"visible", A::Visible},
-    AttributeRule{L"width", A::Width},
+    Sets<ParseAlignX, A::Align>(L"align"),
+    Paints<ParseColor, &ControlLook::ground>(L"bkcolor"),
+    Paints<ParsePicture, &ControlLook::groundPicture>(L"bkimage"),
+    Paints<ParseSize, &ControlLook::round>(L"bkround"),
+    Paints<ParseColor, &ControlLook::borderColor>(L"bordercolor"),
+    Paints<ParseColor, &ControlLook::borderFill>(L"borderfillcolor"),
+    Paints<ParseInt, &ControlLook::borderSize>(L"bordersize"),
+    Sets<ParseAlignX, A::ChildAlign>(L"childalign"),
+    Sets<ParseInt, A::ChildPadding>(L"childpadding"),
+    Sets<ParseAlignY, A::ChildVAlign>(L"childvalign"),
+    Paints<ParseColor, &ControlLook::disabledText>(L"disabledtextcolor"),
+    Sets<ParseBool, &CControlUI::SetEnabled>(L"enabled"),
+    Sets<ParseBool, A::EndEllipsis>(L"endellipsis"),
+    Sets<ParseInt, &CControlUI::SetFont>(L"font"),
+    Sets<ParseInt, &CControlUI::SetFixedHeight>(L"height"),
+    Paints<ParseColor, &ControlLook::hotGround>(L"hotbkcolor"),
+    Paints<ParsePicture, &ControlLook::hotPicture>(L"hotimage"),
+    Paints<ParseColor, &ControlLook::hotText>(L"hottextcolor"),
+    Sets<ParseRect, A::Inset>(L"inset"),
+    SetsText<A::Name>(L"name"),
+    Paints<ParsePicture, &ControlLook::picture>(L"normalimage"),
+    Sets<ParseRect, A::Padding>(L"padding"),
+    Sets<ParseRect, A::Pos>(L"pos"),
+    Paints<ParseColor, &ControlLook::pushedGround>(L"pushedbkcolor"),
+    Paints<ParsePicture, &ControlLook::pushedPicture>(L"pushedimage"),
+    SetsText<A::Text>(L"text"),
+    Sets<ParseColor, &CControlUI::SetTextColor>(L"textcolor"),
+    Sets<ParseRect, A::TextPadding>(L"textpadding"),
+    SetsText<A::ToolTip>(L"tooltip"),
+    Sets<ParseAlignY, A::VAlign>(L"valign"),
+    SetsText<A::VirtualWnd>(L"virtualwnd"),
+    Sets<ParseBool, &CControlUI::SetVisible>(L"visible"),
+    Sets<ParseInt, &CControlUI::SetFixedWidth>(L"width"),
 };
 static_assert(std::ranges::is_sorted(kRules, {}, &AttributeRule::name));
 
@@ -191,42 +168,81 @@ const AttributeRule* FindAttributeRule(std::wstring_view name) {
     return rule != kRules.end() && rule->name == name ? &*rule : nullptr;
 }
 
+// ---- Given attributes
+
+namespace {
+
+std::shared_ptr<const ControlLook> LookWith(const ControlLook& look, const AttributeRule& rule,
+                                            const AttributeValue& value) {
+    ControlLook changed = look;
+    rule.paint(changed, value);
+    return ShareLook(changed);
+}
+
+}  // namespace
+
+void AttributeList::Add(std::wstring_view name, std::wstring_view text) {
+    Attribute& added = attributes.emplace_back(SharedText(name), SharedText(text), FindAttributeRule(name));
+    if (!added.rule) return;
+    added.value = added.rule->read(added.text);
+    if (added.rule->paint) look = LookWith(look ? *look : ControlLook{}, *added.rule, added.value);
+}
+
+bool AttributeList::Attribute::ApplyTo(CControlUI& control) const {
+    if (!rule) return false;
+    return rule->apply ? rule->apply(control, value) : !std::holds_alternative<std::monostate>(value);
+}
+
 // ---- CControlUI
 
-void CControlUI::SetAttribute(std::wstring_view name, std::wstring_view value) {
+void CControlUI::SetAttribute(std::wstring_view name, std::wstring_view text) {
     if (name.empty()) return;
     const SharedText sharedName(name);
-    const SharedText sharedValue(value);  // the text may be this control's own
+    const SharedText sharedText(text);  // may be this control's own
     auto& attributes = Extras().attributes;
     const auto found = std::ranges::find(attributes, sharedName, &std::pair<SharedText, SharedText>::first);
+    const bool changed = found == attributes.end() || found->second != sharedText;
     if (found == attributes.end()) {
-        attributes.emplace_back(sharedName, sharedValue);
-        Invalidate();
-    } else if (found->second != sharedValue) {
-        found->second = sharedValue;
-        Invalidate();
+        attributes.emplace_back(sharedName, sharedText);
+    } else {
+        found->second = sharedText;
     }
-    if (const AttributeRule* rule = FindAttributeRule(sharedName.Get())) rule->apply(*this, sharedValue.Get());
+    if (changed) Invalidate();
+    const AttributeRule* const rule = FindAttributeRule(sharedName.Get());
+    if (!rule || (rule->paint && !changed)) return;
+    const AttributeValue value = rule->read(sharedText);
+    if (rule->paint) {
+        m_extras->look = LookWith(Look(), *rule, value);
+    } else {
+        rule->apply(*this, value);
+    }
+}
+
+const ControlLook& CControlUI::Look() const {
+    static const auto& plain =
+        *new ControlLook;  // never destroyed, like the controls that may outlive the program's end
+    if (m_extras && m_extras->look) return *m_extras->look;
+    return m_given && m_given->look ? *m_given->look : plain;
 }
 
 const SharedText* CControlUI::FindAttribute(const SharedText& key) const {
     if (key.IsEmpty()) return nullptr;
     if (m_extras) {
-        for (const auto& [attribute, value] : m_extras->attributes) {
-            if (attribute == key) return &value;
+        for (const auto& [attribute, text] : m_extras->attributes) {
+            if (attribute == key) return &text;
         }
     }
     if (m_given) {
         for (const AttributeList::Attribute& attribute : m_given->attributes) {
-            if (attribute.name == key) return &attribute.value;
+            if (attribute.name == key) return &attribute.text;
         }
     }
     return nullptr;
 }
 
 CDuiString CControlUI::GetAttribute(std::wstring_view name) const {
-    const SharedText* const value = FindAttribute(SharedText::Find(name));
-    return value ? value->Get() : CDuiString();
+    const SharedText* const text = FindAttribute(SharedText::Find(name));
+    return text ? text->Get() : CDuiString();
 }
 
 bool CControlUI::HasAttribute(std::wstring_view name) const { return FindAttribute(SharedText::Find(name)) != nullptr; }

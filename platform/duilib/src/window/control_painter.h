@@ -2,11 +2,12 @@
 
 #include "drawing/canvas.h"
 #include "duilib/control.h"
+#include "tree/control_look.h"
 #include "window/paint_manager_state.h"
 
 namespace DuiLib {
 
-// Paints controls as their attributes say (docs/layout.md): ground, picture, border, text, then what lies in them.
+// Paints controls as their looks say (docs/layout.md): ground, picture, border, text, then what lies in them.
 struct ControlPainter {
     Canvas& canvas;
     const CPaintManagerUI::State& window;
@@ -18,19 +19,17 @@ struct ControlPainter {
     // The ring around the control that the keyboard moves.
     void PaintFocus(CControlUI& control) const;
 
-    // Whether the control changes its look under the pointer although it cannot be clicked.
-    static bool HasHotLook(const CControlUI& control);
-
     // [device px] How far the focus ring reaches beyond its control.
     static int FocusMargin();
 
 private:
-    struct Moment;  // how the control is looked at: hot, pushed, enabled
-    void PaintOwn(CControlUI& control, const CDuiRect& place, const Moment& moment) const;
-    void PaintGround(const CControlUI& control, const CDuiRect& place, const Moment& moment) const;
-    void PaintPicture(const SharedText& attribute, const CDuiRect& place, const Moment& moment) const;
-    void PaintBorder(const CControlUI& control, const CDuiRect& place, const Moment& moment) const;
-    void PaintText(const CControlUI& control, const CDuiRect& place, const Moment& moment) const;
+    struct Appearance;
+    Appearance AppearanceOf(const CControlUI& control, bool enabled) const;
+    void PaintOwn(const CControlUI& control, const CDuiRect& place, const Appearance& appearance) const;
+    void PaintPicture(const LookProperty<PictureReference>& picture, const CDuiRect& place,
+                      const Appearance& appearance) const;
+    void PaintBorder(const CControlUI& control, const CDuiRect& place, const Appearance& appearance) const;
+    void PaintText(const CControlUI& control, const CDuiRect& place, const Appearance& appearance) const;
 };
 
 }  // namespace DuiLib

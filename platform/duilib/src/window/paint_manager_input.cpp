@@ -6,7 +6,7 @@
 #include "duilib/container.h"
 #include "duilib/paint_manager.h"
 #include "kernel/ui_turn.h"
-#include "window/control_painter.h"
+#include "tree/control_look.h"
 #include "window/paint_manager_state.h"
 
 namespace DuiLib {
@@ -43,7 +43,7 @@ struct CPaintManagerUI::HitTest {
     // The controls under the point, buttons excluded, that change their look for the pointer.
     static void Hot(CControlUI& control, CDuiPoint point, std::vector<CControlUI*>& hot) {
         if (!control.m_visible || !control.m_place.Contains(point)) return;
-        if (!control.TakesPointer() && ControlPainter::HasHotLook(control)) hot.push_back(&control);
+        if (!control.TakesPointer() && control.Look().ChangesUnderPointer()) hot.push_back(&control);
         for (CControlUI* child : control.Children()) Hot(*child, Into(control, point), hot);
     }
 
