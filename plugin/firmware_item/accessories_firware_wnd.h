@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "duilib/container.h"
 #include "duilib/control.h"
@@ -34,13 +36,19 @@ inline constexpr const wchar_t* UPDATE_STATUS_INSTALLEND = L"2001";
 using HeightCallBack = std::function<void(int, bool, bool)>;
 using FinishCallBack = std::function<void()>;
 
+enum class RowAction;   // what a click asks for: row_state.cpp
+enum class RowControl;  // a control that looks change, a look's calls, what a row is doing: row_looks.h
+enum class RowPhase;
+struct LookStep;
+
 // One accessory of the page: its picture, name, version and information, its update button and progress, and the small
 // state machine behind them (row_state.cpp has the table).
 //
-// Made and laid out by the list window. Click handlers run on the UI thread, ShowDownloadProgress, SetRetryBtn and
-// SetFinishProcess on the delivery thread, all under the UI turn. The controls belong to the host's tree. Every
-// operation survives missing controls. "Firware", "Resigter", "Rlush" and "Modifiy" are misspelt on purpose: log lines
-// carry the names. The two callbacks are called unguarded: an empty one throws std::bad_function_call.
+// Made and laid out by the list window, which tells it the service's messages. Click handlers run on the UI thread,
+// ShowDownloadProgress, SetRetryBtn and SetFinishProcess on the delivery thread, all under the UI turn. The controls
+// belong to the host's tree. Every operation survives missing controls. "Firware", "Resigter", "Rlush" and "Modifiy"
+// are misspelt on purpose: log lines carry the names. The two callbacks are called unguarded: an empty one throws
+// std::bad_function_call.
 class AccessoriesFirwareWnd final : public CNotifyPump {
 public:
     AccessoriesFirwareWnd() = default;
@@ -49,73 +57,72 @@ public:
     const DUI_MSGMAP* GetMessageMap() const override;
     void OnClick(TNotifyUI& message) override;
 
-    // Set-up (row_form.cpp), by the list window.
+    // What the list window calls. It names the row and gives it both callbacks while it builds the page, and lays it
+    // out once.
     void InitFirmwareLayout(CPaintManagerUI* paintManager, CNotifyPump* host, CContainerUI* parent,
                             FirmwareItemDesc desc);
     void SetRowName(const std::wstring& rowName);  // the name of this row in g_updateItemList
     void SetHeightCallBack(HeightCallBack callBack);
     void SetFinishCallBack(FinishCallBack callBack);
-    void InitForm();
-    void SetImagePath(const std::wstring& path);
-    void SettingDevInfo(CTextUI* devInfoText);
-
-    // Looks (row_presentation.cpp).
-    void InitUpdateButton();
-    void RlushAccessries();
-    void ShowDownloadProgress(int percent);
-    void ModifiyPullDownStatus();
-    void UpdateDownloadForm();
-
-    // States (row_state.cpp).
-    void SetResume();
-    void SetResumeClick();
+    void UpdateDownloadForm();               // the page is complete: folds the row and tells nobody
+    void ShowDownloadProgress(int percent);  // the service's messages
     void SetRetryBtn();
-    void SetRetryClick();
     void SetFinishProcess();
-    void ControlDownload(const std::wstring& deviceKey);
-    void ControlRetry(const std::wstring& deviceKey);
-    void PostPauseDownload(const std::string& deviceKey);
-    void PostStartDownload(const std::string& deviceKey);
-
-    // Notices and tips (row_notices.cpp).
-    void ResigterFirmwareCallBacks();
-    void AppRunningTipUpdateBtn();
-    void AppRunningTipStopBtn();
-    void SendUIPluginUpdate(const std::string& deviceKey);
-    void SendUIPluginUpdateFinish(const std::string& deviceKey);
-
-    // Usage report (firmware_report.cpp): one event a click on the update button.
-    void BigDataReportSettingCenterUpdatePlugin(const AccessoriesFirwareWnd& device);
 
 private:
-    friend struct RowInspector;   // tests read the fields
+    friend struct RowInspector;   // tests see and call what nothing else can
     friend struct RowFieldOrder;  // compile-time check of the field order
 
-    // row_form.cpp
+    // Set-up (row_form.cpp).
+    void InitForm();
+    void SetImagePath(const std::wstring& path);
     void BindControls();
     bool BindControl(const wchar_t* name, CControlUI*& control);
     bool BindContainer(const wchar_t* name, CContainerUI*& container);
     void BuildDevInfo();
+    void SettingDevInfo(CTextUI* devInfoText);
 
-    // row_presentation.cpp
+    // Width and height (row_size.cpp).
+    void InitUpdateButton();
     int WidestLabel();
-    void ShowDownloadLook(int percent, const CDuiString& text);
-    void ShowInstallingLook();
+    void ModifiyPullDownStatus();
     void ShowDevInfo(bool visible);
-    bool HasName(CControlUI* control, const wchar_t* suffix) const;
-    void Resolve(std::wstring_view bindText);  // into m_bindText and m_bindValue
+    void SetFolded(bool folded);
+    void SetFoldedHeight();
 
-    // row_state.cpp
+    // Looks (row_looks.cpp).
+    void Show(std::span<const LookStep> look);
+    void Take(const LookStep& step, CControlUI& control);
+    CControlUI* Find(RowControl control) const;  // null where the layout lacks it
+    void Resolve(std::wstring_view bindText);    // into m_bindText and m_bindValue
+
+    // States and clicks (row_state.cpp).
+    RowPhase Phase() const;
+    RowPhase RecordedPhase() const;
+    RowAction ActionOfClick(const std::wstring& control) const;
     bool IsCompanionRunning() const;
+    bool HasName(CControlUI* control, const wchar_t* suffix) const;
+    void RlushAccessries();
+    void SetResume();
+    void SetResumeClick();
+    void SetRetryClick();
     void RestoreProgress();
-    void ShowEndedLook();
+    void ControlDownload(const std::wstring& deviceKey);
+    void ControlRetry(const std::wstring& deviceKey);
+    void PostPauseDownload(const std::string& deviceKey);
+    void PostStartDownload(const std::string& deviceKey);
     void CollapseRow();
     void LeaveRowList();
-
-    // row_notices.cpp
-    void ShowAppRunningTip(CControlUI* hot, CControlUI* tipped);
-
     std::string NarrowKey() const;
+
+    // Client, notices, tips, usage report (row_notices.cpp).
+    void ResigterFirmwareCallBacks();
+    void AppRunningTipUpdateBtn();
+    void AppRunningTipStopBtn();
+    void ShowAppRunningTip(CControlUI* hot, CControlUI* tipped);
+    void SendUIPluginUpdate(const std::string& deviceKey);
+    void SendUIPluginUpdateFinish(const std::string& deviceKey);
+    void BigDataReportSettingCenterUpdatePlugin(const AccessoriesFirwareWnd& device);
 
     HeightCallBack m_heightCallBack;
     FinishCallBack m_finishCallBack;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <functional>
 
 #include "row_fixture.h"
 #include "update_list/row_list.h"
@@ -15,87 +14,134 @@ using DuiLib::RowInspector;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 
+// In the order in which they are looked up, those that are renamed.
+constexpr const char* kBound[] = {"updateBtn", "stopBtn",        "progress",    "hor",          "ver",
+                                  "pulldown",  "progressLayout", "progressBtn", "progressLabel"};
+
+std::wstring Wide(const std::string& text) { return {text.begin(), text.end()}; }
+
 class MissingControls : public RowFixture {
 protected:
     MissingControls() { ExpectFailureLine(L"nullptr"); }
 
     void MakeRowWithout(const std::set<std::string>& names) {
-        m_page.Discard();
         UseLayouts({names, false, true});
         MakeRow();
         Forget();
         heights.clear();
     }
 
-    // What an operation that does nothing leaves alone.
+    // What can be seen of the row and its controls.
     std::vector<std::wstring> State() {
-        std::vector<std::wstring> state = {RowInspector::ProgressRecord(*row), RowInspector::PosRecord(*row)};
-        for (const int number :
-             {RowInspector::RowHeight(*row), RowInspector::Percent(*row), int{RowInspector::NeedsRetry(*row)},
-              int{RowInspector::IsPaused(*row)}, int{RowInspector::IsInstalling(*row)}}) {
-            state.push_back(std::to_wstring(number));
-        }
-        for (const wchar_t* const name :
-             {L"X1hor", L"X1ver", L"X1devInfo", L"X1updateBtn", L"X1stopBtn", L"pulldown"}) {
-            const DuiLib::CControlUI* const control = m_page.Find(name);
-            if (control == nullptr) continue;
-            state.push_back(name + std::wstring(control->IsVisible() ? L" shown " : L" hidden ") +
-                            std::to_wstring(control->GetFixedHeight()) + control->GetToolTip().Str() +
-                            control->GetAttribute(L"normalimage").Str());
+        std::vector<std::wstring> state = {std::to_wstring(RowInspector::RowHeight(*row)),
+                                           std::to_wstring(RowInspector::Percent(*row)),
+                                           std::to_wstring(static_cast<int>(Phase()))};
+        for (const char* const name : kBound) {
+            for (const std::wstring& full : {Wide(name), L"X1" + Wide(name)}) {
+                const DuiLib::CControlUI* const control = m_page.Find(full);
+                state.push_back(full + (control == nullptr ? L" is missing" : Look(*control)));
+            }
         }
         return state;
     }
 
-    void ClickWhatIsThere() {
-        for (const wchar_t* const name : {L"X1updateBtn", L"X1pulldown", L"X1stopBtn"}) {
-            if (m_page.Find(name) != nullptr) Click(name);
+    static std::wstring Look(const DuiLib::CControlUI& control) {
+        std::wstring look = control.IsVisible() ? L" shown " : L" hidden ";
+        look += std::to_wstring(control.GetFixedHeight()) + L' ' + std::to_wstring(control.GetFont());
+        for (const wchar_t* const name : {L"width", L"height", L"pos", L"bkround", L"bkcolor", L"textcolor",
+                                          L"bordersize", L"normalimage", L"hottextcolor"}) {
+            if (control.HasAttribute(name)) look += std::wstring(L" ") + name + L'=' + control.GetAttribute(name).Str();
         }
+        return look + L" \"" + control.GetText().Str() + L"\" \"" + control.GetToolTip().Str() + L'"';
     }
 
-    void DoEverything() {
-        ClickWhatIsThere();
-        row->RlushAccessries();
-        row->ShowDownloadProgress(40);
-        row->SetResume();
-        row->SetResumeClick();
-        row->ModifiyPullDownStatus();
-        row->ShowDownloadProgress(100);
-        row->SetRetryBtn();
-        ClickWhatIsThere();
-        row->SetRetryClick();
-        row->ControlRetry(L"X1");
-        row->AppRunningTipStopBtn();
-        row->AppRunningTipUpdateBtn();
+    // Clicks on what is there; the number of those clicks.
+    int ClickAll() {
+        int clicks = 0;
+        for (const wchar_t* const name : {L"X1updateBtn", L"X1pulldown", L"X1stopBtn"}) {
+            if (m_page.Find(name) == nullptr) continue;
+            Click(name);
+            ++clicks;
+        }
+        return clicks;
+    }
+
+    // All that a host and a service can do to a row; how many clicks were among it.
+    int DoEverything() {
+        int clicks = ClickAll();
+        Do("40%");
+        clicks += ClickAll();
+        Do("100% fail");
+        clicks += ClickAll();
+        Do("companion");
+        clicks += ClickAll();
+        Do("fail");
+        clicks += ClickAll();
         row->UpdateDownloadForm();
-        row->SetFinishProcess();
+        Do("end");
+        seam::Get().companions.clear();
+        return clicks;
     }
 };
 
+TEST_F(MissingControls, TheFirstNameThatIsMissingEndsTheBindingAndLeavesEveryOtherControlAlone) {
+    const std::size_t count = std::size(kBound);
+    for (std::size_t missing = 0; missing < count; ++missing) {
+        SCOPED_TRACE(kBound[missing]);
+        MakeRowWithout({kBound[missing]});
+        for (std::size_t i = 0; i < count; ++i) {
+            EXPECT_EQ(m_page.Find(L"X1" + Wide(kBound[i])) != nullptr, i < missing) << kBound[i];
+            EXPECT_EQ(m_page.Find(Wide(kBound[i])) != nullptr, i > missing) << kBound[i];
+            if (i <= missing) continue;
+            DuiLib::CControlUI& left = Control(Wide(kBound[i]));
+            EXPECT_FALSE(left.HasAttribute(L"width")) << kBound[i];
+            EXPECT_FALSE(left.HasAttribute(L"height")) << kBound[i];
+        }
+        const bool complete = missing > 5;  // the progress group behind "pulldown" may lack what it wants
+        if (missing > 0) EXPECT_EQ(Control(L"X1updateBtn").HasAttribute(L"width"), complete);
+        EXPECT_EQ(m_page.Find(L"X1devInfo") != nullptr, missing > 4) << "needs \"ver\"";
+        EXPECT_EQ(Text(L"desName"), L"Drawing pen");
+        EXPECT_EQ(Text(L"version"), L"App version 1.0.2");
+        EXPECT_EQ(Attribute(L"imageLabel", L"bkimage"), L"file='drawable/pen.svg'");
+    }
+}
+
+TEST_F(MissingControls, AHorOrVerThatCannotHoldControlsCountsAsMissing) {
+    for (const char* const name : {"hor", "ver"}) {
+        UseLayouts({{}, true, true, {name}});
+        MakeRow();
+        EXPECT_NE(m_page.Find(Wide(name)), nullptr) << "keeps its name";
+        EXPECT_EQ(m_page.Find(L"X1" + Wide(name)), nullptr);
+        EXPECT_NE(m_page.Find(L"pulldown"), nullptr) << "comes behind it";
+        EXPECT_THAT(heights, IsEmpty());
+    }
+}
+
 struct NothingMore {
     const char* missing;
-    const char* operation;
-    std::function<void()> run;
+    const char* event;                // "form" is UpdateDownloadForm
     std::vector<std::wstring> lines;  // and nothing else happens
 };
 
 TEST_F(MissingControls, AnOperationThatLacksItsControlDoesNothingMore) {
-    const std::wstring retry = Line(L"set retry btn", L"SetRetryBtn");
-    const std::wstring finish = Line(L"set update btn finish", L"SetFinishProcess");
+    const std::vector<std::wstring> fail = {Line(L"set retry btn", L"SetRetryBtn")};
+    const std::vector<std::wstring> end = {Line(L"set update btn finish", L"SetFinishProcess")};
     const NothingMore cases[] = {
-        {"progress", "SetRetryBtn", [this] { row->SetRetryBtn(); }, {retry}},
-        {"progress", "SetFinishProcess", [this] { row->SetFinishProcess(); }, {finish}},
-        {"hor", "SetFinishProcess", [this] { row->SetFinishProcess(); }, {finish}},
-        {"progress", "ShowDownloadProgress", [this] { row->ShowDownloadProgress(40); }, {}},
-        {"pulldown", "ModifiyPullDownStatus", [this] { row->ModifiyPullDownStatus(); }, {}},
-        {"pulldown", "UpdateDownloadForm", [this] { row->UpdateDownloadForm(); }, {}},
+        {"updateBtn", "fail", fail}, {"progress", "fail", fail}, {"progress", "end", end},
+        {"hor", "end", end},         {"progress", "40%", {}},    {"progress", "update", {}},
+        {"progress", "stop", {}},    {"pulldown", "form", {}},   {"hor", "form", {}},
     };
     for (const NothingMore& c : cases) {
-        SCOPED_TRACE(std::string(c.operation) + " without " + c.missing);
+        SCOPED_TRACE(std::string(c.event) + " without " + c.missing);
         MakeRowWithout({c.missing});
         g_updateItemList = {{L"X1", L"Device"}};
         const std::vector<std::wstring> before = State();
-        c.run();
-        EXPECT_THAT(Logged(3), ElementsAreArray(c.lines));
+        if (c.event == std::string("form")) {
+            row->UpdateDownloadForm();
+        } else {
+            Do(c.event);
+        }
+        EXPECT_THAT(Logged(), ElementsAreArray(c.lines));
         EXPECT_EQ(seam::Get().events.size(), c.lines.size()) << "no post, no sleep, no report";
         EXPECT_EQ(State(), before);
         EXPECT_THAT(heights, IsEmpty());
@@ -104,35 +150,43 @@ TEST_F(MissingControls, AnOperationThatLacksItsControlDoesNothingMore) {
     }
 }
 
-TEST_F(MissingControls, WithoutProgressAClickDoesNothingAtAll) {
-    MakeRowWithout({"progress"});
-    const std::vector<std::wstring> before = State();
-    Click(L"X1updateBtn");
-    Click(L"X1stopBtn");
-    EXPECT_TRUE(seam::Get().events.empty()) << "no line, no report, no post";
-    EXPECT_EQ(State(), before);
+bool LacksOneOf(const std::set<std::string>& missing, std::initializer_list<const char*> needed) {
+    return std::ranges::any_of(needed, [&](const char* name) { return missing.contains(name); });
 }
 
-TEST_F(MissingControls, EveryOperationSurvivesUpToThreeMissingAndUpToThreePresentControls) {
+// Up to three missing, or up to three present, of 13.
+std::vector<std::set<std::string>> Subsets() {
     const char* const names[] = {"version",       "desName",       "updateBtn", "stopBtn",        "progress",
                                  "hor",           "ver",           "pulldown",  "progressLayout", "progressBtn",
                                  "progressLabel", "updateBtnText", "imageLabel"};
-    const auto lacksOneOf = [](const std::set<std::string>& missing, std::initializer_list<const char*> needed) {
-        return std::ranges::any_of(needed, [&](const char* name) { return missing.contains(name); });
-    };
-    for (unsigned subset = 0; subset < 1u << std::size(names); ++subset) {
-        const int missingCount = std::popcount(subset);
-        if (missingCount > 3 && missingCount < static_cast<int>(std::size(names)) - 3) continue;
-        SCOPED_TRACE(subset);
+    const int count = static_cast<int>(std::size(names));
+    std::vector<std::set<std::string>> subsets;
+    for (unsigned bits = 0; bits < 1u << count; ++bits) {
+        if (std::popcount(bits) > 3 && std::popcount(bits) < count - 3) continue;
         std::set<std::string> missing;
-        for (std::size_t i = 0; i < std::size(names); ++i) {
-            if (subset >> i & 1) missing.insert(names[i]);
+        for (int i = 0; i < count; ++i) {
+            if (bits >> i & 1) missing.insert(names[i]);
         }
-        finished = 0;
+        subsets.push_back(missing);
+    }
+    return subsets;
+}
+
+TEST_F(MissingControls, EveryOperationSurvivesUpToThreeMissingAndUpToThreePresentControls) {
+    const auto subsets = Subsets();
+    ASSERT_EQ(subsets.size(), 2u * (1 + 13 + 78 + 286));
+    for (const std::set<std::string>& missing : subsets) {
+        SCOPED_TRACE(testing::PrintToString(missing));
         MakeRowWithout(missing);
         g_updateItemList = {{L"X1", L"Device"}};
-        DoEverything();
-        const bool ends = !lacksOneOf(missing, {"version", "desName", "updateBtn", "stopBtn", "progress", "hor"});
+        int perRound = 0;  // buttons that carry the key
+        if (!LacksOneOf(missing, {"version", "desName", "updateBtn"})) {
+            perRound = LacksOneOf(missing, {"stopBtn"})                              ? 1
+                       : LacksOneOf(missing, {"progress", "hor", "ver", "pulldown"}) ? 2
+                                                                                     : 3;
+        }
+        ASSERT_EQ(DoEverything(), 5 * perRound);
+        const bool ends = !LacksOneOf(missing, {"version", "desName", "updateBtn", "stopBtn", "progress", "hor"});
         ASSERT_EQ(finished, ends ? 1 : 0);
         ASSERT_EQ(g_updateItemList.empty(), ends);
         Forget();

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "duilib/control.h"
 
@@ -13,17 +11,17 @@ namespace DuiLib {
 inline constexpr int kTextFont = 9;      // information, and texts of ended or failed updates
 inline constexpr int kButtonFont = 102;  // button labels and percentages
 
+inline constexpr int kFoldedHeight = 52;  // [design px] of a row without its information
+inline constexpr int kFoldPadding = 24;   // [design px] around the information text
+
 inline constexpr const wchar_t* kBindUpdate = L"bind='IDS_SETTING_ACCESSORIES_UPDATE'";
 inline constexpr const wchar_t* kBindInstalling = L"bind='IDS_SETTING_ACCESSORIES_INSTALLING'";
 inline constexpr const wchar_t* kBindInstallEnd = L"bind='IDS_SETTING_ACCESSORIES_INSTALL_END'";
 inline constexpr const wchar_t* kBindResume = L"bind='IDS_ACCESSORIES_RESUME'";
 inline constexpr const wchar_t* kBindRetry = L"bind='IDS_ACCESSORIES_RETRY'";
 
-using Look = std::initializer_list<std::pair<const wchar_t*, std::wstring_view>>;
-
-inline void SetLook(CControlUI* control, Look attributes) {
-    if (control == nullptr) return;
-    for (const auto& [name, value] : attributes) control->SetAttribute(name, value);
+inline void SetAttribute(CControlUI* control, const wchar_t* name, std::wstring_view value) {
+    if (control != nullptr) control->SetAttribute(name, value);
 }
 
 inline void SetVisible(CControlUI* control, bool visible) {

@@ -1,3 +1,4 @@
+// The end of a row: what it shows, waits for, gives back and takes out of the row list, in this order.
 #include <gmock/gmock.h>
 
 #include "row_fixture.h"
@@ -6,95 +7,16 @@
 namespace {
 
 using DuiLib::g_updateItemList;
-using DuiLib::RowInspector;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using Rows = std::vector<std::pair<std::wstring, std::wstring>>;
+using Entries = std::vector<std::pair<std::wstring, std::wstring>>;
 
-class FirmwareFinish : public RowFixture {
+class RowFinish : public RowFixture {
 protected:
-    FirmwareFinish() { MakeRow(); }
-};
+    RowFinish() { MakeRow(); }
 
-TEST_F(FirmwareFinish, TheEndShowsWaitsCollapsesAndTellsInThisOrder) {
-    Download(100);
-    heights.clear();
-    bool stillThere = false;
-    seam::Get().onSleep = [&](std::uint32_t) {
-        stillThere = Shown(L"X1hor") && Text(L"X1progress") == L"Up to date" && heights.empty() && finished == 0;
-    };
-    row->SetFinishProcess();
-    EXPECT_TRUE(stillThere);
-    EXPECT_THAT(Slept(), ElementsAre(2000));
-    EXPECT_THAT(heights, ElementsAre(HeightReport{92 + 24, false, false})) << "unfolded, information of two lines";
-    EXPECT_FALSE(Shown(L"X1hor"));
-    EXPECT_EQ(finished, 1);
-    EXPECT_THAT(Logged(3), ElementsAre(Line(L"set update btn finish", L"SetFinishProcess"),
-                                       Line(L"update finish: X1", L"SendUIPluginUpdateFinish")));
-    EXPECT_THAT(Logged(4), IsEmpty());
-    EXPECT_THAT(Posted(), ElementsAre("B20018 B20034 X1\\0"));
-    EXPECT_FALSE(Shown(L"X1progressLabel"));
-    EXPECT_EQ(Control(L"X1progress").GetFont(), 9);
-    EXPECT_EQ(Attribute(L"X1progress", L"bkround"), L"28,28");
-    EXPECT_EQ(Attribute(L"X1progress", L"bkcolor"), L"0C000000");
-    EXPECT_EQ(Attribute(L"X1progress", L"textcolor"), L"#FF0A59F7");
-    EXPECT_EQ(Attribute(L"X1progress", L"bordersize"), L"0");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"width"), L"120");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"bkround"), L"28,28");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"bordersize"), L"0");
-    EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Up to date");
-    EXPECT_EQ(RowInspector::ProgressRecord(*row), L"2001");
-}
-
-TEST_F(FirmwareFinish, TheEndOfARowInAHiddenPageGivesBackItsWholeHeight) {
-    Click(L"X1pulldown");
-    heights.clear();
-    m_page.Parent()->SetVisible(false);
-    row->SetFinishProcess();
-    EXPECT_THAT(heights, ElementsAre(HeightReport{52 + 24, false, false}));
-}
-
-// Deliberate: nothing remembers that the row has ended.
-TEST_F(FirmwareFinish, ASecondEndOfTheSameRowGivesBack24AndIsToldAgain) {
-    row->SetFinishProcess();
-    heights.clear();
-    Forget();
-    row->SetFinishProcess();
-    EXPECT_THAT(heights, ElementsAre(HeightReport{24, false, false})) << "the row itself is hidden";
-    EXPECT_EQ(finished, 2);
-    EXPECT_THAT(Slept(), ElementsAre(2000));
-    EXPECT_THAT(Posted(), ElementsAre("B20018 B20034 X1\\0"));
-}
-
-TEST_F(FirmwareFinish, BelowAHundredPercentTheEndGivesBackAHundredthOfTheHeightAnd24) {
-    UseScale(50);
-    row->UpdateDownloadForm();  // 26 device pixels
-    heights.clear();
-    row->SetFinishProcess();
-    EXPECT_THAT(heights, ElementsAre(HeightReport{0 + 24, false, false}));
-}
-
-TEST_F(FirmwareFinish, AtScale200TheEndGivesBackDesignPixels) {
-    UseScale(200);
-    row->UpdateDownloadForm();
-    heights.clear();
-    row->SetFinishProcess();
-    EXPECT_THAT(heights, ElementsAre(HeightReport{52 + 24, false, false}));
-}
-
-TEST_F(FirmwareFinish, EmptyCallbacksThrowBadFunctionCall) {
-    row->SetHeightCallBack({});
-    EXPECT_THROW(row->SetFinishProcess(), std::bad_function_call);
-    row->SetHeightCallBack([](int, bool, bool) {});
-    row->SetFinishCallBack({});
-    EXPECT_THROW(row->SetFinishProcess(), std::bad_function_call);
-}
-
-// The row list after the end of a row.
-class RowListAtTheEnd : public FirmwareFinish {
-protected:
-    DuiLib::CControlUI* AddNamed(const wchar_t* name) {
+    DuiLib::CControlUI* AddNamed(const std::wstring& name) {
         auto* const control = new DuiLib::CLabelUI;
         control->SetName(name);
         m_page.Parent()->Add(control);
@@ -102,75 +24,150 @@ protected:
     }
 };
 
-TEST_F(RowListAtTheEnd, AfterTheWaitComeHeightRowListFinishAndNoticeInThisOrder) {
+TEST_F(RowFinish, AfterTheWaitComeHeightRowListFinishAndNoticeInThisOrder) {
+    Do("update 100%");
     const DuiLib::CControlUI* const line = AddNamed(L"X1_0");
-    const Rows rows = {{L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}};
-    g_updateItemList = rows;
+    const Entries entries = {{L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}};
+    g_updateItemList = entries;
     Forget();
     std::vector<std::string> steps;
-    row->SetHeightCallBack([&](int, bool, bool) {
+    seam::Get().onSleep = [&](std::uint32_t) {
+        steps.push_back("wait");
+        EXPECT_EQ(Text(L"X1progress"), L"Up to date");
+        EXPECT_EQ(Phase(), DuiLib::RowPhase::kEnded);
+    };
+    row->SetHeightCallBack([&](int height, bool grew, bool first) {
         steps.push_back("height");
-        EXPECT_THAT(Slept(), ElementsAre(2000));
+        EXPECT_EQ((HeightReport{height, grew, first}), (HeightReport{92 + 24, false, false})) << "two lines, unfolded";
         EXPECT_TRUE(Shown(L"X1hor"));
         EXPECT_TRUE(line->IsVisible());
-        EXPECT_EQ(g_updateItemList, rows);
+        EXPECT_EQ(g_updateItemList, entries);
     });
     row->SetFinishCallBack([&] {
         steps.push_back("finish");
         EXPECT_FALSE(Shown(L"X1hor"));
         EXPECT_FALSE(line->IsVisible());
-        EXPECT_EQ(g_updateItemList, (Rows{{L"X2", L"Device"}}));
+        EXPECT_EQ(g_updateItemList, (Entries{{L"X2", L"Device"}}));
         EXPECT_THAT(Posted(), IsEmpty());
     });
-    row->SetFinishProcess();
-    EXPECT_THAT(steps, ElementsAre("height", "finish"));
+    Do("end");
+    EXPECT_THAT(steps, ElementsAre("wait", "height", "finish"));
+    EXPECT_THAT(Slept(), ElementsAre(2000));
     EXPECT_THAT(Posted(), ElementsAre("B20018 B20034 X1\\0"));
 }
 
-TEST_F(RowListAtTheEnd, TheOnlyEntryGoesAndTakesTheTitleAlong) {
-    DuiLib::CControlUI* const title = AddNamed(L"DeviceUpdateTitle");
-    g_updateItemList = {{L"X1", L"Device"}};
-    row->SetFinishProcess();
-    EXPECT_TRUE(g_updateItemList.empty());
-    EXPECT_FALSE(title->IsVisible());
+TEST_F(RowFinish, TheEndOfARowInAHiddenPageGivesBackItsWholeHeight) {
+    Do("pulldown");
+    heights.clear();
+    m_page.Parent()->SetVisible(false);
+    Do("end");
+    EXPECT_THAT(heights, ElementsAre(HeightReport{52 + 24, false, false}));
 }
 
-TEST_F(RowListAtTheEnd, TheFollowingSeparatorGoesWithTheRow) {
-    DuiLib::CControlUI* const line = AddNamed(L"X1_0");
-    g_updateItemList = {{L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}};
-    row->SetFinishProcess();
-    EXPECT_EQ(g_updateItemList, (Rows{{L"X2", L"Device"}}));
-    EXPECT_FALSE(line->IsVisible());
+// Deliberate: nothing remembers that the row has ended.
+TEST_F(RowFinish, ASecondEndOfTheSameRowGivesBack24AndIsToldAgain) {
+    Do("end");
+    heights.clear();
+    Forget();
+    Do("end");
+    EXPECT_THAT(heights, ElementsAre(HeightReport{24, false, false})) << "the row itself is hidden";
+    EXPECT_EQ(finished, 2);
+    EXPECT_THAT(Slept(), ElementsAre(2000));
+    EXPECT_THAT(Posted(), ElementsAre("B20018 B20034 X1\\0"));
 }
 
-TEST_F(RowListAtTheEnd, TheLastRowTakesTheSeparatorBeforeIt) {
-    DuiLib::CControlUI* const line = AddNamed(L"X0_0");
-    g_updateItemList = {{L"X0", L"Device"}, {L"X0_0", L"Line"}, {L"X1", L"Device"}};
-    row->SetFinishProcess();
-    EXPECT_EQ(g_updateItemList, (Rows{{L"X0", L"Device"}}));
-    EXPECT_FALSE(line->IsVisible());
+struct GivenBack {
+    unsigned scale;
+    int height;  // [design px] of "hor"
+    int change;
+};
+
+TEST_F(RowFinish, TheEndGivesBackTheHeightInDesignPixelsTruncatedAnd24) {
+    for (const GivenBack& c :
+         {GivenBack{100, 52, 52 + 24}, GivenBack{200, 52, 52 + 24}, GivenBack{110, 52, 51 + 24},  // 57 pixels: 51.8
+          GivenBack{125, 51, 51 + 24},                                                            // 64 pixels: 51.2
+          GivenBack{150, 51, 51 + 24},                                                            // 77 pixels: 51.3
+          GivenBack{50, 52, 0 + 24},      // 26 pixels: 0.26. Deliberate: a hundredth
+          GivenBack{75, 371, 2 + 24}}) {  // 278 pixels: 2.78
+        UseScale(c.scale);
+        MakeRow();
+        row->UpdateDownloadForm();
+        Control(L"X1hor").SetFixedHeight(c.height);
+        heights.clear();
+        Do("end");
+        EXPECT_THAT(heights, ElementsAre(HeightReport{c.change, false, false})) << c.scale;
+    }
 }
 
-TEST_F(RowListAtTheEnd, WithoutAControlForTheNeighbourNothingChanges) {
-    g_updateItemList = {{L"X1", L"Device"}, {L"gone", L"Line"}};
-    row->SetFinishProcess();
-    EXPECT_EQ(g_updateItemList.size(), 2u);
+TEST_F(RowFinish, EmptyCallbacksThrowBadFunctionCall) {
+    row->SetHeightCallBack({});
+    EXPECT_THROW(row->SetFinishProcess(), std::bad_function_call);
+    row->SetHeightCallBack([](int, bool, bool) {});
+    row->SetFinishCallBack({});
+    EXPECT_THROW(row->SetFinishProcess(), std::bad_function_call);
 }
 
-TEST_F(RowListAtTheEnd, ARowThatIsNotInTheListChangesNothing) {
-    DuiLib::CControlUI* const line = AddNamed(L"X0_0");
-    g_updateItemList = {{L"X0_0", L"Line"}};
-    row->SetFinishProcess();
-    EXPECT_EQ(g_updateItemList.size(), 1u);
-    EXPECT_TRUE(line->IsVisible());
-}
+struct RowListCase {
+    const char* what;
+    Entries before;
+    std::vector<const wchar_t*> controls;  // that the page has, by name
+    Entries after;
+    std::vector<const wchar_t*> hidden;
+};
 
-TEST_F(RowListAtTheEnd, EveryEntryOfTheTwoNamesGoes) {
-    AddNamed(L"X1_0");
-    g_updateItemList = {
-        {L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}, {L"X1", L"Device"}, {L"X1_0", L"Line"}};
-    row->SetFinishProcess();
-    EXPECT_EQ(g_updateItemList, (Rows{{L"X2", L"Device"}}));
+const RowListCase kRowLists[] = {
+    {"the only entry goes and takes the title along",
+     {{L"X1", L"Device"}},
+     {L"DeviceUpdateTitle"},
+     {},
+     {L"DeviceUpdateTitle"}},
+    {"the following separator goes with the row",
+     {{L"X0", L"Device"}, {L"X0_0", L"Line"}, {L"X1", L"Device"}, {L"X1_1", L"Line"}, {L"X2", L"Device"}},
+     {L"X0_0", L"X1_1", L"DeviceUpdateTitle"},
+     {{L"X0", L"Device"}, {L"X0_0", L"Line"}, {L"X2", L"Device"}},
+     {L"X1_1"}},
+    {"the last row takes the separator before it",
+     {{L"X0", L"Device"}, {L"X0_0", L"Line"}, {L"X1", L"Device"}},
+     {L"X0_0", L"DeviceUpdateTitle"},
+     {{L"X0", L"Device"}},
+     {L"X0_0"}},
+    {"without a control for the neighbour nothing changes",
+     {{L"X1", L"Device"}, {L"nobody", L"Line"}},
+     {L"DeviceUpdateTitle"},
+     {{L"X1", L"Device"}, {L"nobody", L"Line"}},
+     {}},
+    {"a row that is not in the list changes nothing",
+     {{L"X0_0", L"Line"}},
+     {L"X0_0", L"DeviceUpdateTitle"},
+     {{L"X0_0", L"Line"}},
+     {}},
+    {"a name that only begins alike is another's",
+     {{L"X1_0", L"Line"}, {L"X10", L"Device"}},
+     {L"X1_0", L"X10"},
+     {{L"X1_0", L"Line"}, {L"X10", L"Device"}},
+     {}},
+    {"every entry of the two names goes",
+     {{L"X1", L"Device"}, {L"X1_0", L"Line"}, {L"X2", L"Device"}, {L"X1", L"Device"}, {L"X1_0", L"Line"}},
+     {L"X1_0", L"DeviceUpdateTitle"},
+     {{L"X2", L"Device"}},
+     {L"X1_0"}},
+};
+
+TEST_F(RowFinish, TheRowLeavesTheListWithItsNeighbour) {
+    for (const RowListCase& c : kRowLists) {
+        SCOPED_TRACE(c.what);
+        MakeRow();
+        std::vector<const DuiLib::CControlUI*> controls;
+        for (const wchar_t* const name : c.controls) controls.push_back(AddNamed(name));
+        g_updateItemList = c.before;
+        Do("end");
+        EXPECT_EQ(g_updateItemList, c.after);
+        for (std::size_t i = 0; i < controls.size(); ++i) {
+            const bool hidden =
+                std::find(c.hidden.begin(), c.hidden.end(), std::wstring(c.controls[i])) != c.hidden.end();
+            EXPECT_EQ(controls[i]->IsVisible(), !hidden) << i;
+        }
+    }
 }
 
 }  // namespace

@@ -17,7 +17,6 @@ namespace {
 
 constexpr const wchar_t* kRowLayout = L"../components/brindle/res/layout/AccessoriesFirmwareWnd.xml";
 constexpr int kExpandedHeight = 77;        // [design px] what the first report says
-constexpr double kRowHeight = 52.0;        // [design px]
 constexpr double kDevInfoMeasure = 272.0;  // [design px] width at which the information text is measured
 constexpr int kDividerHeight = 1;          // [design px]
 constexpr int kDividerWidth = 400;         // [design px]
@@ -44,8 +43,6 @@ void AccessoriesFirwareWnd::SetRowName(const std::wstring& rowName) {
 void AccessoriesFirwareWnd::SetHeightCallBack(HeightCallBack callBack) { m_heightCallBack = std::move(callBack); }
 
 void AccessoriesFirwareWnd::SetFinishCallBack(FinishCallBack callBack) { m_finishCallBack = std::move(callBack); }
-
-std::string AccessoriesFirwareWnd::NarrowKey() const { return WideToAnsi(m_devKey); }
 
 void AccessoriesFirwareWnd::InitFirmwareLayout(CPaintManagerUI* paintManager, CNotifyPump* host, CContainerUI* parent,
                                                FirmwareItemDesc desc) {
@@ -110,7 +107,7 @@ void AccessoriesFirwareWnd::InitForm() {
     m_rowHeight += kExpandedHeight;
     if (m_hor == nullptr) return;
     LogLine(kLogDetail) << "init verHeight:" << m_rowHeight;
-    const int horHeight = Truncate(static_cast<float>(m_devInfoHeight) / ScaleDivisor() + kRowHeight);
+    const int horHeight = Truncate(static_cast<float>(m_devInfoHeight) / ScaleDivisor() + double{kFoldedHeight});
     m_hor->SetAttribute(L"height", std::to_wstring(horHeight));
     m_heightCallBack(m_rowHeight, true, true);
 }

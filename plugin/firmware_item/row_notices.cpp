@@ -45,7 +45,7 @@ void AccessoriesFirwareWnd::AppRunningTipUpdateBtn() {
 }
 
 void AccessoriesFirwareWnd::ShowAppRunningTip(CControlUI* hot, CControlUI* tipped) {
-    SetLook(hot, {{L"hottextcolor", L"#660A59F7"}});
+    SetAttribute(hot, L"hottextcolor", L"#660A59F7");
     const CDuiString tipTemplate = UICulture::GetInstance()->GetString(L"IDS_ACCESSORIES_APP_STARTING");
     Resolve(BindText(m_nameId));
     SetToolTip(tipped, ReplaceFirst(tipTemplate.Str(), m_bindValue.Str(), L"{0}"));

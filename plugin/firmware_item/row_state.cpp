@@ -1,8 +1,8 @@
 // What the row does with clicks and with messages of the update service.
 //
-//   from                       event                     check              actions                          to
-//   idle                       click update button       companion runs     tip on the update button         idle
-//   idle                       click update button       -                  progress look, start, notice downloading
+//   phase                      event                     check              actions                          to
+//   offered                    click update button       companion runs     tip on the update button         offered
+//   offered                    click update button       -                  progress look, start, notice downloading
 //   downloading, installing    click stop button         none               SetResume: pause, end notice     paused
 //   paused                     click stop button         companion runs     tip on the stop button           paused
 //   paused                     click stop button         -                  SetResumeClick: start, notice downloading
@@ -11,17 +11,18 @@
 //   failed                     click stop button         -                  SetRetryClick, ControlRetry downloading
 //   downloading                progress                  not paused         records and bar; 100: 1001 downloading,
 //                                                                                                            installing
-//   any                        update ended              progress, hor      SetFinishProcess                 finished
-//   finished                   click stop button         none               SetResume, on purpose as while   paused
+//   any                        update ended              progress, hor      SetFinishProcess                 ended
+//   ended                      click stop button         none               SetResume, on purpose as while   paused
 //                                                                           downloading
 //
-// Idle: the update button is shown. Paused: m_isPaused. Failed: m_needRetry, which is asked first. Installing: the
-// record is 1001. Finished: the record is 2001. The flags are never reset together: a row that was paused and then
-// failed is still paused after the retry.
+// AccessoriesFirwareWnd::Phase tells the phase, kClicks what a click asks for in it, row_looks.h how it looks. The
+// flags are never reset together: a row that was paused and then failed is still paused after the retry.
+#include <iterator>
+
 #include "accessory_update_config/accessory_update_config.h"
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
-#include "firmware_item/row_controls.h"
+#include "firmware_item/row_looks.h"
 #include "kernel/sleep.h"
 #include "support/log_line.h"
 #include "support/text.h"
@@ -29,14 +30,54 @@
 
 namespace DuiLib {
 
+enum class RowAction { kNone, kFold, kStart, kPause, kResume, kRetry };
+
 namespace {
-constexpr std::uint32_t kFinishedLookTime = 2000;  // [ms] the finished text stays at full height
-constexpr int kFinishPadding = 24;                 // [design px] given back beside the row's own height
+
+constexpr std::uint32_t kEndedLookTime = 2000;  // [ms] the end text stays at full height
+
+// What a click on a control asks for.
+struct Click {
+    const wchar_t* control;  // its name behind the device key
+    RowAction byPhase[6];    // in the order of RowPhase
+};
+
+using enum RowAction;
+
+constexpr Click kClicks[] = {
+    // control     offered downloading paused installing ended  failed
+    {L"pulldown", {kFold, kFold, kFold, kFold, kFold, kFold}},
+    {L"updateBtn", {kStart, kStart, kStart, kStart, kStart, kStart}},
+    {L"stopBtn", {kPause, kPause, kResume, kPause, kPause, kRetry}},
+};
+
+static_assert(std::size(kClicks[0].byPhase) == static_cast<std::size_t>(RowPhase::kFailed) + 1);
+
 }  // namespace
+
+// A failure is asked for first: a row may be paused besides.
+RowPhase AccessoriesFirwareWnd::Phase() const {
+    if (m_needRetry) return RowPhase::kFailed;
+    return m_isPaused ? RowPhase::kPaused : RecordedPhase();
+}
+
+// The phase without regard to pause and failure.
+RowPhase AccessoriesFirwareWnd::RecordedPhase() const {
+    if (m_progressRecord == UPDATE_STATUS_INSTALLING) return RowPhase::kInstalling;
+    if (m_progressRecord == UPDATE_STATUS_INSTALLEND) return RowPhase::kEnded;
+    const bool offered = m_updateBtn != nullptr && m_updateBtn->IsVisible();
+    return offered ? RowPhase::kOffered : RowPhase::kDownloading;
+}
+
+RowAction AccessoriesFirwareWnd::ActionOfClick(const std::wstring& control) const {
+    for (const Click& click : kClicks) {
+        if (control == m_devKey + click.control) return click.byPhase[static_cast<std::size_t>(Phase())];
+    }
+    return kNone;
+}
 
 void AccessoriesFirwareWnd::OnClick(TNotifyUI& message) {
     if (message.sender == nullptr || m_progress == nullptr) return;
-    const std::wstring name = message.sender->GetName().Str();
     if (!(message.type == kNotifyClick)) return;
 
     const auto retry = [this] {
@@ -51,26 +92,54 @@ void AccessoriesFirwareWnd::OnClick(TNotifyUI& message) {
         m_needRetry = false;
     };
 
-    if (name == m_devKey + L"pulldown") ModifiyPullDownStatus();
-    if (name == m_devKey + L"updateBtn") {
-        LogLine(kLogDetail) << " updateBtn:" << m_devKey;
-        RlushAccessries();
-        BigDataReportSettingCenterUpdatePlugin(*this);
-    }
-    if (name == m_devKey + L"stopBtn") {
-        if (m_needRetry) {
-            retry();
-        } else if (m_isPaused) {
-            SetResumeClick();
-        } else {
-            SetResume();
-        }
+    switch (ActionOfClick(message.sender->GetName().Str())) {
+        case kFold:
+            return ModifiyPullDownStatus();
+        case kStart:
+            LogLine(kLogDetail) << " updateBtn:" << m_devKey;
+            RlushAccessries();
+            return BigDataReportSettingCenterUpdatePlugin(*this);
+        case kPause:
+            return SetResume();
+        case kResume:
+            return SetResumeClick();
+        case kRetry:
+            return retry();
+        case kNone:
+            return;
     }
 }
 
 // The second question is asked only when the first says yes.
 bool AccessoriesFirwareWnd::IsCompanionRunning() const {
     return AccessoryUpdateConfig::IsAccessoryAppRunning(m_devKey) && AccessoryUpdateConfig::IsAccessoryApp(m_devKey);
+}
+
+std::string AccessoriesFirwareWnd::NarrowKey() const { return WideToAnsi(m_devKey); }
+
+bool AccessoriesFirwareWnd::HasName(CControlUI* control, const wchar_t* suffix) const {
+    return control->GetName() == m_devKey + suffix;
+}
+
+void AccessoriesFirwareWnd::RlushAccessries() {
+    if (m_paintManager == nullptr || m_updateBtn == nullptr || m_progress == nullptr || m_stopBtn == nullptr) {
+        LogLine(kLogDetail) << " paintManager wrong nullptr";  // no kLogEvent, on purpose
+        return;
+    }
+    if (IsCompanionRunning()) {
+        LogLine(kLogDetail) << "app running update: " << m_devKey;
+        AppRunningTipUpdateBtn();
+        return;
+    }
+    if (HasName(m_updateBtn, L"updateBtn")) Show(RowLook::kStarted);
+    if (HasName(m_progress, L"progress")) {
+        m_progress->SetText(UICulture::GetInstance()->GetPercentString(0));
+        m_progress->SetVisible(true);
+    }
+    if (HasName(m_stopBtn, L"stopBtn")) m_stopBtn->SetVisible(true);
+    const std::string key = NarrowKey();
+    PostStartDownload(key);
+    SendUIPluginUpdate(key);
 }
 
 void AccessoriesFirwareWnd::PostPauseDownload(const std::string& deviceKey) {
@@ -84,10 +153,7 @@ void AccessoriesFirwareWnd::PostStartDownload(const std::string& deviceKey) {
 void AccessoriesFirwareWnd::SetResume() {
     LogLine(kLogDetail) << "resume progress record: " << m_progressRecord;
     LogLine(kLogDetail) << "resume pos record: " << m_posRecord;
-    Resolve(kBindResume);
-    SetText(m_progress, m_bindValue);
-    SetFont(m_progress, kButtonFont);
-    SetToolTip(m_stopBtn, m_bindValue);
+    Show(RowLook::kPaused);
     ControlDownload(m_devKey);
     SendUIPluginUpdateFinish(NarrowKey());
     m_isPaused = true;
@@ -128,17 +194,15 @@ void AccessoriesFirwareWnd::SetResumeClick() {
 
 // Text and bar from the records.
 void AccessoriesFirwareWnd::RestoreProgress() {
-    if (m_progressRecord == UPDATE_STATUS_INSTALLING) {
-        Resolve(kBindInstalling);
-        SetText(m_progress, m_bindValue);
-    } else if (m_progressRecord == UPDATE_STATUS_INSTALLEND) {
-        SetFont(m_progress, kTextFont);
-        Resolve(kBindInstallEnd);
-        SetText(m_progress, m_bindValue);
+    const RowPhase recorded = RecordedPhase();
+    if (recorded == RowPhase::kInstalling) {
+        Show(RowLook::kInstallingAgain);
+    } else if (recorded == RowPhase::kEnded) {
+        Show(RowLook::kEndedAgain);
     } else {
         SetText(m_progress, m_progressRecord);
     }
-    SetLook(m_progressLayout, {{L"pos", m_posRecord}});
+    SetAttribute(m_progressLayout, L"pos", m_posRecord);
 }
 
 void AccessoriesFirwareWnd::ControlRetry(const std::wstring& deviceKey) {
@@ -146,6 +210,23 @@ void AccessoriesFirwareWnd::ControlRetry(const std::wstring& deviceKey) {
     const std::string key = WideToAnsi(deviceKey);
     PostStartDownload(key);
     SendUIPluginUpdate(key);
+}
+
+void AccessoriesFirwareWnd::ShowDownloadProgress(int percent) {
+    Show(RowLook::kAnyPercentage);
+    if (m_paintManager == nullptr || m_progress == nullptr) return;
+    m_percent = percent;
+    if (m_isPaused) return Show(RowLook::kStillPaused);  // whether it has failed since or not
+    const CDuiString text = UICulture::GetInstance()->GetPercentString(percent);
+    m_progressRecord = text.Str();
+    const int fill = Truncate(percent / 100.0 * m_barWidth);
+    m_posRecord = std::to_wstring(fill) + L",0," + std::to_wstring(m_barWidth) + L",0";
+    Show(RowLook::kDownloading);
+    m_progress->SetText(text);
+    if (percent < 100) return;
+    m_progressRecord = UPDATE_STATUS_INSTALLING;
+    Show(RowLook::kInstalling);
+    m_isInstalling = true;
 }
 
 // The records stay: the bar is drawn empty, and SetRetryClick puts the last fill back.
@@ -156,29 +237,13 @@ void AccessoriesFirwareWnd::SetRetryBtn() {
     LogLine(kLogDetail) << "retry progress record: " << m_progressRecord;
     LogLine(kLogDetail) << "retry pos record: " << m_posRecord;
     m_needRetry = true;
-
-    m_progress->SetFont(kTextFont);
-    SetLook(m_progressLayout, {{L"width", std::to_wstring(m_barWidth)}, {L"pos", L"0,0,0,0"}, {L"bkround", L"28,28"}});
-    SetLook(m_progressLabel, {{L"bordersize", L"0"}});
-    SetLook(m_progress, {{L"textcolor", L"#FF0A59F7"},
-                         {L"bkcolor", L"0C000000"},
-                         {L"textcolor", L"#FF0A59F7"},  // once more, harmless
-                         {L"bordersize", L"0"},
-                         {L"bkround", L"28,28"}});
-    SetLook(m_progressLayout, {{L"bordersize", L"0"}});
-    Resolve(kBindRetry);
-    m_progress->SetText(m_bindValue);
-    SetToolTip(m_stopBtn, m_bindValue);
+    Show(RowLook::kFailed);
 }
 
 void AccessoriesFirwareWnd::SetRetryClick() {
     LogLine(kLogDetail) << "retry click progress record: " << m_progressRecord;
     LogLine(kLogDetail) << "retry click pos record: " << m_posRecord;
-    SetLook(m_progress, {{L"textcolor", L"#FF191919"}, {L"bordersize", L"1"}, {L"bkcolor", L"00FFFFFF"}});
-    SetLook(m_progressLabel, {{L"bordersize", L"1"}});
-    SetLook(m_progressLayout, {{L"bkround", L"0,0"}});
-    SetToolTip(m_stopBtn, L"");
-    SetFont(m_progress, kButtonFont);
+    Show(RowLook::kRetried);
     RestoreProgress();
 }
 
@@ -186,28 +251,16 @@ void AccessoriesFirwareWnd::SetFinishProcess() {
     LogLine(kLogDetail) << "set update btn finish";
     if (m_progress == nullptr || m_hor == nullptr) return;
     m_progressRecord = UPDATE_STATUS_INSTALLEND;
-    ShowEndedLook();
-    kernel::Sleep(kFinishedLookTime);
+    Show(RowLook::kEnded);
+    kernel::Sleep(kEndedLookTime);
     CollapseRow();
     LeaveRowList();
     m_finishCallBack();
     SendUIPluginUpdateFinish(NarrowKey());
 }
 
-void AccessoriesFirwareWnd::ShowEndedLook() {
-    DuiLib::SetVisible(m_progressLabel, false);
-    m_progress->SetFont(kTextFont);
-    SetLook(m_progressLayout, {{L"width", std::to_wstring(m_barWidth)}, {L"bkround", L"28,28"}});
-    SetLook(m_progress,
-            {{L"bkround", L"28,28"}, {L"bkcolor", L"0C000000"}, {L"textcolor", L"#FF0A59F7"}, {L"bordersize", L"0"}});
-    SetLook(m_progressLayout, {{L"bordersize", L"0"}});
-    Resolve(kBindInstallEnd);
-    m_progress->SetText(m_bindValue);
-    SetToolTip(m_stopBtn, m_bindValue);
-}
-
 void AccessoriesFirwareWnd::CollapseRow() {
-    const int delta = Truncate(static_cast<float>(m_hor->GetHeight()) / ScaleDivisor()) + kFinishPadding;
+    const int delta = Truncate(static_cast<float>(m_hor->GetHeight()) / ScaleDivisor()) + kFoldPadding;
     m_heightCallBack(delta, false, false);
     m_hor->SetVisible(false);
 }

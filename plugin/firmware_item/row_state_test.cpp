@@ -1,3 +1,4 @@
+// What clicks and the service's messages make of a row. The replayed scenarios own its log lines and attributes.
 #include <gmock/gmock.h>
 
 #include "row_fixture.h"
@@ -5,270 +6,180 @@
 namespace {
 
 using DuiLib::RowInspector;
+using DuiLib::RowPhase;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
-class FirmwareState : public RowFixture {
-protected:
-    FirmwareState() { MakeRow(); }
+using Posts = std::vector<std::string>;
+
+const Posts kNothing;
+const Posts kStart = {"B20001 B20022 X1\\0", "B20018 B20033 X1\\0"};
+const Posts kPause = {"B20001 B20025 X1\\0", "B20018 B20034 X1\\0"};
+const Posts kStopped = {"B20018 B20034 X1\\0"};
+
+constexpr const wchar_t* kTip = L"Close Drawing pen first.";
+
+class RowState : public RowFixture {};
+
+struct Transition {
+    const char* before;
+    const char* event;
+    RowPhase phase;
+    Posts posts;
+    const wchar_t* text;
+    const wchar_t* toolTip;  // of the stop button
 };
 
-TEST_F(FirmwareState, AClickOnUpdateStartsAndReports) {
+void PrintTo(const Transition& t, std::ostream* out) { *out << "\"" << t.before << "\", then \"" << t.event << "\""; }
+
+const Transition kTransitions[] = {
+    {"", "", RowPhase::kOffered, kNothing, L"", L""},
+    {"", "37%", RowPhase::kOffered, kNothing, L"37%", L""},
+    {"companion", "update", RowPhase::kOffered, kNothing, L"", L""},
+    {"", "update", RowPhase::kDownloading, kStart, L"0%", L""},
+    {"", "stop", RowPhase::kPaused, kPause, L"Resume", L"Resume"},
+    {"update", "37%", RowPhase::kDownloading, kNothing, L"37%", L""},
+    {"update", "100%", RowPhase::kInstalling, kNothing, L"Installing...", L"Installing..."},
+    {"update", "250%", RowPhase::kInstalling, kNothing, L"Installing...", L"Installing..."},
+    {"update 100%", "40%", RowPhase::kDownloading, kNothing, L"40%", L"Installing..."},
+    {"update 37%", "stop", RowPhase::kPaused, kPause, L"Resume", L"Resume"},
+    {"update 37% companion", "stop", RowPhase::kPaused, kPause, L"Resume", L"Resume"},
+    {"update 100%", "stop", RowPhase::kPaused, kPause, L"Resume", L"Resume"},
+    {"update 37% stop", "50%", RowPhase::kPaused, kNothing, L"Resume", L"Resume"},
+    {"update 37% stop", "stop", RowPhase::kDownloading, kStart, L"37%", L""},
+    {"update 37% stop companion", "stop", RowPhase::kPaused, kNothing, L"Resume", kTip},
+    {"update 100% stop", "stop", RowPhase::kInstalling, kStart, L"Installing...", L""},
+    {"update 37%", "fail", RowPhase::kFailed, kStopped, L"Try again", L"Try again"},
+    {"update 37% fail", "40%", RowPhase::kFailed, kNothing, L"40%", L"Try again"},
+    {"update 37% fail", "stop", RowPhase::kDownloading, kStart, L"37%", L""},
+    {"update 37% fail companion", "stop", RowPhase::kFailed, kNothing, L"Try again", kTip},
+    {"update 100% fail", "stop", RowPhase::kInstalling, kStart, L"Installing...", L""},
+    {"update 37% stop", "fail", RowPhase::kFailed, kStopped, L"Try again", L"Try again"},
+    {"update 37% stop fail", "50%", RowPhase::kFailed, kNothing, L"Resume", L"Try again"},
+    // Deliberate: a failure does not clear the pause.
+    {"update 37% stop fail", "stop", RowPhase::kPaused, kStart, L"37%", L""},
+    {"update 37% stop fail stop", "stop", RowPhase::kDownloading, kStart, L"37%", L""},
+    {"update 100%", "end", RowPhase::kEnded, kStopped, L"Up to date", L"Up to date"},
+    {"update 37% stop", "end", RowPhase::kPaused, kStopped, L"Up to date", L"Up to date"},
+    // Deliberate: an ended row still pauses and resumes.
+    {"update end", "stop", RowPhase::kPaused, kPause, L"Resume", L"Resume"},
+    {"update end stop", "stop", RowPhase::kEnded, kStart, L"Up to date", L""},
+    {"update end fail", "stop", RowPhase::kEnded, kStart, L"Up to date", L""},
+};
+
+class Transitions : public RowState, public testing::WithParamInterface<Transition> {};
+
+TEST_P(Transitions, LeadToThePhasePostsAndTexts) {
+    const Transition& t = GetParam();
+    MakeRow();
+    Do(t.before);
     Forget();
-    Click(L"X1updateBtn");
-    EXPECT_THAT(Logged(3), ElementsAre(Line(L" updateBtn:X1", L"OnClick"), Line(L"update : X1", L"SendUIPluginUpdate"),
-                                       Line(L"update plugin type: 0 firename: IDS_NAME_PEN pkgname: X1",
-                                            L"BigDataReportSettingCenterUpdatePlugin")));
-    EXPECT_THAT(Logged(4), IsEmpty());
-    EXPECT_THAT(Posted(), ElementsAre("B20001 B20022 X1\\0", "B20018 B20033 X1\\0"));
+    Do(t.event);
+    EXPECT_EQ(Phase(), t.phase);
+    EXPECT_THAT(Posted(), ElementsAreArray(t.posts));
+    EXPECT_EQ(Text(L"X1progress"), t.text);
+    EXPECT_EQ(ToolTip(L"X1stopBtn"), t.toolTip);
 }
 
-TEST_F(FirmwareState, PauseAsksTheServiceAndTellsTheHost) {
-    Download(37);
-    Click(L"X1stopBtn");
-    EXPECT_THAT(Logged(3), ElementsAre(Line(L"resume progress record: 37%", L"SetResume"),
-                                       Line(L"resume pos record: 44,0,120,0", L"SetResume"),
-                                       Line(L"ControlDownload : progress wrong nullpter", L"ControlDownload"),
-                                       Line(L"update finish: X1", L"SendUIPluginUpdateFinish")));
-    EXPECT_THAT(Logged(4), IsEmpty());
-    EXPECT_THAT(Posted(), ElementsAre("B20001 B20025 X1\\0", "B20018 B20034 X1\\0"));
-    EXPECT_TRUE(RowInspector::IsPaused(*row));
-    EXPECT_EQ(Text(L"X1progress"), L"Resume");
-    EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Resume");
-    EXPECT_EQ(Control(L"X1progress").GetFont(), 102);
-}
+INSTANTIATE_TEST_SUITE_P(Row, Transitions, testing::ValuesIn(kTransitions));
 
-TEST_F(FirmwareState, PauseIsPostedUnderTheResumeTextAndBeforeTheRowCountsAsPaused) {
-    Download(37);
-    seam::Get().onPost = [this](int) {
-        EXPECT_EQ(Text(L"X1progress"), L"Resume");
-        EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Resume");
-        EXPECT_FALSE(RowInspector::IsPaused(*row));
+struct AtAPost {
+    const char* before;
+    const char* event;
+    RowPhase phase;
+    const wchar_t* text;
+    const wchar_t* toolTip;
+    const wchar_t* pos;
+    std::size_t posts;
+};
+
+TEST_F(RowState, EveryPostGoesOutWhenItsLookIsShownAndBeforeThePhaseChanges) {
+    const AtAPost cases[] = {
+        {"", "update", RowPhase::kDownloading, L"0%", L"", L"", 2},
+        {"update 37%", "stop", RowPhase::kDownloading, L"Resume", L"Resume", L"44,0,120,0", 2},
+        {"update 37% stop", "stop", RowPhase::kPaused, L"37%", L"Resume", L"44,0,120,0", 2},
+        {"update 37%", "fail", RowPhase::kDownloading, L"37%", L"", L"44,0,120,0", 1},
+        {"update 37% fail", "stop", RowPhase::kFailed, L"37%", L"", L"44,0,120,0", 2},
     };
-    Click(L"X1stopBtn");
-    EXPECT_EQ(Posted().size(), 2u);
+    for (const AtAPost& m : cases) {
+        SCOPED_TRACE(std::string(m.before) + " | " + m.event);
+        MakeRow();
+        Do(m.before);
+        Forget();
+        seam::Get().onPost = [&](int) {
+            EXPECT_EQ(Phase(), m.phase);
+            EXPECT_EQ(Text(L"X1progress"), m.text);
+            EXPECT_EQ(ToolTip(L"X1stopBtn"), m.toolTip);
+            EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), m.pos);
+            EXPECT_FALSE(Shown(L"X1updateBtn"));
+            EXPECT_TRUE(Shown(L"X1stopBtn"));
+        };
+        Do(m.event);
+        seam::Get().onPost = {};
+        EXPECT_EQ(Posted().size(), m.posts);
+    }
 }
 
-TEST_F(FirmwareState, PauseIsNotRefusedWhileTheCompanionRuns) {
-    Download(37);
-    CompanionRuns(L"X1");
-    Click(L"X1stopBtn");
-    EXPECT_TRUE(RowInspector::IsPaused(*row));
-}
-
-TEST_F(FirmwareState, PauseWritesIntoAControlThatHasTheKeyAsItsName) {
-    Download(37);
-    Control(L"desName").SetName(L"X1");
-    Click(L"X1stopBtn");
-    EXPECT_EQ(Text(L"X1"), L"Resume");
-}
-
-TEST_F(FirmwareState, ResumeAfterAPercentPutsTextAndBarBack) {
-    Download(37);
-    Click(L"X1stopBtn");
-    Control(L"X1progressLayout").SetAttribute(L"pos", L"1,0,2,0");
-    Forget();
-    Click(L"X1stopBtn");
-    EXPECT_THAT(Logged(3), ElementsAre(Line(L"resume click progress record: 37%", L"SetResumeClick"),
-                                       Line(L"resume click pos record: 44,0,120,0", L"SetResumeClick"),
-                                       Line(L"update : X1", L"SendUIPluginUpdate")));
-    EXPECT_THAT(Logged(4), IsEmpty());
-    EXPECT_THAT(Posted(), ElementsAre("B20001 B20022 X1\\0", "B20018 B20033 X1\\0"));
-    EXPECT_EQ(Text(L"X1progress"), L"37%");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
-    EXPECT_EQ(ToolTip(L"X1stopBtn"), L"");
-    EXPECT_FALSE(RowInspector::IsPaused(*row));
-}
-
-TEST_F(FirmwareState, ResumeIsPostedBetweenTheOldTextAndTheEndOfTheToolTip) {
-    Download(37);
-    Click(L"X1stopBtn");
-    Control(L"X1progressLayout").SetAttribute(L"pos", L"1,0,2,0");
-    Forget();
-    seam::Get().onPost = [this](int) {
-        EXPECT_EQ(Text(L"X1progress"), L"37%");
-        EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
-        EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Resume");
-        EXPECT_TRUE(RowInspector::IsPaused(*row));
-    };
-    Click(L"X1stopBtn");
-    EXPECT_EQ(Posted().size(), 2u);
-}
-
-TEST_F(FirmwareState, ResumeWhileInstallingShowsTheInstallingText) {
-    Download(100);
-    Click(L"X1stopBtn");
-    Click(L"X1stopBtn");
-    EXPECT_EQ(Text(L"X1progress"), L"Installing...");
-    EXPECT_EQ(Control(L"X1progress").GetFont(), 102);
-}
-
-TEST_F(FirmwareState, ResumeAfterTheEndShowsTheEndTextInFont9AndSaysSo) {
-    Download(100);
-    row->SetFinishProcess();
-    Click(L"X1stopBtn");
-    Forget();
-    Click(L"X1stopBtn");
-    EXPECT_THAT(Logged(), testing::Contains(Line(L"SetResumeClick:progressRecordStr is UPDATE_STATUS_INSTALLEND",
-                                                 L"SetResumeClick")));
-    EXPECT_EQ(Text(L"X1progress"), L"Up to date");
-    EXPECT_EQ(Control(L"X1progress").GetFont(), 9);
-}
-
-TEST_F(FirmwareState, ResumeIsRefusedWhileTheCompanionRuns) {
-    Download(37);
-    Click(L"X1stopBtn");
-    CompanionRuns(L"X1");
-    Forget();
-    Click(L"X1stopBtn");
-    EXPECT_THAT(Logged(3), ElementsAre(Line(L"app running update: X1", L"SetResumeClick"),
-                                       Line(L"update app running stop", L"AppRunningTipStopBtn")));
-    EXPECT_THAT(Logged(4), IsEmpty());
-    EXPECT_THAT(Posted(), IsEmpty());
-    EXPECT_TRUE(RowInspector::IsPaused(*row));
-    EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Close Drawing pen first.");
-}
-
-TEST_F(FirmwareState, AFailureDrawsTheBarEmptyAndKeepsTheRecords) {
-    Download(37);
-    row->SetRetryBtn();
-    EXPECT_THAT(Logged(3), ElementsAre(Line(L"set retry btn", L"SetRetryBtn"),
-                                       Line(L"update finish: X1", L"SendUIPluginUpdateFinish"),
-                                       Line(L"retry progress record: 37%", L"SetRetryBtn"),
-                                       Line(L"retry pos record: 44,0,120,0", L"SetRetryBtn")));
-    EXPECT_THAT(Logged(4), IsEmpty());
-    EXPECT_THAT(Posted(), ElementsAre("B20018 B20034 X1\\0"));
-    EXPECT_TRUE(RowInspector::NeedsRetry(*row));
+TEST_F(RowState, AFailureEmptiesTheBarAndARetryFillsItAgain) {
+    MakeRow();
+    Do("update 37% fail");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"0,0,0,0");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"width"), L"120");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"bkround"), L"28,28");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"bordersize"), L"0");
-    EXPECT_EQ(Attribute(L"X1progressLabel", L"bordersize"), L"0");
-    EXPECT_EQ(Attribute(L"X1progress", L"textcolor"), L"#FF0A59F7");
-    EXPECT_EQ(Attribute(L"X1progress", L"bkcolor"), L"0C000000");
-    EXPECT_EQ(Attribute(L"X1progress", L"bordersize"), L"0");
-    EXPECT_EQ(Attribute(L"X1progress", L"bkround"), L"28,28");
-    EXPECT_EQ(Control(L"X1progress").GetFont(), 9);
-    EXPECT_EQ(Text(L"X1progress"), L"Try again");
-    EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Try again");
-    EXPECT_EQ(RowInspector::ProgressRecord(*row), L"37%");
-    EXPECT_EQ(RowInspector::PosRecord(*row), L"44,0,120,0");
-}
-
-TEST_F(FirmwareState, AFailureIsToldToTheHostBeforeTheRowShowsIt) {
-    Download(37);
-    seam::Get().onPost = [this](int) {
-        EXPECT_FALSE(RowInspector::NeedsRetry(*row));
-        EXPECT_EQ(Text(L"X1progress"), L"37%");
-        EXPECT_EQ(Control(L"X1progress").GetFont(), 102);
-        EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
-        EXPECT_EQ(ToolTip(L"X1stopBtn"), L"");
-        EXPECT_THAT(Logged(3), ElementsAre(Line(L"set retry btn", L"SetRetryBtn"),
-                                           Line(L"update finish: X1", L"SendUIPluginUpdateFinish")));
-    };
-    row->SetRetryBtn();
-    EXPECT_EQ(Posted().size(), 1u);
-}
-
-TEST_F(FirmwareState, ARetryPutsTheLastFillBackAndStartsAgain) {
-    Download(37);
-    row->SetRetryBtn();
-    Forget();
-    Click(L"X1stopBtn");
-    EXPECT_THAT(Logged(3),
-                ElementsAre(Line(L"update retry", L"OnClick::<lambda>::operator ()"),
-                            Line(L"retry click progress record: 37%", L"SetRetryClick"),
-                            Line(L"retry click pos record: 44,0,120,0", L"SetRetryClick"),
-                            Line(L"control retry", L"ControlRetry"), Line(L"update : X1", L"SendUIPluginUpdate")));
-    EXPECT_THAT(Logged(4), IsEmpty());
-    EXPECT_THAT(Posted(), ElementsAre("B20001 B20022 X1\\0", "B20018 B20033 X1\\0"));
-    EXPECT_FALSE(RowInspector::NeedsRetry(*row));
+    Do("stop");
     EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
-    EXPECT_EQ(Attribute(L"X1progressLayout", L"bkround"), L"0,0");
-    EXPECT_EQ(Attribute(L"X1progressLabel", L"bordersize"), L"1");
-    EXPECT_EQ(Attribute(L"X1progress", L"textcolor"), L"#FF191919");
-    EXPECT_EQ(Attribute(L"X1progress", L"bkcolor"), L"00FFFFFF");
-    EXPECT_EQ(Attribute(L"X1progress", L"bordersize"), L"1");
-    EXPECT_EQ(Text(L"X1progress"), L"37%");
-    EXPECT_EQ(Control(L"X1progress").GetFont(), 102);
-    EXPECT_EQ(ToolTip(L"X1stopBtn"), L"");
 }
 
-TEST_F(FirmwareState, ARetryIsPostedUnderTheDownloadLookAndWhileStillPending) {
-    Download(37);
-    row->SetRetryBtn();
-    Forget();
-    seam::Get().onPost = [this](int) {
-        EXPECT_EQ(Text(L"X1progress"), L"37%");
-        EXPECT_EQ(Attribute(L"X1progressLayout", L"pos"), L"44,0,120,0");
-        EXPECT_EQ(ToolTip(L"X1stopBtn"), L"");
-        EXPECT_TRUE(RowInspector::NeedsRetry(*row));
-    };
-    Click(L"X1stopBtn");
-    EXPECT_EQ(Posted().size(), 2u);
+TEST_F(RowState, TheLastPercentageIsRememberedWhilePausedToo) {
+    MakeRow();
+    Do("update 10% stop 50%");
+    EXPECT_EQ(RowInspector::Percent(*row), 50);
+    EXPECT_FALSE(RowInspector::IsInstalling(*row));
+    Do("stop");
+    EXPECT_EQ(Text(L"X1progress"), L"10%") << "the record is of what was shown";
+    Do("100%");
+    EXPECT_TRUE(RowInspector::IsInstalling(*row));
 }
 
-TEST_F(FirmwareState, ARetryWhileTheCompanionRunsShowsTheTipAndStaysPending) {
-    Download(37);
-    row->SetRetryBtn();
-    CompanionRuns(L"X1");
+TEST_F(RowState, TheSecondCompanionQuestionIsAskedOnlyAfterAYes) {
+    MakeRow();
+    Do("update");
+    EXPECT_EQ(seam::Get().companionQuestions, (std::vector<std::wstring>{L"running:X1"}));
+    seam::Get().companions[L"X1"] = {false, true};
+    Do("update");
+    EXPECT_EQ(seam::Get().companionQuestions, (std::vector<std::wstring>{L"running:X1", L"running:X1", L"app:X1"}));
+}
+
+TEST_F(RowState, AStartWithoutItsControlsIsLoggedAndDoesNothing) {
+    UseLayouts({{"stopBtn"}, true, true});
+    ExpectFailureLine(L"nullptr");
+    MakeRow();
     Forget();
-    Click(L"X1stopBtn");
-    EXPECT_THAT(Logged(3), ElementsAre(Line(L"update retry", L"OnClick::<lambda>::operator ()"),
-                                       Line(L"app running update: X1", L"OnClick::<lambda>::operator ()"),
-                                       Line(L"update app running stop", L"AppRunningTipStopBtn")));
-    EXPECT_THAT(Logged(4), IsEmpty());
+    RowInspector::Start(*row);
+    EXPECT_THAT(Logged(3), ElementsAre(Line(L" paintManager wrong nullptr", L"RlushAccessries")));
     EXPECT_THAT(Posted(), IsEmpty());
-    EXPECT_TRUE(RowInspector::NeedsRetry(*row));
-    EXPECT_EQ(ToolTip(L"X1stopBtn"), L"Close Drawing pen first.");
 }
 
-TEST_F(FirmwareState, ARetryAfterInstallingOrTheEndShowsTheirTexts) {
-    Download(100);
-    row->SetRetryBtn();
-    Click(L"X1stopBtn");
-    EXPECT_EQ(Text(L"X1progress"), L"Installing...");
-    row->SetFinishProcess();
-    row->SetRetryBtn();
+TEST_F(RowState, RenamedControlsAreLeftAloneButTheStartIsPosted) {
+    MakeRow();
+    Control(L"X1updateBtn").SetName(L"other1");
+    Control(L"X1stopBtn").SetName(L"other2");
     Forget();
-    Click(L"X1stopBtn");
-    EXPECT_EQ(Text(L"X1progress"), L"Up to date");
-    EXPECT_EQ(Control(L"X1progress").GetFont(), 9);
-    EXPECT_THAT(Logged(), testing::Not(testing::Contains(testing::HasSubstr(L"UPDATE_STATUS_INSTALLEND"))));
+    RowInspector::Start(*row);
+    EXPECT_TRUE(Shown(L"other1"));
+    EXPECT_FALSE(Shown(L"other2"));
+    EXPECT_FALSE(Shown(L"X1progressBtn"));
+    EXPECT_THAT(Posted(), ElementsAreArray(kStart));
 }
 
-TEST_F(FirmwareState, ARowThatWasPausedAndThenFailedIsStillPausedAfterTheRetry) {
-    Download(37);
-    Click(L"X1stopBtn");
-    row->SetRetryBtn();
-    Click(L"X1stopBtn");
-    EXPECT_TRUE(RowInspector::IsPaused(*row));
+TEST_F(RowState, OnlyAClickOnAControlOfThisRowCounts) {
+    MakeRow();
     Forget();
-    Click(L"X1stopBtn");
-    EXPECT_THAT(Posted(), ElementsAre("B20001 B20022 X1\\0", "B20018 B20033 X1\\0")) << "resumes instead of pausing";
-}
-
-TEST_F(FirmwareState, AClickOnAControlOfAnotherRowIsIgnored) {
     DuiLib::CControlUI other;
     other.SetName(L"X2stopBtn");
-    DuiLib::TNotifyUI message{DuiLib::kNotifyClick, &other, {}, {}};
-    Forget();
-    row->OnClick(message);
-    EXPECT_TRUE(seam::Get().events.empty());
-}
-
-TEST_F(FirmwareState, ANotificationOtherThanClickIsIgnored) {
-    Forget();
-    m_page.Notify(L"X1updateBtn", L"mouseenter");
-    DuiLib::TNotifyUI message{L"mouseenter", &Control(L"X1updateBtn"), {}, {}};
-    row->OnClick(message);
-    EXPECT_TRUE(seam::Get().events.empty());
-}
-
-TEST_F(FirmwareState, ANotificationWithoutASenderIsIgnored) {
-    Forget();
-    DuiLib::TNotifyUI message{DuiLib::kNotifyClick, nullptr, {}, {}};
-    row->OnClick(message);
+    DuiLib::TNotifyUI ofAnotherRow{DuiLib::kNotifyClick, &other, {}, {}};
+    DuiLib::TNotifyUI noClick{L"mouseenter", &Control(L"X1updateBtn"), {}, {}};
+    DuiLib::TNotifyUI fromNowhere{DuiLib::kNotifyClick, nullptr, {}, {}};
+    for (DuiLib::TNotifyUI* const message : {&ofAnotherRow, &noClick, &fromNowhere}) row->OnClick(*message);
     EXPECT_TRUE(seam::Get().events.empty());
 }
 

@@ -24,6 +24,7 @@ protected:
     // Surroundings, before the page is made.
     void UseLayouts(MinimalLayouts::Options options);
     void UseScale(unsigned percent);
+    void UseCells(DuiLib::CDuiSize cell) { m_measurer = FixedCellMeasurer(cell); }  // [design px]
     void SetTextOf(const wchar_t* id, const wchar_t* text);
 
     // What the host does; service_messages.h has what the service does.
