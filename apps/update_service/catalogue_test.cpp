@@ -9,6 +9,9 @@
 namespace update_service {
 namespace {
 
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 using Json = nlohmann::ordered_json;
 using testing::ElementsAre;
 using testing::HasSubstr;

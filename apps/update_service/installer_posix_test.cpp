@@ -10,6 +10,10 @@
 namespace update_service {
 namespace {
 
+using test_support::ReadFile;
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 using std::chrono::milliseconds;
 
 class Installer : public testing::Test {

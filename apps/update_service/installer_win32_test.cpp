@@ -10,6 +10,10 @@
 namespace update_service {
 namespace {
 
+using test_support::ReadFile;
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 using app_system::CommandLineOf;
 using std::chrono::milliseconds;
 

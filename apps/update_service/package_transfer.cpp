@@ -5,9 +5,9 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/file.h"
 #include "base/path.h"
 #include "base/reason.h"
-#include "durable_file.h"
 #include "pacer.h"
 #include "sha256.h"
 
@@ -37,7 +37,7 @@ public:
         if (!HasPackage()) {
             if (m_stop.stop_requested() || !CopyRest() || !CheckPart()) return TransferEnd::kStopped;
             m_progress(100);
-            RenameDurably(m_transfer.files.part, m_transfer.files.package);
+            base::RenameDurably(m_transfer.files.part, m_transfer.files.package);
         } else {
             m_progress(100);
         }
@@ -60,7 +60,7 @@ private:
         m_size = fs::file_size(m_transfer.source);
         std::ifstream source(m_transfer.source, std::ios::binary);
         if (!source) throw std::runtime_error(base::Utf8FromPath(m_transfer.source) + ": cannot be opened");
-        AppendFile part(m_transfer.files.part);
+        base::AppendFile part(m_transfer.files.part);
         m_done = part.Size();
         if (m_done > m_size) {
             part.Clear();
@@ -73,7 +73,7 @@ private:
         return complete;
     }
 
-    bool Copy(std::ifstream& source, AppendFile& part) {
+    bool Copy(std::ifstream& source, base::AppendFile& part) {
         Pacer pacer(m_transfer.bytesPerSecond);
         std::vector<char> chunk(ChunkSize(m_size, m_transfer.bytesPerSecond));
         while (m_done < m_size) {
@@ -81,7 +81,7 @@ private:
             if (!source.read(chunk.data(), static_cast<std::streamsize>(size))) {
                 throw std::runtime_error(base::Utf8FromPath(m_transfer.source) + ": cannot be read to its end");
             }
-            part.Append(chunk.data(), static_cast<std::size_t>(size));
+            part.Append({chunk.data(), static_cast<std::size_t>(size)});
             m_done += size;
             Tell();
             if (!pacer.Passed(size, m_stop)) return false;

@@ -11,6 +11,11 @@
 namespace update_service {
 namespace {
 
+using test_support::Bytes;
+using test_support::ReadFile;
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 

@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "base/file.h"
 #include "base/path.h"
-#include "durable_file.h"
 
 namespace update_service {
 namespace {
@@ -63,7 +63,7 @@ void WriteState(const std::filesystem::path& file, const ServiceState& state) {
     for (const auto& [key, device] : state) {
         devices[key] = {{"phase", NameOf(device.phase)}, {"sha256", device.sha256}};
     }
-    ReplaceFile(file, Json{{"devices", std::move(devices)}}.dump(2) + "\n");
+    base::ReplaceContent(file, Json{{"devices", std::move(devices)}}.dump(2) + "\n");
 }
 
 }  // namespace update_service

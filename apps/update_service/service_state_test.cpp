@@ -7,6 +7,9 @@
 namespace update_service {
 namespace {
 
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 TEST(ServiceState, SurvivesTheRoundTrip) {
     const TestFolder folder;
     const ServiceState state = {

@@ -18,6 +18,11 @@
 
 namespace update_service {
 
+using test_support::Bytes;
+using test_support::ReadFile;
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 // Lines that any thread adds to and the test waits for.
 class Record {
 public:

@@ -11,6 +11,8 @@
 
 namespace update_service {
 
+using test_support::TestFolder;
+
 // Keeps the pipes of this process, and of what it starts, in the test's own folder.
 class TestPipe {
 public:

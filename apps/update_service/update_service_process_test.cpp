@@ -18,6 +18,11 @@ namespace {
 
 namespace from_page = channel::from_page;
 namespace to_page = channel::to_page;
+using test_support::Bytes;
+using test_support::ReadFile;
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 

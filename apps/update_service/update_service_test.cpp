@@ -8,6 +8,10 @@
 namespace update_service {
 namespace {
 
+using test_support::Bytes;
+using test_support::ReadFile;
+using test_support::WriteFile;
+
 #if defined(_WIN32)
 constexpr const char* kIsAllowed = "if not exist allowed exit 7";
 constexpr const char* kCopyToPen = "copy \"%ACCESSORY_PACKAGE%\" pen.installed";

@@ -8,6 +8,10 @@
 namespace update_service {
 namespace {
 
+using test_support::ReadFile;
+using test_support::TestFolder;
+using test_support::WriteFile;
+
 TEST(WorkFiles, KeysBecomeSafeFileNames) {
     struct Case {
         std::string key;

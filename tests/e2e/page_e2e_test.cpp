@@ -76,7 +76,7 @@ PageE2ETest::~PageE2ETest() {
 }
 
 std::string PageE2ETest::PackageContent(const std::string& key, std::size_t size) const {
-    return key + update_service::Bytes(size - key.size());
+    return key + test_support::Bytes(size - key.size());
 }
 
 void PageE2ETest::AddAccessory(const std::string& key, std::size_t packageSize, const std::string& installer) {

@@ -19,8 +19,8 @@ namespace e2e {
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
-using update_service::ReadFile;
-using update_service::WriteFile;
+using test_support::ReadFile;
+using test_support::WriteFile;
 
 // Where a control is on the desktop [device px].
 struct Place {
@@ -102,7 +102,7 @@ protected:
     static constexpr std::size_t kSize = 200 * 1000;       // [bytes] of a package
     static inline const std::string kSlowRate = "100000";  // [bytes/s] slow enough to be caught on the way
 
-    update_service::TestFolder m_folder;
+    test_support::TestFolder m_folder;
     std::unique_ptr<test_process::Process> m_service;
 
 private:

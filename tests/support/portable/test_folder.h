@@ -9,31 +9,30 @@
 #include <string>
 #include <system_error>
 
-#include "base/reason.h"
 #include "own_folder.h"
 
-namespace update_service {
+namespace test_support {
 
 // A folder for one test, removed at its end.
 class TestFolder {
 public:
-    TestFolder() = default;
+    explicit TestFolder(const std::string& prefix = "brindle_test") : m_path(MakeOwnFolder(prefix)) {}
     ~TestFolder() {
         const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         std::error_code error;
         do {  // on Windows the folder of a program that is just ending cannot be removed
             std::filesystem::remove_all(m_path, error);
         } while (error && std::chrono::steady_clock::now() < patience);
-        EXPECT_FALSE(error) << base::Reason(error);
+        EXPECT_FALSE(error) << error.message();
     }
     TestFolder(const TestFolder&) = delete;
     TestFolder& operator=(const TestFolder&) = delete;
 
     const std::filesystem::path& Path() const { return m_path; }
-    std::filesystem::path operator/(const std::string& name) const { return m_path / name; }
+    std::filesystem::path operator/(const std::filesystem::path& name) const { return m_path / name; }
 
 private:
-    const std::filesystem::path m_path = test_support::MakeOwnFolder("update_service");
+    const std::filesystem::path m_path;
 };
 
 inline void WriteFile(const std::filesystem::path& file, const std::string& content) {
@@ -52,4 +51,4 @@ inline std::string Bytes(std::size_t size) {
     return bytes;
 }
 
-}  // namespace update_service
+}  // namespace test_support

@@ -1,0 +1,186 @@
+#include "base/file.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "base/path.h"
+#include "base/reason.h"
+#include "test_folder.h"
+
+namespace base {
+namespace {
+
+using test_support::ReadFile;
+using test_support::TestFolder;
+using test_support::WriteFile;
+using testing::ElementsAre;
+
+// The system, with what is asked of it in order; "sync" tells how much the file held by then.
+class WatchedSystem : public FileSystem {
+public:
+    void Sync(const OwnedHandle& file, const std::filesystem::path& path) override {
+        m_calls.push_back("sync " + Name(path) + " of " + std::to_string(Size(file, path)));
+        FileSystem::Sync(file, path);
+    }
+    void Rename(const std::filesystem::path& from, const std::filesystem::path& path) override {
+        m_calls.push_back("rename " + Name(from) + " to " + Name(path));
+        FileSystem::Rename(from, path);
+    }
+    void SyncFolder(const std::filesystem::path& path) override {
+        m_calls.push_back("sync folder " + Utf8FromPath(path));
+        FileSystem::SyncFolder(path);
+    }
+
+    std::vector<std::string> m_calls;
+
+private:
+    static std::string Name(const std::filesystem::path& path) { return Utf8FromPath(path.filename()); }
+};
+
+// A disk that takes a few bytes a call, or none from a call on.
+class NarrowSystem : public FileSystem {
+public:
+    explicit NarrowSystem(int callsUntilFull) : m_callsUntilFull(callsUntilFull) {}
+    std::size_t Append(const OwnedHandle& file, const char* bytes, std::size_t size,
+                       const std::filesystem::path& path) override {
+        if (m_callsUntilFull-- == 0) {
+            throw std::system_error(std::make_error_code(std::errc::no_space_on_device), Utf8FromPath(path));
+        }
+        return FileSystem::Append(file, bytes, std::min<std::size_t>(size, 3), path);
+    }
+
+private:
+    int m_callsUntilFull;
+};
+
+TEST(File, GrowsAtItsEnd) {
+    const TestFolder folder;
+    for (const char* text : {"abc", "def"}) {
+        AppendFile file(folder / "file");
+        file.Append(text);
+        file.Sync();
+    }
+    EXPECT_EQ(ReadFile(folder / "file"), "abcdef");
+    AppendFile file(folder / "file");
+    EXPECT_EQ(file.Size(), 6u);
+    file.Clear();
+    EXPECT_EQ(file.Size(), 0u);
+}
+
+TEST(File, GrowsAtItsEndWhoeverElseWritesThere) {
+    const TestFolder folder;
+    AppendFile one(folder / "file");
+    AppendFile other(folder / "file");
+    one.Append("a");
+    other.Append("b");
+    one.Append("c");
+    EXPECT_EQ(ReadFile(folder / "file"), "abc");
+}
+
+TEST(File, ErrorsNameTheFile) {
+    const TestFolder folder;
+    const auto missing = folder / "missing" / "file";
+    try {
+        AppendFile file(missing);
+        FAIL() << "opened";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::errc::no_such_file_or_directory);
+        EXPECT_EQ(Reason(error), Utf8FromPath(missing) + ": " + Reason(error.code()));
+    }
+    if (std::filesystem::exists("/dev/full")) {
+        AppendFile full("/dev/full");
+        EXPECT_THAT([&] { full.Append("x"); },
+                    testing::ThrowsMessage<std::system_error>("/dev/full: No space left on device"));
+    }
+}
+
+TEST(File, WhatTheSystemTakesInPiecesIsWrittenWhole) {
+    const TestFolder folder;
+    NarrowSystem system(100);
+    AppendText(folder / "file", "in many pieces", system);
+    EXPECT_EQ(ReadFile(folder / "file"), "in many pieces");
+}
+
+TEST(File, LinesOfSeveralThreadsStayWhole) {
+    const TestFolder folder;
+    {
+        std::vector<std::jthread> threads;
+        for (const char letter : {'a', 'b', 'c'}) {
+            threads.emplace_back([&folder, letter] {
+                for (int i = 0; i < 50; ++i) AppendText(folder / "file", std::string(300, letter) + "\n");
+            });
+        }
+    }
+    std::ifstream file(folder / "file");
+    int lines = 0;
+    for (std::string line; std::getline(file, line); ++lines) ASSERT_EQ(line, std::string(300, line.at(0)));
+    EXPECT_EQ(lines, 150);
+}
+
+TEST(File, AReplacedOneHasTheNewContentAndNothingIsLeftBeside) {
+    const TestFolder folder;
+    WriteFile(folder / "file.new", "left by a crash, and longer");
+    ReplaceContent(folder / "file", "one");
+    EXPECT_EQ(ReadFile(folder / "file"), "one");
+    ReplaceContent(folder / "file", "two");
+    EXPECT_EQ(ReadFile(folder / "file"), "two");
+    EXPECT_FALSE(std::filesystem::exists(folder / "file.new"));
+}
+
+// Copied into the old file, the new content would show under the other name too, and half of it to who reads meanwhile.
+TEST(File, AReplacedOneIsAnotherFileAndTheOldOneKeepsItsContent) {
+    const TestFolder folder;
+    WriteFile(folder / "file", "the old content");
+    std::filesystem::create_hard_link(folder / "file", folder / "other name");
+    ReplaceContent(folder / "file", "new");
+    EXPECT_EQ(ReadFile(folder / "file"), "new");
+    EXPECT_EQ(ReadFile(folder / "other name"), "the old content");
+}
+
+TEST(File, WhoReadsTheOldOneReadsItToItsEnd) {
+#ifdef _WIN32
+    GTEST_SKIP() << "the standard library's files hold their names there";
+#endif
+    const TestFolder folder;
+    const std::string old(100'000, 'o');  // more than a reader takes at once
+    WriteFile(folder / "file", old);
+    std::ifstream reader(folder / "file");
+    std::string text(4, '\0');
+    reader.read(text.data(), 4);
+    ReplaceContent(folder / "file", "new");
+    std::string rest;
+    std::getline(reader, rest);
+    EXPECT_TRUE(text + rest == old);
+}
+
+TEST(File, AReplacedOneIsOnTheDiskBeforeItGetsTheName) {
+    const TestFolder folder;
+    WatchedSystem system;
+    ReplaceContent(folder / "file", "four", system);
+    EXPECT_THAT(system.m_calls, ElementsAre("sync file.new of 4", "rename file.new to file",
+                                            "sync folder " + Utf8FromPath(folder.Path())));
+}
+
+TEST(File, AFileWithoutAFolderInItsNameLiesInTheCurrentOne) {
+    class NoRename : public WatchedSystem {
+    public:
+        void Rename(const std::filesystem::path&, const std::filesystem::path&) override {}
+    } system;
+    RenameDurably("a", "b", system);
+    EXPECT_THAT(system.m_calls, ElementsAre("sync folder ."));
+}
+
+TEST(File, AFullDiskLeavesTheOldContent) {
+    const TestFolder folder;
+    WriteFile(folder / "file", "old");
+    NarrowSystem system(1);
+    EXPECT_THROW(ReplaceContent(folder / "file", "longer", system), std::system_error);
+    EXPECT_EQ(ReadFile(folder / "file"), "old");
+}
+
+}  // namespace
+}  // namespace base

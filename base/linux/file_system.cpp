@@ -1,0 +1,63 @@
+#include "base/file_system.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace base {
+namespace {
+
+[[noreturn]] void Fail(const std::filesystem::path& path) {
+    throw std::system_error(errno, std::generic_category(), path.native());
+}
+
+}  // namespace
+
+OwnedHandle FileSystem::OpenToAppend(const std::filesystem::path& path) {
+    OwnedHandle file(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
+    if (!file) Fail(path);
+    return file;
+}
+
+std::uint64_t FileSystem::Size(const OwnedHandle& file, const std::filesystem::path& path) {
+    struct stat status {};
+    if (fstat(file.Descriptor(), &status) != 0) Fail(path);
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+void FileSystem::Clear(const OwnedHandle& file, const std::filesystem::path& path) {
+    if (ftruncate(file.Descriptor(), 0) != 0) Fail(path);
+}
+
+std::size_t FileSystem::Append(const OwnedHandle& file, const char* bytes, std::size_t size,
+                               const std::filesystem::path& path) {
+    ssize_t written = -1;
+    do {
+        written = write(file.Descriptor(), bytes, size);
+    } while (written < 0 && errno == EINTR);
+    if (written < 0) Fail(path);
+    return static_cast<std::size_t>(written);
+}
+
+void FileSystem::Sync(const OwnedHandle& file, const std::filesystem::path& path) {
+    if (fsync(file.Descriptor()) != 0) Fail(path);
+}
+
+void FileSystem::Close(OwnedHandle& file, const std::filesystem::path& path) {
+    if (!file.Close()) Fail(path);
+}
+
+void FileSystem::Rename(const std::filesystem::path& from, const std::filesystem::path& path) {
+    std::filesystem::rename(from, path);
+}
+
+void FileSystem::SyncFolder(const std::filesystem::path& path) {
+    const OwnedHandle folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder) Fail(path);
+    fsync(folder.Descriptor());  // a file system that cannot do it for folders has nothing to wait for
+}
+
+}  // namespace base
