@@ -16,11 +16,11 @@
 // pipe in the test's own folder, with package files that the test writes. Only the page's pauses are shorter.
 namespace e2e {
 
+using test_support::ReadFile;
+using test_support::WriteFile;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
-using test_support::ReadFile;
-using test_support::WriteFile;
 
 // Where a control is on the desktop [device px].
 struct Place {
