@@ -46,8 +46,9 @@ protected:
     int AlignY(int space) const;
 
 private:
-    friend class CControlUI;
-    friend struct AttributeAccess;
+    friend class CControlUI;        // takes itself out when it is destroyed
+    friend struct AttributeAccess;  // sets what attributes say
+    friend struct LineLayout;       // arranges the children of rows and columns
     void Forget(CControlUI* child);
 
     std::vector<CControlUI*> m_items;
@@ -80,10 +81,6 @@ protected:
     int ContentHeight(int width) override;
     bool ContentIsFlexible(LayoutAxis axis) override;
     void ArrangeChildren() override;
-
-private:
-    template <class Visit>
-    void VisitColumns(const CDuiRect& inner, Visit visit);
 };
 
 }  // namespace DuiLib

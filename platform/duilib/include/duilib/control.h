@@ -131,15 +131,17 @@ protected:
     bool Wraps() const;
 
 private:
+    // Those who lay controls out, each for the children of its class:
     friend class CContainerUI;
-    friend class CVerticalLayoutUI;
-    friend class CHorizontalLayoutUI;
-    friend class CPaintManagerUI;
-    friend class MarkupBuilder;
-    friend class NameTable;
-    friend struct AttributeAccess;
-    friend struct ControlPainter;
     friend class CScrollViewUI;
+    friend struct LineLayout;
+    // The window that shows them, finds them by place and paints them:
+    friend class CPaintManagerUI;
+    friend struct ControlPainter;
+    // Those who give them what they are made of: a layout file's attributes, any attribute, a place among equal names.
+    friend class MarkupBuilder;
+    friend struct AttributeAccess;
+    friend class NameTable;
 
     // ---- Layout, see control_layout.cpp
     int PreferredWidth();            // fixed, else of the content

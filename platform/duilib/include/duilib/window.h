@@ -12,6 +12,7 @@
 namespace DuiLib {
 
 class CPaintManagerUI;
+class NativeWindow;
 
 struct WindowOptions {
     std::string title;              // UTF-8
@@ -48,8 +49,7 @@ public:
     CDuiPoint GetOrigin() const;              // [device px] of the content's left top corner on the desktop
 
 private:
-    struct State;
-    std::unique_ptr<State> m_state;
+    std::unique_ptr<NativeWindow> m_native;
 };
 
 }  // namespace DuiLib

@@ -1,6 +1,6 @@
 #include "window/windows/window_scale.h"
 
-#include "window/display_scale.h"
+#include "window/native_window.h"
 
 namespace DuiLib {
 

@@ -1,16 +1,16 @@
-#include "duilib/window.h"
+#include "window/native_window.h"
 
 #include <windows.h>
 #include <windowsx.h>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <stdexcept>
 #include <utility>
 
-#include "duilib/paint_manager.h"
-#include "duilib/paint_surface.h"
 #include "duilib/resource_manager.h"
+#include "duilib/window.h"
 #include "foundation/text_utf8.h"
 #include "kernel/ui_turn.h"
 #include "window/windows/window_scale.h"
@@ -19,7 +19,6 @@ namespace DuiLib {
 
 namespace {
 
-constexpr const char* kNoWindow = "no window can be opened";
 constexpr const wchar_t* kClassName = L"DuiLibWindow";
 constexpr UINT kWakeUp = WM_APP;
 constexpr CDuiPoint kNowhere{-1, -1};
@@ -28,36 +27,18 @@ std::string Reason(const char* what) { return std::string(what) + ": error " + s
 
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 
-// A key that is held down moves and scrolls again and again, but presses once; with Ctrl, Alt or the like it means
-// something else.
+constexpr std::array kKeys = {
+    std::pair<WPARAM, DuiKey>{VK_TAB, DuiKey::kTab},      std::pair<WPARAM, DuiKey>{VK_RETURN, DuiKey::kEnter},
+    std::pair<WPARAM, DuiKey>{VK_SPACE, DuiKey::kSpace},  std::pair<WPARAM, DuiKey>{VK_ESCAPE, DuiKey::kEscape},
+    std::pair<WPARAM, DuiKey>{VK_UP, DuiKey::kUp},        std::pair<WPARAM, DuiKey>{VK_DOWN, DuiKey::kDown},
+    std::pair<WPARAM, DuiKey>{VK_PRIOR, DuiKey::kPageUp}, std::pair<WPARAM, DuiKey>{VK_NEXT, DuiKey::kPageDown},
+    std::pair<WPARAM, DuiKey>{VK_HOME, DuiKey::kHome},    std::pair<WPARAM, DuiKey>{VK_END, DuiKey::kEnd},
+};
+
 std::optional<DuiKey> KeyOf(WPARAM key, LPARAM how) {
     constexpr LPARAM kWasDown = 1 << 30;
-    if (IsDown(VK_CONTROL) || IsDown(VK_MENU) || IsDown(VK_LWIN) || IsDown(VK_RWIN)) return {};
-    if ((key == VK_RETURN || key == VK_SPACE) && (how & kWasDown)) return {};
-    switch (key) {
-        case VK_TAB:
-            return IsDown(VK_SHIFT) ? DuiKey::kShiftTab : DuiKey::kTab;
-        case VK_RETURN:
-            return DuiKey::kEnter;
-        case VK_SPACE:
-            return DuiKey::kSpace;
-        case VK_ESCAPE:
-            return DuiKey::kEscape;
-        case VK_UP:
-            return DuiKey::kUp;
-        case VK_DOWN:
-            return DuiKey::kDown;
-        case VK_PRIOR:
-            return DuiKey::kPageUp;
-        case VK_NEXT:
-            return DuiKey::kPageDown;
-        case VK_HOME:
-            return DuiKey::kHome;
-        case VK_END:
-            return DuiKey::kEnd;
-        default:
-            return {};
-    }
+    const bool command = IsDown(VK_CONTROL) || IsDown(VK_MENU) || IsDown(VK_LWIN) || IsDown(VK_RWIN);
+    return MeaningOf(FindKey<WPARAM>(kKeys, key), {(how & kWasDown) != 0, IsDown(VK_SHIFT), command});
 }
 
 struct DestroyTheWindow {
@@ -100,86 +81,127 @@ CDuiSize SizeOf(const RECT& area) {
     return {static_cast<int>(area.right - area.left), static_cast<int>(area.bottom - area.top)};
 }
 
+DWORD Milliseconds(std::optional<std::chrono::milliseconds> time) {
+    if (!time) return INFINITE;
+    return static_cast<DWORD>(std::clamp<std::chrono::milliseconds::rep>(time->count(), 0, INFINITE - 1));
+}
+
 CDuiPoint PointOf(LPARAM place) { return {GET_X_LPARAM(place), GET_Y_LPARAM(place)}; }
 
-}  // namespace
+class SystemWindow final : public NativeWindow {
+public:
+    SystemWindow(CPaintManagerUI& shown, const WindowOptions& wanted) : NativeWindow(shown, wanted) {
+        m_window.reset(::CreateWindowExW(0, kClassName, FromUtf8(options.title).c_str(), WS_OVERLAPPEDWINDOW,
+                                         CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr,
+                                         ThisModule(), this));
+        if (!m_window) throw std::runtime_error(Reason(kNoWindow));
+        kernel::UiTurn turn;
+        FollowDisplay();
+        TakeFirstPlace();
+        FollowSize();
+        manager.InvalidateAll();
+        ::ShowWindow(m_handle, SW_SHOWNORMAL);
+        RethrowFailure();
+    }
 
-struct CWindowWnd::State {
-    State(CPaintManagerUI& shown, const WindowOptions& wanted) : manager(shown), options(wanted) {}
+    void WaitAndHandle(std::optional<std::chrono::milliseconds> limit) override {
+        ::MsgWaitForMultipleObjectsEx(0, nullptr, Milliseconds(WaitTime(limit)), QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+        MSG message;
+        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (message.message == WM_QUIT) TakeTurnAndAskToClose();
+            ::TranslateMessage(&message);
+            ::DispatchMessageW(&message);
+        }
+        RethrowFailure();
+    }
 
-    CPaintManagerUI& manager;
-    const WindowOptions options;
-    HWND handle = nullptr;  // also while the window is being made
-    PaintSurface surface;
-    std::function<void()> closeHandler;
-    std::optional<CPaintManagerUI::TimePoint> nextTick;
-    bool inside = false;  // the pointer, and its leaving will be told
-    bool pressed = false;
-    std::exception_ptr failure;  // of handling a message; it cannot pass through the system
-    Window window;               // destroyed before the others
+    void WakeUp() override { ::PostMessageW(m_handle, kWakeUp, 0, 0); }
+    void SetTitle(const std::string& title) override { ::SetWindowTextW(m_handle, FromUtf8(title).c_str()); }
 
+    CDuiPoint Origin() const override {
+        POINT origin{};
+        ::ClientToScreen(m_handle, &origin);
+        return {static_cast<int>(origin.x), static_cast<int>(origin.y)};
+    }
+
+    // The turn is taken for each message: the system's own handling may keep this thread, as while a window is moved.
+    static LRESULT CALLBACK Receive(HWND handle, UINT message, WPARAM wide, LPARAM low) {
+        if (message == WM_NCCREATE) {
+            auto* const made = static_cast<SystemWindow*>(reinterpret_cast<CREATESTRUCTW*>(low)->lpCreateParams);
+            made->m_handle = handle;
+            ::SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
+        }
+        if (auto* const window = reinterpret_cast<SystemWindow*>(::GetWindowLongPtrW(handle, GWLP_USERDATA))) {
+            kernel::UiTurn turn;
+            try {
+                if (const auto result = window->Handle(message, wide, low)) return *result;
+            } catch (...) {
+                window->m_failure = std::current_exception();
+                return 0;
+            }
+        }
+        return ::DefWindowProcW(handle, message, wide, low);
+    }
+
+private:
     // ---- Size and scale
-    void FollowDisplay() { CResourceManager::GetInstance()->SetScale(options.scale.value_or(DisplayScale(handle))); }
+    void FollowDisplay() { FollowScale(DisplayScale(m_handle)); }
 
     // The outer size for a content [design px], no larger than what the desktop's bars leave free.
     CDuiSize OuterSize(CDuiSize design) const {
         const CDuiSize content = CResourceManager::GetInstance()->Scale(design);
-        const CDuiSize outer = SizeOf(OuterOf(handle, {0, 0, content.cx, content.cy}));
-        const CDuiSize room = SizeOf(WorkArea(handle));
+        const CDuiSize outer = SizeOf(OuterOf(m_handle, {0, 0, content.cx, content.cy}));
+        const CDuiSize room = SizeOf(WorkArea(m_handle));
         return {std::min(outer.cx, room.cx), std::min(outer.cy, room.cy)};
     }
 
     void TakeFirstPlace() {
         const CDuiSize size = OuterSize(options.size);
-        const RECT room = WorkArea(handle);
+        const RECT room = WorkArea(m_handle);
         const CDuiSize free{SizeOf(room).cx - size.cx, SizeOf(room).cy - size.cy};
-        ::SetWindowPos(handle, nullptr, static_cast<int>(room.left) + free.cx / 2,
+        ::SetWindowPos(m_handle, nullptr, static_cast<int>(room.left) + free.cx / 2,
                        static_cast<int>(room.top) + free.cy / 2, size.cx, size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
     }
 
     void FollowSize() {
-        if (::IsIconic(handle)) return;
+        if (::IsIconic(m_handle)) return;
         RECT content{};
-        ::GetClientRect(handle, &content);
+        ::GetClientRect(m_handle, &content);
         manager.SetClientSize(SizeOf(content));
     }
 
     void MoveToOtherScale(const RECT& suggested) {
         FollowDisplay();
         const CDuiSize size = SizeOf(suggested);
-        ::SetWindowPos(handle, nullptr, static_cast<int>(suggested.left), static_cast<int>(suggested.top), size.cx,
+        ::SetWindowPos(m_handle, nullptr, static_cast<int>(suggested.left), static_cast<int>(suggested.top), size.cx,
                        size.cy, SWP_NOZORDER | SWP_NOACTIVATE);
         FollowSize();
         manager.InvalidateAll();
     }
 
     // ---- Painting
-    void Paint() {
-        const auto now = std::chrono::steady_clock::now();
-        manager.Tick(now);
-        const std::vector<CDuiRect> areas = manager.Paint(surface);
-        nextTick = manager.NextTick(now);
-        if (areas.empty()) return;
-        const HDC screen = ::GetDC(handle);
-        for (const CDuiRect& area : areas) Show(screen, area);
-        ::ReleaseDC(handle, screen);
+    bool Show(const std::vector<CDuiRect>& areas) override {
+        const HDC screen = ::GetDC(m_handle);
+        for (const CDuiRect& area : areas) ShowOn(screen, area);
+        ::ReleaseDC(m_handle, screen);
+        return true;
     }
 
     // What the system wants to see again. Where it keeps this thread, while the window is being resized, this is what
     // paints.
     void PaintExposed() {
         PAINTSTRUCT exposed;
-        const HDC screen = ::BeginPaint(handle, &exposed);
-        if (::IsWindowVisible(handle)) {
+        const HDC screen = ::BeginPaint(m_handle, &exposed);
+        if (::IsWindowVisible(m_handle)) {
             Paint();
             const RECT& area = exposed.rcPaint;
-            Show(screen, {static_cast<int>(area.left), static_cast<int>(area.top), static_cast<int>(area.right),
-                          static_cast<int>(area.bottom)});
+            ShowOn(screen, {static_cast<int>(area.left), static_cast<int>(area.top), static_cast<int>(area.right),
+                            static_cast<int>(area.bottom)});
         }
-        ::EndPaint(handle, &exposed);
+        ::EndPaint(m_handle, &exposed);
     }
 
-    void Show(HDC screen, const CDuiRect& area) {
+    void ShowOn(HDC screen, const CDuiRect& area) {
         const CDuiSize size = surface.Size();
         BITMAPINFO rows{};
         rows.bmiHeader.biSize = sizeof rows.bmiHeader;
@@ -193,41 +215,29 @@ struct CWindowWnd::State {
         ::SelectClipRgn(screen, nullptr);
     }
 
-    // ---- Waiting
-    DWORD WaitTime(std::optional<std::chrono::milliseconds> limit) const {
-        std::optional<std::chrono::milliseconds> time = limit;
-        if (nextTick) {
-            const auto left =
-                std::chrono::ceil<std::chrono::milliseconds>(*nextTick - std::chrono::steady_clock::now());
-            time = std::min(std::max(left, std::chrono::milliseconds(0)), time.value_or(left));
-        }
-        if (!time) return INFINITE;
-        return static_cast<DWORD>(std::clamp<std::chrono::milliseconds::rep>(time->count(), 0, INFINITE - 1));
-    }
-
     // ---- Input
     // The system forgets to tell of the leaving once it has told.
     void AwaitLeaving() {
         TRACKMOUSEEVENT leaving{};
         leaving.cbSize = sizeof leaving;
         leaving.dwFlags = TME_LEAVE;
-        leaving.hwndTrack = handle;
-        inside = ::TrackMouseEvent(&leaving) != FALSE;
+        leaving.hwndTrack = m_handle;
+        m_inside = ::TrackMouseEvent(&leaving) != FALSE;
     }
 
     void MovePointer(CDuiPoint point) {
-        if (!inside) AwaitLeaving();
+        if (!m_inside) AwaitLeaving();
         manager.MouseMove(point);
     }
 
     void Press(CDuiPoint point) {
-        pressed = true;
-        ::SetCapture(handle);
+        m_pressed = true;
+        ::SetCapture(m_handle);
         manager.ButtonDown(point);
     }
 
     void Release(CDuiPoint point) {
-        pressed = false;
+        m_pressed = false;
         ::ReleaseCapture();
         manager.ButtonUp(point);
         AwaitLeaving();  // it may be elsewhere already
@@ -235,19 +245,19 @@ struct CWindowWnd::State {
 
     // Another window took the pointer: what is pressed is let go without a click.
     void LosePointer() {
-        if (std::exchange(pressed, false)) manager.ButtonUp(kNowhere);
+        if (std::exchange(m_pressed, false)) manager.ButtonUp(kNowhere);
     }
 
     void TurnWheel(CDuiPoint desktop, short turned) {
         POINT point{desktop.x, desktop.y};
-        ::ScreenToClient(handle, &point);
+        ::ScreenToClient(m_handle, &point);
         manager.MouseWheel({static_cast<int>(point.x), static_cast<int>(point.y)},
                            -static_cast<double>(turned) / WHEEL_DELTA);
     }
 
-    void AskToClose() {
+    void TakeTurnAndAskToClose() {
         kernel::UiTurn turn;
-        if (closeHandler) closeHandler();
+        AskToClose();
     }
 
     // ---- Messages. Nothing: the system handles it in its own way.
@@ -286,7 +296,7 @@ struct CWindowWnd::State {
                 MovePointer(PointOf(low));
                 return 0;
             case WM_MOUSELEAVE:
-                inside = false;
+                m_inside = false;
                 manager.MouseLeave();
                 return 0;
             case WM_LBUTTONDOWN:
@@ -312,37 +322,26 @@ struct CWindowWnd::State {
         }
     }
 
-    // The turn is taken for each message: the system's own handling may keep this thread, as while a window is moved.
-    static LRESULT CALLBACK Receive(HWND handle, UINT message, WPARAM wide, LPARAM low) {
-        if (message == WM_NCCREATE) {
-            auto* const made = static_cast<State*>(reinterpret_cast<CREATESTRUCTW*>(low)->lpCreateParams);
-            made->handle = handle;
-            ::SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
-        }
-        if (auto* const state = reinterpret_cast<State*>(::GetWindowLongPtrW(handle, GWLP_USERDATA))) {
-            kernel::UiTurn turn;
-            try {
-                if (const auto result = state->Handle(message, wide, low)) return *result;
-            } catch (...) {
-                state->failure = std::current_exception();
-                return 0;
-            }
-        }
-        return ::DefWindowProcW(handle, message, wide, low);
+    void RethrowFailure() {
+        if (m_failure) std::rethrow_exception(std::exchange(m_failure, nullptr));
     }
 
-    void RethrowFailure() {
-        if (failure) std::rethrow_exception(std::exchange(failure, nullptr));
-    }
+    HWND m_handle = nullptr;  // also while the window is being made
+    bool m_inside = false;    // the pointer, and its leaving will be told
+    bool m_pressed = false;
+    std::exception_ptr m_failure;  // of handling a message; it cannot pass through the system
+    Window m_window;               // destroyed before the others
 };
 
+}  // namespace
+
 // Services have a desktop that nobody sees.
-bool CWindowWnd::HasDisplay(std::string& reason) {
+bool NativeWindow::HasDisplay(std::string& reason) {
     USEROBJECTFLAGS flags{};
     const HWINSTA station = ::GetProcessWindowStation();
     if (station && ::GetUserObjectInformationW(station, UOI_FLAGS, &flags, sizeof flags, nullptr) &&
         !(flags.dwFlags & WSF_VISIBLE)) {
-        reason = std::string(kNoWindow) + ": no display answers";
+        reason = kNoDisplay;
         return false;
     }
     BeAwareOfScales();
@@ -352,54 +351,10 @@ bool CWindowWnd::HasDisplay(std::string& reason) {
     return trial != nullptr;
 }
 
-CWindowWnd::CWindowWnd(CPaintManagerUI& manager, const WindowOptions& options)
-    : m_state(std::make_unique<State>(manager, options)) {
+std::unique_ptr<NativeWindow> NativeWindow::Open(CPaintManagerUI& manager, const WindowOptions& options) {
     BeAwareOfScales();
-    RegisterClassOnce(&State::Receive);
-    State& state = *m_state;
-    state.window.reset(::CreateWindowExW(0, kClassName, FromUtf8(options.title).c_str(), WS_OVERLAPPEDWINDOW,
-                                         CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr,
-                                         ThisModule(), &state));
-    if (!state.window) throw std::runtime_error(Reason(kNoWindow));
-    kernel::UiTurn turn;
-    state.FollowDisplay();
-    state.TakeFirstPlace();
-    state.FollowSize();
-    manager.InvalidateAll();
-    ::ShowWindow(state.handle, SW_SHOWNORMAL);
-    state.RethrowFailure();
-    manager.SetWakeUp([this] { WakeUp(); });
-}
-
-CWindowWnd::~CWindowWnd() {
-    kernel::UiTurn turn;
-    m_state->manager.SetWakeUp({});
-}
-
-void CWindowWnd::RunOnce(std::optional<std::chrono::milliseconds> limit) {
-    {
-        kernel::UiTurn turn;
-        m_state->Paint();
-    }
-    ::MsgWaitForMultipleObjectsEx(0, nullptr, m_state->WaitTime(limit), QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-    MSG message;
-    while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        if (message.message == WM_QUIT) m_state->AskToClose();
-        ::TranslateMessage(&message);
-        ::DispatchMessageW(&message);
-    }
-    m_state->RethrowFailure();
-}
-
-void CWindowWnd::WakeUp() { ::PostMessageW(m_state->handle, kWakeUp, 0, 0); }
-
-void CWindowWnd::SetCloseHandler(std::function<void()> handler) { m_state->closeHandler = std::move(handler); }
-void CWindowWnd::SetTitle(const std::string& title) { ::SetWindowTextW(m_state->handle, FromUtf8(title).c_str()); }
-
-CDuiPoint CWindowWnd::GetOrigin() const {
-    POINT origin{};
-    ::ClientToScreen(m_state->handle, &origin);
-    return {static_cast<int>(origin.x), static_cast<int>(origin.y)};
+    RegisterClassOnce(&SystemWindow::Receive);
+    return std::make_unique<SystemWindow>(manager, options);
 }
 
 }  // namespace DuiLib
