@@ -15,6 +15,7 @@
 #include "kernel/ui_turn.h"
 #include "log.h"
 #include "page_text.h"
+#include "page_waits.h"
 #include "script_input.h"
 #include "script_runner.h"
 #include "transcript.h"
@@ -70,6 +71,7 @@ HostProgram::HostProgram(const CommandLine& commandLine)
 }
 
 HostProgram::~HostProgram() {
+    SetWaitPercent(m_commandLine.waitPercent);  // a script that lengthens waits does not keep the window
     {
         const std::lock_guard lock(programMutex);
         program = nullptr;

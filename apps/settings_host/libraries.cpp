@@ -9,6 +9,7 @@
 #include "language_choice.h"
 #include "log.h"
 #include "message_trace.h"
+#include "page_waits.h"
 #include "qx_data_report/qx_data_report.h"
 
 namespace settings_host {
@@ -41,6 +42,7 @@ void SetUpLibraries(const CommandLine& commandLine) {
     OpenLog(commandLine);
     QxDataReport::Instance()->SetFile(commandLine.reportFile);
     if (!commandLine.companions.empty()) AccessoryUpdateConfig::Load(commandLine.companions);
+    if (commandLine.waitPercent != 100) SetWaitPercent(commandLine.waitPercent);
     if (commandLine.trace) TraceMessages();
 
     const kernel::UiTurn turn;

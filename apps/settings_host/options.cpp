@@ -58,6 +58,10 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
     app.add_option("--scale", line.scale, "Scale in percent; the display's unless given")
         ->check(CLI::Range(25, 500))
         ->take_last();
+    app.add_option("--wait-percent", line.waitPercent,
+                   "How long the page's own waits last, in percent: 1 for a quick demonstration; 100 unless given")
+        ->check(CLI::Range(0, 1000000))
+        ->take_last();
     AddPath(app, "--log-file", line.logFile, "Also write the log into a file");
     app.add_flag("--quiet-log", line.quietLog, "Do not write the log to standard error");
     AddPath(app, "--report-file", line.reportFile, "Append usage events to a file");

@@ -18,6 +18,7 @@ struct CommandLine {
     std::filesystem::path reportFile;  // empty: usage events are dropped
     std::string language;              // empty: the locale's
     std::optional<unsigned> scale;     // [percent] nothing: the display's, 100 without one
+    unsigned waitPercent = 100;        // how long the page's own waits last
     bool tour = false;                 // plays the sample's tour and checks what has come of it
     bool headless = false;
     bool trace = false;

@@ -88,6 +88,12 @@ Wait ReadWait(Arguments& arguments) {
     return wait;
 }
 
+Waits ReadWaits(Arguments& arguments) {
+    const int percent = arguments.TakeNumber("the percentage");
+    if (percent < 0) throw Mistake{"the percentage is below 0"};
+    return {percent};
+}
+
 Command ReadCommand(Arguments& arguments, const std::string& line) {
     const std::string verb = arguments.Take("a command");
     if (verb == "say") {
@@ -105,6 +111,8 @@ Command ReadCommand(Arguments& arguments, const std::string& line) {
         command = Picture{arguments.Take("a file's name")};
     } else if (verb == "wait") {
         command = ReadWait(arguments);
+    } else if (verb == "waits") {
+        command = ReadWaits(arguments);
     } else if (verb == "start") {
         command = Start{arguments.Take("a program's name")};
     } else if (verb == "stop") {

@@ -17,6 +17,8 @@ namespace settings_host {
 //     picture FILE                     paints the window into a PNG file of the folder --pictures
 //     wait CONDITION [within SECONDS]  until it holds; 10 seconds unless said otherwise
 //     start PROGRAM, stop PROGRAM      a program of the host's own folder
+//     waits PERCENT                    how long the page's own waits last from now on, those that run included, until
+//                                      the host ends; the option --wait-percent says it for the start
 //     say WORDS                        writes them into the transcript
 //     close, open                      leaves the page; shows it again
 //
@@ -52,6 +54,9 @@ struct Wait {
     int number = 0;       // for percent, height and running
     std::chrono::seconds limit{10};
 };
+struct Waits {
+    int percent = 100;
+};
 struct Start {
     std::string program;
 };
@@ -64,7 +69,7 @@ struct Words {
 struct Close {};
 struct Open {};
 
-using Command = std::variant<Click, Hover, Where, Picture, Wait, Start, Stop, Words, Close, Open>;
+using Command = std::variant<Click, Hover, Where, Picture, Wait, Waits, Start, Stop, Words, Close, Open>;
 
 // What is wrong with a script, or what went wrong in it: "FILE:LINE: reason".
 class Error : public std::runtime_error {

@@ -6,6 +6,7 @@
 
 #include "child_programs.h"
 #include "host_channel.h"
+#include "page_waits.h"
 #include "script.h"
 #include "settings_window.h"
 
@@ -31,6 +32,7 @@ private:
     void Do(const script::Where& where);
     void Do(const script::Picture& picture);
     void Do(const script::Wait& wait);
+    void Do(const script::Waits& waits) { SetWaitPercent(static_cast<unsigned>(waits.percent)); }
     void Do(const script::Start& start) { m_programs.Start(start.program); }
     void Do(const script::Stop& stop) { m_programs.Stop(stop.program); }
     void Do(const script::Words& words);

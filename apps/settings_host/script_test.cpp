@@ -51,6 +51,11 @@ TEST(Script, ThePointerPlacesAndPicturesNameWhatTheyAreAbout) {
     EXPECT_EQ(std::get<Wait>(commands.at(3)).control, "X1stopBtn");
 }
 
+TEST(Script, WaitsTakeAPercentage) {
+    EXPECT_EQ(std::get<Waits>(Read("waits 0").at(0)).percent, 0);
+    EXPECT_EQ(std::get<Waits>(Read("waits 250").at(0)).percent, 250);
+}
+
 TEST(Script, SaidWordsAreTakenAsTheyStand) {
     EXPECT_EQ(std::get<Words>(Read("  say One update: \"now\"").at(0)).text, "One update: \"now\"");
     EXPECT_EQ(std::get<Words>(Read("say").at(0)).text, "");
@@ -66,6 +71,7 @@ TEST(Script, AnErrorNamesFileAndLine) {
         {"\nclick", "tour.script:2: a control's name is missing"},
         {"klick X", "tour.script:1: unknown command \"klick\""},
         {"wait glowing X", "tour.script:1: unknown condition \"glowing\""},
+        {"waits -1", "tour.script:1: the percentage is below 0"},
         {"picture", "tour.script:1: a file's name is missing"},
         {"where X Y", "tour.script:1: \"Y\" is more than the command takes"},
         {"wait focus", "tour.script:1: a control's name is missing"},

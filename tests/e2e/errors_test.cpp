@@ -9,7 +9,7 @@ class ErrorsTest : public PageE2ETest {
 protected:
     // Runs a host that does not open a page for long, and returns what it says on standard error.
     std::string ErrorOfHost(std::vector<std::string> options) {
-        options.insert(options.end(), {"--headless", "--quiet-log"});
+        options.insert(options.end(), {"--headless", "--quiet-log", "--wait-percent", "1"});
         test_process::Process host(SETTINGS_HOST_PROGRAM, options, HostEnvironment());
         EXPECT_EQ(host.WaitForEnd(), 1) << host.Output().Text() << host.Errors().Text();
         return host.Errors().Text();
@@ -23,7 +23,7 @@ protected:
 
 TEST_F(ErrorsTest, AHostThatLacksAFileNamesItInOneLine) {
     const std::string nowhere = (m_folder / "nowhere").string();
-    const std::string notModule = FAST_KERNEL_DIR "/libkernel.so";
+    const std::string notModule = KERNEL_LIBRARY;
     const std::string broken = (m_folder / "broken.json").string();
     const std::string notFolder = broken;
     WriteFile(broken, "{");

@@ -3,7 +3,6 @@
 #include <signal.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <sstream>
 
 #include "sha256.h"
@@ -99,9 +98,6 @@ std::map<std::string, std::string> PageE2ETest::Environment() const {
 
 std::map<std::string, std::string> PageE2ETest::HostEnvironment() const {
     auto environment = Environment();
-    const char* const others = std::getenv("LD_LIBRARY_PATH");
-    environment["LD_LIBRARY_PATH"] =
-        std::string(FAST_KERNEL_DIR) + (others == nullptr ? "" : std::string(":") + others);
     environment["LC_ALL"] = "C.UTF-8";
     return environment;
 }
@@ -126,7 +122,7 @@ void PageE2ETest::StopService() {
 
 std::unique_ptr<Host> PageE2ETest::StartHost(std::vector<std::string> options,
                                              const std::map<std::string, std::string>& environment) const {
-    options.insert(options.end(), {"--headless", "--script", "-"});
+    options.insert(options.begin(), {"--headless", "--script", "-", "--wait-percent", "1"});
     auto all = environment;
     all.merge(HostEnvironment());
     return std::make_unique<Host>(options, all);
@@ -143,7 +139,7 @@ std::map<std::string, std::string> PageE2ETest::WindowEnvironment(const std::str
 
 std::unique_ptr<Host> PageE2ETest::StartHostInWindow(const std::string& display, std::vector<std::string> options,
                                                      const std::map<std::string, std::string>& environment) const {
-    options.insert(options.end(), {"--language", "en-US", "--script", "-"});
+    options.insert(options.begin(), {"--language", "en-US", "--script", "-", "--wait-percent", "1"});
     auto all = environment;
     all.merge(WindowEnvironment(display));
     return std::make_unique<Host>(options, all);

@@ -86,6 +86,7 @@ protected:
     std::string ServiceLog() const { return m_service->Errors().Text(); }
     [[nodiscard]] bool ServiceLogs(const std::string& text) const { return m_service->Errors().WaitFor(text); }
 
+    // The page waits a hundredth of its time; options that are given here win over those of every test.
     std::unique_ptr<Host> StartHost(std::vector<std::string> options = {},
                                     const std::map<std::string, std::string>& environment = {}) const;
 
@@ -93,7 +94,7 @@ protected:
     std::unique_ptr<Host> StartHostInWindow(const std::string& display, std::vector<std::string> options = {},
                                             const std::map<std::string, std::string>& environment = {}) const;
 
-    // Both programs' environment: the pipe in the test's folder. The host's names the fast kernel, too.
+    // Both programs' environment: the pipe in the test's folder. The host's has a locale, too.
     std::map<std::string, std::string> Environment() const;
     std::map<std::string, std::string> HostEnvironment() const;
     std::map<std::string, std::string> WindowEnvironment(const std::string& display) const;

@@ -86,7 +86,7 @@ TEST_F(RecoveryTest, AHostThatEndsWhileItsPageIsOpenLeavesTheServiceUndisturbed)
 TEST_F(RecoveryTest, APageClosedWhileARowShowsItsEndNeitherHangsNorCrashes) {
     AddAccessory("pen");
     StartService();
-    const auto host = StartHost({}, {{"FAST_KERNEL_DIVISOR", "4"}});
+    const auto host = StartHost({"--wait-percent", "25"});
     ASSERT_TRUE(host->Play(kClickPen + "wait text penprogress \"Up to date\" within 60\n"
                                        "say now\n"
                                        "close\n"

@@ -37,7 +37,7 @@ protected:
 
     // A host in sample mode, whose work folder is in the test's folder.
     std::unique_ptr<test_process::Process> Start(std::vector<std::string> options = {}) {
-        options.insert(options.end(), {"--headless", "--sample", m_sample.string()});
+        options.insert(options.end(), {"--headless", "--wait-percent", "1", "--sample", m_sample.string()});
         auto environment = HostEnvironment();
         environment["TMPDIR"] = m_temporary.string();
         return std::make_unique<test_process::Process>(SETTINGS_HOST_PROGRAM, options, environment);

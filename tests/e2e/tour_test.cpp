@@ -45,15 +45,5 @@ TEST_F(TourTest, TheSampleTourEndsWithNoUpdateLeftAndEveryPackageWhole) {
     }
 }
 
-TEST_F(TourTest, TheHostRunsWithTheFastKernelAlone) {
-    const auto host = StartHost();
-    ASSERT_TRUE(host->Play("wait disconnected"));
-    const std::string loaded = ReadFile("/proc/" + std::to_string(host->Program().Id()) + "/maps");
-    EXPECT_THAT(loaded, HasSubstr(FAST_KERNEL_DIR "/libkernel.so"));
-    EXPECT_THAT(loaded, Not(HasSubstr("/lib/libkernel.so")));
-    EXPECT_THAT(loaded, HasSubstr("/lib/libAccessoriesUpgrade.so"));
-    host->End();
-}
-
 }  // namespace
 }  // namespace e2e

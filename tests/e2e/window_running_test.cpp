@@ -14,13 +14,11 @@ protected:
         AddAccessory("pen", 1000);
         AddAccessory("dock", 1000);
         StartService();
-        WriteFile(m_hold, "");
-        OpenWindow({}, 2, "dock", {{"FAST_KERNEL_HOLD", m_hold.string()}});
+        OpenWindow({}, 2, "dock");
+        Play("waits 1000000");
         ClickOn("penupdateBtn");
         Play("wait text penprogress \"Up to date\" within 30");
     }
-
-    const std::filesystem::path m_hold = m_folder / "hold";
 };
 
 TEST_F(HeldRowTest, WhileARowWaitsAnotherOneIsRepaintedUnderThePointerAndStartsItsUpdate) {
@@ -40,8 +38,7 @@ TEST_F(HeldRowTest, WhileARowWaitsAnotherOneIsRepaintedUnderThePointerAndStartsI
     EXPECT_TRUE(ServiceLogs("dock: started"));
     Play("wait shown penhor\nwait text penprogress \"Up to date\"");
 
-    std::filesystem::remove(m_hold);
-    Play("wait hidden penhor\nwait hidden dockhor\nwait nothing-left\nwait shown upToDateView");
+    Play("waits 1\nwait hidden penhor\nwait hidden dockhor\nwait nothing-left\nwait shown upToDateView");
     m_host->End();
 }
 
@@ -49,7 +46,6 @@ TEST_F(HeldRowTest, TheWindowClosesOnceTheRowHasWaited) {
     OpenPageWithAHeldRow();
     m_hands.CloseWindow(kTitle);
     ClickOn("closeAnyway");
-    std::filesystem::remove(m_hold);
     EXPECT_EQ(m_host->Program().WaitForEnd(), 0) << m_host->Log();
 }
 

@@ -1,6 +1,25 @@
 #include "seam.h"
 
+#include "kernel/sleep.h"
+#include "kernel/ui_turn.h"
+
 namespace seam {
+namespace {
+
+void RecordSleep(std::uint32_t milliseconds) {
+    Event event{};
+    event.kind = Kind::kSleep;
+    event.number = static_cast<int>(milliseconds);
+    Get().events.push_back(std::move(event));
+    if (!Get().onSleep) return;
+    const kernel::UiTurn turn;  // others could have it meanwhile, but there are none
+    Get().onSleep(milliseconds);
+}
+
+// Before any page code runs: this library is loaded with the program.
+[[maybe_unused]] const bool sleepsAreRecorded = (kernel::SetSleeper(RecordSleep), true);
+
+}  // namespace
 
 Seam& Get() {
     static Seam instance;

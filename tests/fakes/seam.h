@@ -13,7 +13,7 @@
 // it, and what they answer. One per process; single-threaded.
 //
 // The fake libraries carry the file names of the real ones, so a program that links them runs the built module against
-// them; the toolkit stays the real one.
+// them; toolkit and kernel stay the real ones, and no sleep takes time.
 namespace seam {
 
 enum class Kind {
@@ -63,9 +63,9 @@ struct Seam {
     std::map<std::wstring, Companion> companions;
     std::vector<std::wstring> companionQuestions;  // "running:KEY", "app:KEY"
     bool postResult = true;
-    bool clientThrows = false;  // a client that is constructed throws std::bad_alloc
-    std::function<void(std::uint32_t milliseconds)> onSleep;
-    std::function<void(int msgId)> onPost;  // with the post recorded already
+    bool clientThrows = false;                                // a client that is constructed throws std::bad_alloc
+    std::function<void(std::uint32_t milliseconds)> onSleep;  // with the sleep recorded already; under the UI turn
+    std::function<void(int msgId)> onPost;                    // with the post recorded already
 
     // Hands a message to the callback that was registered last for its id; false when there is none. The payload gets a
     // zero byte behind it; an empty one is a null pointer.

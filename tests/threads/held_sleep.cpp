@@ -1,63 +1,36 @@
 #include "held_sleep.h"
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <optional>
 
 #include "kernel/sleep.h"
-#include "kernel/ui_turn.h"
 
-namespace {
-
-struct Gate {
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::optional<std::uint32_t> held;  // [ms]
-    int sleepers = 0;
-};
-
-// Never destroyed: delivery threads may sleep while the process exits.
-Gate& TheGate() {
-    static Gate& gate = *new Gate;
-    return gate;
+HeldSleep::HeldSleep() {
+    kernel::SetSleeper([this](std::uint32_t milliseconds) { Sleep(milliseconds); });
 }
 
-}  // namespace
+HeldSleep::~HeldSleep() { kernel::SetSleeper({}); }
 
-namespace held_sleep {
-
-void Hold(std::uint32_t milliseconds) {
-    Gate& gate = TheGate();
-    const std::lock_guard lock(gate.mutex);
-    gate.held = milliseconds;
+void HeldSleep::Hold(std::uint32_t milliseconds) {
+    const std::lock_guard lock(m_mutex);
+    m_held = milliseconds;
 }
 
-bool WaitForSleeper() {
-    Gate& gate = TheGate();
-    std::unique_lock lock(gate.mutex);
-    return gate.changed.wait_for(lock, std::chrono::seconds(30), [&gate] { return gate.sleepers != 0; });
+bool HeldSleep::WaitForSleeper() {
+    std::unique_lock lock(m_mutex);
+    return m_changed.wait_for(lock, std::chrono::seconds(30), [this] { return m_sleepers != 0; });
 }
 
-void LetGo() {
-    Gate& gate = TheGate();
-    const std::lock_guard lock(gate.mutex);
-    gate.held.reset();
-    gate.changed.notify_all();
+void HeldSleep::LetGo() {
+    const std::lock_guard lock(m_mutex);
+    m_held.reset();
+    m_changed.notify_all();
 }
 
-}  // namespace held_sleep
-
-namespace kernel {
-
-void Sleep(std::uint32_t milliseconds) {
-    const UiTurnPause pause;
-    Gate& gate = TheGate();
-    std::unique_lock lock(gate.mutex);
-    ++gate.sleepers;
-    gate.changed.notify_all();
-    gate.changed.wait(lock, [&] { return gate.held != milliseconds; });
-    --gate.sleepers;
+void HeldSleep::Sleep(std::uint32_t milliseconds) {
+    std::unique_lock lock(m_mutex);
+    if (m_held != milliseconds) return;
+    ++m_sleepers;
+    m_changed.notify_all();
+    m_changed.wait(lock, [&] { return m_held != milliseconds; });
+    --m_sleepers;
 }
-
-}  // namespace kernel

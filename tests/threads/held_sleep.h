@@ -1,19 +1,33 @@
 #pragma once
 
+#include <condition_variable>
 #include <cstdint>
+#include <mutex>
+#include <optional>
 
-#include "kernel/export.h"
+// While it lives, page code's sleeps take no time, or as long as the test wants. Any thread. Sleeps that have begun
+// must have ended when it goes.
+class HeldSleep {
+public:
+    HeldSleep();
+    ~HeldSleep();
+    HeldSleep(const HeldSleep&) = delete;
+    HeldSleep& operator=(const HeldSleep&) = delete;
 
-// A Sleep that takes no time, or as long as the test wants. It gives up the UI turn as the real one does. Any thread.
-namespace held_sleep {
+    // From now on a sleep of that many milliseconds lasts until LetGo.
+    void Hold(std::uint32_t milliseconds);
 
-// From now on a Sleep of that many milliseconds lasts until LetGo.
-KERNEL_API void Hold(std::uint32_t milliseconds);
+    // Returns when a thread is in a sleep that is held; false when none comes.
+    bool WaitForSleeper();
 
-// Returns when a thread is in such a Sleep; false when none comes.
-KERNEL_API bool WaitForSleeper();
+    // Ends every sleep; later ones take no time.
+    void LetGo();
 
-// Ends every Sleep; later ones take no time.
-KERNEL_API void LetGo();
+private:
+    void Sleep(std::uint32_t milliseconds);
 
-}  // namespace held_sleep
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::optional<std::uint32_t> m_held;  // [ms]
+    int m_sleepers = 0;                   // in a sleep that is held
+};

@@ -92,7 +92,7 @@ protected:
         m_module.CreateSetting(m_page.Manager(), m_page.Pump(), m_page.Parent());
     }
     ~PageThreads() override {
-        held_sleep::LetGo();
+        m_sleep.LetGo();
         {
             const kernel::UiTurn turn;
             m_module.CloseWnd();
@@ -131,7 +131,7 @@ protected:
             other = std::thread([&] {
                 const kernel::UiTurn mine;
                 woken = true;
-                held_sleep::LetGo();
+                m_sleep.LetGo();
             });
             m_module.CloseWnd();
             EXPECT_TRUE(woken) << "CloseWnd waits for the handler";
@@ -159,6 +159,7 @@ protected:
         SetIpcTrace(nullptr);
     }
 
+    HeldSleep m_sleep;
     PipeFolder m_folder;
     MinimalLayouts m_layouts{{}};
     FixedCellMeasurer m_measurer{{8, 20}};
@@ -174,9 +175,9 @@ protected:
 };
 
 TEST_F(PageThreads, CloseWndLetsTheListThatIsBeingBuiltEndAndNothingIsDeliveredAfterwards) {
-    held_sleep::Hold(kHeightPause);
+    m_sleep.Hold(kHeightPause);
     PostList({"X1", "X2", "X3"});
-    ASSERT_TRUE(held_sleep::WaitForSleeper());
+    ASSERT_TRUE(m_sleep.WaitForSleeper());
     Click(L"X1updateBtn");
     Click(L"X1stopBtn");
     m_service.WaitFor("B20025 X1");
@@ -189,9 +190,9 @@ TEST_F(PageThreads, CloseWndLetsTheListThatIsBeingBuiltEndAndNothingIsDeliveredA
 TEST_F(PageThreads, CloseWndLetsTheEndOfAnUpdateGoThroughAndNothingIsDeliveredAfterwards) {
     PostList({"X1", "X2"});
     m_hostLayout.WaitFor("3A0066 154");
-    held_sleep::Hold(kEndPause);
+    m_sleep.Hold(kEndPause);
     PostFinish("X1");
-    ASSERT_TRUE(held_sleep::WaitForSleeper());
+    ASSERT_TRUE(m_sleep.WaitForSleeper());
     Click(L"X2updateBtn");
     m_service.WaitFor("B20022 X2");
     CloseOverTheSleeper();

@@ -97,18 +97,12 @@ TEST(CodePages, OnlyTheGivenLengthIsReadAndWritten) {
 TEST(CodePages, WhatCannotBeConvertedAtAllGivesZero) {
     wchar_t wide[4];
     char narrow[4];
-    constexpr int kLowest = std::numeric_limits<int>::min();
-    for (const int length : {0, -1, kLowest}) {
-        EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 0, "abc", length, wide, 4), 0);
-        EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 0, L"abc", length, narrow, 4, nullptr, nullptr), 0);
-    }
+    EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 0, "abc", 0, wide, 4), 0);
+    EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 0, L"abc", 0, narrow, 4, nullptr, nullptr), 0);
     EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 0, "abc", 3, wide, -1), 0);
     EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 0, "abc", 3, nullptr, 4), 0);
     EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 0, nullptr, 3, wide, 4), 0);
-    EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 8, "abc", 3, wide, 4), 0);  // only flags 0 are known
     EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 0, nullptr, 3, narrow, 4, nullptr, nullptr), 0);
-    EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 1, L"abc", 3, narrow, 4, nullptr, nullptr), 0);
-    EXPECT_EQ(WideCharToMultiByte(1252, 0, L"abc", 3, narrow, 4, "!", nullptr), 0);
 #if defined(_WIN32)
     const std::vector<unsigned> unknownPages = {7, 1200, 99999, 0xFFFFFFFF};  // the system has more pages
 #else
@@ -119,6 +113,34 @@ TEST(CodePages, WhatCannotBeConvertedAtAllGivesZero) {
         EXPECT_EQ(WideCharToMultiByte(unknown, 0, L"abc", 3, narrow, 4, nullptr, nullptr), 0) << unknown;
     }
 }
+
+#if defined(_WIN32)
+TEST(CodePages, ALengthBelowZeroMeansWhatTheSystemMakesOfIt) {
+    wchar_t wide[4];
+    char narrow[4];
+    EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 0, "abc", -1, wide, 4), 4);
+    EXPECT_EQ(std::wstring(wide, 4), L"abc\0"s);
+    EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 0, L"abc", -1, narrow, 4, nullptr, nullptr), 4);
+    EXPECT_EQ(std::string(narrow, 4), "abc\0"s);
+}
+#else
+TEST(CodePages, WhatOnlyWindowsKnowsGivesZero) {
+    wchar_t wide[4];
+    char narrow[4];
+    for (const int length : {-1, std::numeric_limits<int>::min()}) {
+        EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 0, "abc", length, wide, 4), 0);
+        EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 0, L"abc", length, narrow, 4, nullptr, nullptr), 0);
+    }
+    EXPECT_EQ(MultiByteToWideChar(kCodePageUtf8, 8, "abc", 3, wide, 4), 0);
+    EXPECT_EQ(WideCharToMultiByte(kCodePageUtf8, 1, L"abc", 3, narrow, 4, nullptr, nullptr), 0);
+    EXPECT_EQ(WideCharToMultiByte(1252, 0, L"abc", 3, narrow, 4, "!", nullptr), 0);
+}
+
+TEST(CodePages, NoSimilarCharacterIsLookedFor) {
+    EXPECT_EQ(Narrow(1252, L"\u0100\uFF21\u2212"), "???");
+    EXPECT_EQ(Narrow(936, L"\u00C0\u00A9"), "??");
+}
+#endif
 
 // Beside Latin-1: what 1252 has between 80 and 9F. The five bytes without a character are controls of that number.
 TEST(CodePages, Page1252HasItsOwnCharactersBetween80And9F) {

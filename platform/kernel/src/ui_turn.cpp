@@ -3,8 +3,6 @@
 #include <condition_variable>
 #include <mutex>
 
-#include "waiting_turns.h"
-
 namespace kernel {
 namespace {
 
@@ -80,6 +78,8 @@ UiTurn::~UiTurn() {
 
 bool UiTurn::IsHeld() { return t_depth != 0; }
 
+std::size_t UiTurn::Waiting() { return Turn().Waiting(); }
+
 UiTurnPause::UiTurnPause() : m_depth(t_depth) {
     if (m_depth == 0) return;
     t_depth = 0;
@@ -91,7 +91,5 @@ UiTurnPause::~UiTurnPause() {
     Turn().Acquire();
     t_depth = m_depth;
 }
-
-std::size_t WaitingTurns() { return Turn().Waiting(); }
 
 }  // namespace kernel

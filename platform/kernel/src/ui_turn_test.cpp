@@ -8,9 +8,6 @@
 #include <thread>
 #include <vector>
 
-#include "kernel/sleep.h"
-#include "waiting_turns.h"
-
 namespace kernel {
 namespace {
 
@@ -19,7 +16,7 @@ using std::chrono::seconds;
 // Waits until that many threads stand in the queue for the turn; false when they do not come.
 bool Queued(std::size_t count) {
     const auto deadline = std::chrono::steady_clock::now() + seconds(10);
-    while (WaitingTurns() != count) {
+    while (UiTurn::Waiting() != count) {
         if (std::chrono::steady_clock::now() > deadline) return false;
         std::this_thread::yield();
     }
@@ -44,7 +41,7 @@ private:
     std::jthread m_thread;
 };
 
-TEST(UiTurn, IsHeldFromConstructionToDestructionByThisThreadAlone) {
+TEST(UiTurn, IsHeldFromConstructionToDestructionByThisThreadOnly) {
     EXPECT_FALSE(UiTurn::IsHeld());
     {
         const UiTurn turn;
@@ -73,7 +70,7 @@ TEST(UiTurn, OneThreadAtATimeHasIt) {
     }
     EXPECT_FALSE(together);
     EXPECT_EQ(plain, 8000);
-    EXPECT_EQ(WaitingTurns(), 0u);
+    EXPECT_EQ(UiTurn::Waiting(), 0u);
 }
 
 TEST(UiTurn, TheSameThreadMayTakeItAgainAndGivesItBackWithTheLastLevel) {
@@ -86,7 +83,7 @@ TEST(UiTurn, TheSameThreadMayTakeItAgainAndGivesItBackWithTheLastLevel) {
             ASSERT_TRUE(Queued(1));
         }
         EXPECT_TRUE(UiTurn::IsHeld());
-        EXPECT_EQ(WaitingTurns(), 1u);
+        EXPECT_EQ(UiTurn::Waiting(), 1u);
         EXPECT_FALSE(other->HasIt());
     }
     EXPECT_TRUE(other->GetsTheTurn());
@@ -157,23 +154,6 @@ TEST(UiTurn, WhoAsksAgainStandsBehindThoseWhoWait) {
     turn.reset();
     turn.emplace();  // waits until the other had its turn
     EXPECT_TRUE(other->HasIt());
-}
-
-TEST(Sleep, GivesTheTurnUpMeanwhile) {
-    std::optional<Asker> other;
-    const UiTurn outer;
-    const UiTurn inner;
-    other.emplace();
-    ASSERT_TRUE(Queued(1));
-    Sleep(1);
-    EXPECT_TRUE(other->HasIt());
-    EXPECT_TRUE(UiTurn::IsHeld());
-}
-
-TEST(Sleep, LastsAtLeastTheGivenTime) {
-    const auto begin = std::chrono::steady_clock::now();
-    Sleep(20);
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(20));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "kernel/export.h"
 
 namespace kernel {
@@ -26,6 +28,9 @@ public:
 
     // Whether the calling thread holds the turn.
     static bool IsHeld();
+
+    // How many threads wait for the turn at this moment.
+    static std::size_t Waiting();
 };
 
 // Gives up the turn for its own lifetime and takes it again, as deep as before. Does nothing on a thread that does not

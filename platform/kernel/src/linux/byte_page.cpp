@@ -1,8 +1,8 @@
+#include "byte_page.h"
+
 #include <iconv.h>
 
 #include <string>
-
-#include "byte_page.h"
 
 namespace kernel {
 namespace {

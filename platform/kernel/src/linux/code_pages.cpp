@@ -1,3 +1,5 @@
+#include "kernel/code_pages.h"
+
 #include <atomic>
 #include <limits>
 #include <map>
@@ -7,7 +9,6 @@
 
 #include "base/text.h"
 #include "byte_page.h"
-#include "kernel/code_pages.h"
 
 namespace kernel {
 namespace {

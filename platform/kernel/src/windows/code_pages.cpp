@@ -1,0 +1,25 @@
+#include "kernel/code_pages.h"
+
+#include <windows.h>
+
+namespace kernel {
+
+static_assert(kCodePageAnsi == CP_ACP && kCodePageUtf8 == CP_UTF8);
+
+int MultiByteToWideChar(unsigned codePage, std::uint32_t flags, const char* source, int length, wchar_t* destination,
+                        int capacity) {
+    return ::MultiByteToWideChar(codePage, flags, source, length, destination, capacity);
+}
+
+int WideCharToMultiByte(unsigned codePage, std::uint32_t flags, const wchar_t* source, int length, char* destination,
+                        int capacity, const char* defaultCharacter, bool* usedDefaultCharacter) {
+    BOOL used = FALSE;
+    const int converted = ::WideCharToMultiByte(codePage, flags, source, length, destination, capacity,
+                                                defaultCharacter, usedDefaultCharacter ? &used : nullptr);
+    if (usedDefaultCharacter) *usedDefaultCharacter = used != FALSE;
+    return converted;
+}
+
+bool SetAnsiCodePage(unsigned codePage) { return codePage == GetACP(); }
+
+}  // namespace kernel
