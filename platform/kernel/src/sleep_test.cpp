@@ -66,6 +66,5 @@ TEST_F(Sleeper, IsTheTimeItselfUnlessSetAndWhenTakenAway) {
     }
 }
 
-
 }  // namespace
 }  // namespace kernel
