@@ -1,10 +1,9 @@
 # Sourced by run and test: what the project needs from Debian, and how it gets there.
 
 run_packages="g++ cmake ninja-build pkg-config libpugixml-dev libpango1.0-dev librsvg2-dev libsdl2-dev libasio-dev libspdlog-dev
-  nlohmann-json3-dev libcli11-dev libssl-dev libsystemd-dev libgtest-dev libgmock-dev libbenchmark-dev fonts-noto-core
-  fonts-noto-cjk"
-test_packages="$run_packages dbus libxtst-dev xvfb clang-16 libclang-rt-16-dev llvm-16
-  binutils ccache"
+  nlohmann-json3-dev libcli11-dev libssl-dev libsystemd-dev fonts-noto-core fonts-noto-cjk"
+test_packages="$run_packages libgtest-dev libgmock-dev libbenchmark-dev dbus libxtst-dev xvfb clang-16 libclang-rt-16-dev
+  llvm-16 binutils ccache"
 windows_packages="g++ g++-mingw-w64-x86-64-posix cmake ninja-build dpkg-dev libasio-dev libspdlog-dev libfmt-dev
   nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev librsvg2-bin fonts-noto-core fonts-noto-cjk wine wine64 xvfb
   ccache"

@@ -1,0 +1,73 @@
+#!/bin/sh
+# scripts_test.sh PROJECT: what ./run and ./test say to their options, and what becomes of failed and unsteady tests.
+set -eu
+project=$1
+cd "$project"
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+trap 'exit 130' INT TERM
+unset GTEST_FILTER
+
+fail() {
+  echo "scripts_test: $1" >&2
+  cat "$folder/output" >&2
+  exit 1
+}
+
+# expect CODE TEXT COMMAND...: that exit code, and TEXT in what the command prints.
+expect() {
+  code=$1
+  text=$2
+  shift 2
+  got=0
+  "$@" >"$folder/output" 2>&1 || got=$?
+  [ "$got" = "$code" ] || fail "$* ends with $got, not with $code"
+  grep -qF -e "$text" "$folder/output" || fail "$* does not print '$text'"
+}
+
+for script in run test; do
+  expect 0 "./$script" "./$script" --help
+  expect 0 "./$script" "./$script" -h
+  expect 2 "$script: unknown option --nonsense" "./$script" --nonsense
+done
+expect 2 'run: unknown option nonsense' ./run nonsense
+expect 2 'test: unknown option --nonsense' ./test release --nonsense
+for name in no_such_test NoSuchSuite NoSuchSuite.NoSuchTest 'No*Such' 'a;b' 'a b' ''; do
+  expect 2 "test: no preset, test program or test is called $name" ./test release "$name"
+done
+
+# Tests are found by program, suite, test, both, and with stars.
+. cmake/testing.sh
+for name in source_rules_test RoomTable ARoomIncludesItselfAndWhatItsRowNames \
+  RoomTable.ARoomIncludesItselfAndWhatItsRowNames 'Room*.ARoom*'; do
+  is_known "$name" || fail "$name is not known"
+done
+
+# A project of three tests under this one's presets: one passes, one fails the first time, one fails.
+mkdir -p "$folder/build/release"
+cp CMakePresets.json "$folder"
+cat >"$folder/build/release/CTestTestfile.cmake" <<END
+add_test(steady true)
+add_test(unsteady sh -c "mkdir '$folder/first' && exit 1; exit 0")
+add_test(broken false)
+END
+# tests_in_folder [CTEST_OPTION...]
+tests_in_folder() (
+  cd "$folder"
+  rm -rf first
+  run_tests release "$@"
+  conclude
+)
+expect 0 'test: unsteady, failed and then passed at once: release:unsteady' tests_in_folder -E broken
+expect 0 '100% tests passed, 0 tests failed out of 2' tests_in_folder -E broken
+expect 1 'test: failed: release' tests_in_folder
+expect 1 '1 tests failed out of 3' tests_in_folder
+expect 0 'All tests passed.' tests_in_folder -R '^steady'
+! grep -q unsteady "$folder/output" || fail "a steady test is called unsteady"
+
+# What a sanitizer reports fails the run even when the test passes the second time.
+cat >"$folder/build/release/CTestTestfile.cmake" <<END
+add_test(race sh -c "mkdir '$folder/first' && echo 'WARNING: ThreadSanitizer: data race' && exit 1; exit 0")
+END
+expect 1 'test: failed: release' tests_in_folder
+echo "The scripts do as they say."
