@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -124,10 +125,24 @@ TEST_F(Report, ALineThatCannotBeWrittenIsAnError) {
 }
 
 TEST_F(Report, InitWithNothingKeepsWhatIsSet) {
+    QxDataReport::Instance()->Init(7, "");
     QxDataReport::Instance()->Init(0, "");
     EXPECT_EQ(QxDataReport::Instance()->SendMsg(QxDataEvent("1", REPORT_PLATFORM_DEFAULT)), 0);
     ASSERT_EQ(Lines().size(), 1u);
-    EXPECT_FALSE(Lines()[0].contains("application"));
+    EXPECT_EQ(Lines()[0]["application"], 7);
+}
+
+// In a process of its own: an application that was set stays set.
+TEST_F(Report, WithoutAnApplicationEventsNameNone) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto name_none = [this] {
+        QxDataReport::Instance()->Init(0, "");
+        QxDataReport::Instance()->SendMsg(QxDataEvent("1", REPORT_PLATFORM_DEFAULT));
+        const auto lines = Lines();
+        std::filesystem::remove_all(m_folder);
+        std::exit(lines.size() == 1 && !lines[0].contains("application") ? 0 : 1);
+    };
+    EXPECT_EXIT(name_none(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Report, InitChoosesApplicationAndFolder) {
