@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+
 #include "kernel/ui_turn.h"
 #include "nothrow_failure.h"
 #include "page_fixture.h"
@@ -27,17 +29,22 @@ protected:
     }
 };
 
+// In a process in which nothing has run before.
+TEST(EntryOfAFreshProcess, CloseWndBeforeAnyCreateSettingReturnsAtOnce) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto closeFirst = [] {
+        CloseWnd();
+        std::_Exit(seam::Get().events.empty() ? 0 : 1);
+    };
+    EXPECT_EXIT(closeFirst(), testing::ExitedWithCode(0), "");
+}
+
 TEST_F(Entry, CreateSettingLogsTwiceAndBuildsThePage) {
     Create();
     EXPECT_EQ(Logged()[0], L"[AccessoryLog]init access(CreateSetting)");
     EXPECT_EQ(Logged()[1], L"[AccessoryLog]init access(AccessSetting::CreateSetting)");
     EXPECT_EQ(Logged(4).size(), 3u) << "and the ready message's";
     EXPECT_EQ(m_page.Parent()->GetCount(), 1);
-}
-
-TEST_F(Entry, CloseWndBeforeAnyCreateSettingReturnsAtOnce) {
-    Close();
-    EXPECT_TRUE(seam::Get().events.empty());
 }
 
 TEST_F(Entry, ASecondCloseWndIsHarmless) {
@@ -82,17 +89,26 @@ TEST_F(Entry, AfterCloseWndCreateSettingBuildsAFreshWindow) {
 }
 
 TEST_F(Entry, ASecondCreateSettingLeavesTheFirstWindowAliveAndCloseWndDestroysTheSecond) {
+    const auto receiving = [] {
+        std::vector<const void*> clients;
+        for (const seam::Callback& callback : seam::Get().callbacks[channel::to_page::IPC_MSG_ALL_UPDATE_DATA.id]) {
+            clients.push_back(callback.client);
+        }
+        return clients;
+    };
     Create();
+    const std::vector<const void*> first = receiving();
+    ASSERT_EQ(first.size(), 1u);
     Create();
-    EXPECT_EQ(seam::Get().callbacks[channel::to_page::IPC_MSG_ALL_UPDATE_DATA.id].size(), 2u);
+    EXPECT_EQ(receiving().size(), 2u);
     Close();
-    EXPECT_EQ(seam::Get().callbacks[channel::to_page::IPC_MSG_ALL_UPDATE_DATA.id].size(), 1u);
+    EXPECT_EQ(receiving(), first);
     Forget();
     Close();
     EXPECT_TRUE(seam::Get().events.empty()) << "nobody reaches the first one";
 }
 
-TEST_F(Entry, AWindowThatCannotBeAllocatedLeavesTheTwoLinesAlone) {
+TEST_F(Entry, AWindowThatCannotBeAllocatedLeavesOnlyTheTwoLines) {
     {
         const NothrowFailure failure(1);
         Create();

@@ -60,12 +60,9 @@ void AccessoriesFirwareWnd::InitFirmwareLayout(CPaintManagerUI* paintManager, CN
         LogLine(kLogEvent) << "firware item fail to create control";
         return;
     }
-    m_virtualWndName = std::to_wstring(reinterpret_cast<std::uintptr_t>(this));
     m_paintManager = paintManager;
     m_host = host;
-    m_host->AddVirtualWnd(m_virtualWndName, this);
-    m_root->SetVirtualWnd(m_virtualWndName);
-    parent->Add(m_root);
+    m_virtualWndName = AddToPage(this, m_root, host, parent);
     m_parent = parent;
 
     m_devInfo = std::move(desc.devInfo);

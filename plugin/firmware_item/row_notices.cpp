@@ -1,6 +1,4 @@
 // The row's IPC client, its notices to the host, and the tip that says that the companion program runs.
-#include <new>
-
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
 #include "firmware_item/row_controls.h"
@@ -12,26 +10,21 @@ namespace DuiLib {
 
 namespace {
 
+// In the order of PageWiring; misspelt on purpose, and other than the list window's.
+constexpr const char* kUnwired[] = {
+    "InitIpcCallBack new objIPCClientPtr failed,objIPCClientPtr is nullptr",
+    "InitIpcCallBack new ipcClient failed,ipcClient is nullptr",
+    "InitIpcCallBack new ipcReciever failed,ipcReciever is nullptr",
+};
+
 constexpr const char* kDriverEventId = "631990010";
 constexpr const char* kAppEventId = "631990011";
 
 }  // namespace
 
 void AccessoriesFirwareWnd::ResigterFirmwareCallBacks() {
-    m_ipcClient = NewPageClient();
-    if (m_ipcClient == nullptr) {
-        LogLine(kLogEvent) << "InitIpcCallBack new objIPCClientPtr failed,objIPCClientPtr is nullptr";
-        return;
-    }
-    m_ipcSender = NewClientHandle(m_ipcClient);
-    if (m_ipcSender == nullptr) {
-        LogLine(kLogEvent) << "InitIpcCallBack new ipcClient failed,ipcClient is nullptr";
-        return;
-    }
-    m_callbacks.reset(new (std::nothrow) IPCServer(m_ipcClient));
-    if (!m_callbacks) {
-        LogLine(kLogEvent) << "InitIpcCallBack new ipcReciever failed,ipcReciever is nullptr";  // misspelt on purpose
-    }
+    const PageWiring wiring = WirePage(m_ipcClient, m_ipcSender, m_callbacks);
+    if (wiring != PageWiring::kComplete) LogLine(kLogEvent) << kUnwired[static_cast<std::size_t>(wiring)];
 }
 
 void AccessoriesFirwareWnd::AppRunningTipStopBtn() {

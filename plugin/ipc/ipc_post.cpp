@@ -21,6 +21,15 @@ IPCClientHandle* NewClientHandle(IPCMessageClient* client) {
     return new (std::nothrow) IPCClientHandle{IPC_ENDPOINT_PLUGIN, client};
 }
 
+PageWiring WirePage(IPCMessageClient*& client, IPCClientHandle*& handle, std::unique_ptr<IPCServer>& registry) {
+    client = NewPageClient();
+    if (client == nullptr) return PageWiring::kNoClient;
+    handle = NewClientHandle(client);
+    if (handle == nullptr) return PageWiring::kNoHandle;
+    registry.reset(new (std::nothrow) IPCServer(client));
+    return registry ? PageWiring::kComplete : PageWiring::kNoRegistry;
+}
+
 bool PostBytes(IPCMessageClient* client, std::int32_t msgId, std::int32_t destId, std::string_view bytes) {
     if (client == nullptr) return false;
     TagIPCMessageItem item;

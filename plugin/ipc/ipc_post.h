@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <type_traits>
 
 #include "channel/messages.h"
+#include "ipc/ipc_server.h"
 #include "ipc_client/ipc_message_client.h"
 
 // The accessory page's client and endpoint, as one value.
@@ -22,6 +24,11 @@ IPCMessageClient* NewPageClient();
 
 // Makes the handle of a client; null when memory is exhausted. Nobody releases it, on purpose.
 IPCClientHandle* NewClientHandle(IPCMessageClient* client);
+
+// Makes a window's client, its handle and its registry, in this order, until one cannot be made. What was there before:
+// the client is dropped, not deleted, on purpose; the registry goes.
+enum class PageWiring { kNoClient, kNoHandle, kNoRegistry, kComplete };
+PageWiring WirePage(IPCMessageClient*& client, IPCClientHandle*& handle, std::unique_ptr<IPCServer>& registry);
 
 // The accessory page's posts, from IPC_ENDPOINT_PLUGIN with the fixed header; the client copies the payload. False
 // without a client; otherwise what the client returns.

@@ -1,9 +1,9 @@
 #include "update_list/accessories_update_wnd.h"
 
-#include <new>
 #include <type_traits>
 
 #include "duilib/dialog_builder.h"
+#include "firmware_item/row_controls.h"
 #include "ipc/field_order.h"
 #include "support/log_line.h"
 
@@ -24,8 +24,17 @@ struct PageLayout {
 };
 
 namespace {
+
 constexpr const wchar_t* kPageLayout = L"../components/brindle/res/layout/Tolvane.xml";
-}
+
+// In the order of PageWiring; misspelt, and with two blanks, on purpose.
+constexpr const char* kUnwired[] = {
+    "InitIpcCallBack new objIPCClientPtr failed,  objIPCClientPtr is nullptr.",
+    "InitIpcCallBack new ipcClient failed, ipcClient is nullptr.",
+    "InitIpcCallBack new ipcReciever failed, ipcReciever is nullptr.",
+};
+
+}  // namespace
 
 AccessoriesUpdateWnd::~AccessoriesUpdateWnd() {
     if (m_ipcReciever) m_ipcReciever->UnregisterAll();
@@ -59,33 +68,17 @@ void AccessoriesUpdateWnd::InitItemLayout(CPaintManagerUI* paintManager, CNotify
         LogLine(kLogEvent) << "update item fail to create control";
         return;
     }
-    m_virtualWndName = std::to_wstring(reinterpret_cast<std::uintptr_t>(this));
     m_paintManager = paintManager;
     m_notifyPump = notifyPump;
-    notifyPump->AddVirtualWnd(m_virtualWndName, this);
-    m_root->SetVirtualWnd(m_virtualWndName);
-    parent->Add(m_root);
+    m_virtualWndName = AddToPage(this, m_root, notifyPump, parent);
     m_parent = parent;
     SendInitFinshed();
 }
 
 void AccessoriesUpdateWnd::ResigterAccessMessageCallBacks() {
-    m_objIPCClientPtr = NewPageClient();
-    if (m_objIPCClientPtr == nullptr) {  // the line has two blanks, on purpose
-        LogLine(kLogEvent) << "InitIpcCallBack new objIPCClientPtr failed,  objIPCClientPtr is nullptr.";
-        return;
-    }
-    m_ipcClient = NewClientHandle(m_objIPCClientPtr);
-    if (m_ipcClient == nullptr) {
-        LogLine(kLogEvent) << "InitIpcCallBack new ipcClient failed, ipcClient is nullptr.";
-        return;
-    }
-    m_ipcReciever.reset(new (std::nothrow) IPCServer(m_objIPCClientPtr));
-    if (!m_ipcReciever) {
-        LogLine(kLogEvent) << "InitIpcCallBack new ipcReciever failed, ipcReciever is nullptr.";
-        return;
-    }
-    RegisterReceivers();
+    const PageWiring wiring = WirePage(m_objIPCClientPtr, m_ipcClient, m_ipcReciever);
+    if (wiring == PageWiring::kComplete) return RegisterReceivers();
+    LogLine(kLogEvent) << kUnwired[static_cast<std::size_t>(wiring)];
 }
 
 void AccessoriesUpdateWnd::SendInitFinshed() {

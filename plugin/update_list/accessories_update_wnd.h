@@ -43,7 +43,6 @@ public:
     // Makes client, handle and registry, and registers the receivers. A registry that was there goes; a client that was
     // there is dropped, not deleted, on purpose.
     void ResigterAccessMessageCallBacks();
-    void SendInitFinshed();
 
     // Receivers.
     void RecAllUpdateData(std::vector<AccessoryVersionDataInfo>& list);
@@ -59,6 +58,7 @@ private:
     friend struct PageInspector;  // tests read the fields
     friend struct PageLayout;     // compile-time check of the field order
 
+    void SendInitFinshed();
     void InitRows(std::vector<AccessoryVersionDataInfo>& list);
     AccessoriesFirwareWnd* CreateRow(FirmwareItemDesc& desc);
     void AddLine(const std::wstring& deviceKey, int index, CContainerUI* list);

@@ -35,17 +35,6 @@ TEST_F(UpdateWindow, RegistersFourMessagesAndPostsReadyOnceAfterThePageWasAdded)
     EXPECT_THAT(Registered(), ElementsAre(11665447, 11665443, 11665444, 11665446));
     EXPECT_THAT(Posted(), ElementsAre("B20001 B20027"));
     EXPECT_EQ(m_page.Parent()->GetCount(), 1);
-    EXPECT_THAT(Logged(3),
-                ElementsAre(L"[AccessoryLog]InitItemLayout enter(DuiLib::AccessoriesUpdateWnd::InitItemLayout)"));
-    EXPECT_THAT(Logged(4), ElementsAre(L"[AccessoryLog]Send DownloadPkg Finished, ret = 1"
-                                       L"(DuiLib::AccessoriesUpdateWnd::SendInitFinshed)"));
-}
-
-TEST_F(UpdateWindow, APostThatFailsIsSeenInTheLineAlone) {
-    seam::Get().postResult = false;
-    MakeWindow();
-    EXPECT_THAT(Logged(4), ElementsAre(L"[AccessoryLog]Send DownloadPkg Finished, ret = 0"
-                                       L"(DuiLib::AccessoriesUpdateWnd::SendInitFinshed)"));
 }
 
 TEST_F(UpdateWindow, WithANullArgumentTheRegistrationsAreThereAndNothingIsPosted) {
@@ -145,6 +134,37 @@ TEST_F(UpdateWindow, BothWindowsHaveTheirOperationsInTheOrderOfTheirSlots) {
     EXPECT_EQ(Slot(&AccessoriesUpdateWnd::OnClick), 1u);
     EXPECT_EQ(Slot(&DuiLib::AccessoriesFirwareWnd::GetMessageMap), 0u);
     EXPECT_EQ(Slot(&DuiLib::AccessoriesFirwareWnd::OnClick), 1u);
+}
+
+TEST_F(UpdateWindow, ASecondSetUpStartsAtNoHeightAndNoIndexAndWithoutArgumentsUnderNoName) {
+    MakeWindow();
+    DeliverList({Accessory("X1"), Accessory("X2")});
+    ASSERT_EQ(PageInspector::TotalHeight(*window), 2 * 77);
+    ASSERT_EQ(PageInspector::BuildIndex(*window), 1);
+    const std::unique_ptr<IPCMessageClient> dropped(PageInspector::Client(*window));
+    window->InitItemLayout(nullptr, nullptr, nullptr);
+    EXPECT_EQ(PageInspector::TotalHeight(*window), 0);
+    EXPECT_EQ(PageInspector::BuildIndex(*window), 0);
+    EXPECT_EQ(PageInspector::VirtualWndName(*window), L"");
+}
+
+TEST_F(UpdateWindow, WhatHappensToThePagesControlsIsToldToWhomItsNameBelongs) {
+    struct Recorder : DuiLib::CNotifyPump {
+        void OnClick(DuiLib::TNotifyUI& message) override { senders.push_back(message.sender->GetName().Str()); }
+        const DuiLib::DUI_MSGMAP* GetMessageMap() const override {
+            static constexpr DuiLib::DUI_MSGMAP_ENTRY kEntries[] = {
+                {DuiLib::kNotifyClick, nullptr, &CNotifyPump::OnClick}, {nullptr, nullptr, nullptr}};
+            static const DuiLib::DUI_MSGMAP kMap{&s_messageMap, kEntries};
+            return &kMap;
+        }
+        std::vector<std::wstring> senders;
+    };
+    MakeWindow();
+    Recorder recorder;
+    ASSERT_TRUE(m_page.Pump()->AddVirtualWnd(AddressOf(*window), &recorder)) << "takes the window's place";
+    m_page.Notify(L"topName");
+    EXPECT_THAT(recorder.senders, ElementsAre(L"topName"));
+    m_page.Discard();
 }
 
 TEST_F(UpdateWindow, TwoWindowsHaveTheirAddressesAsNames) {

@@ -10,47 +10,10 @@ using DuiLib::PageInspector;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr const wchar_t* kProgressEntered =
-    L"[AccessoryLog]AccessoriesUpdateWnd RecPkgDownloadProcess enter"
-    L"(DuiLib::AccessoriesUpdateWnd::RecPkgDownloadProcess)";
-// At level 4.
-constexpr const wchar_t* kFailEntered =
-    L"[AccessoryLog]AccessoriesUpdateWnd RecPkgFail enter(DuiLib::AccessoriesUpdateWnd::RecPkgFail)";
-
 class MessageRouting : public PageWindowFixture {
 protected:
     MessageRouting() { MakeWindow(); }
 };
-
-TEST_F(MessageRouting, ProgressReachesTheRowOfItsKey) {
-    DeliverList({Accessory("X1"), Accessory("X2")});
-    Forget();
-    DeliverProgress("X2", 37);
-    EXPECT_EQ(Text(L"X2progress"), L"37%");
-    EXPECT_EQ(Text(L"X1progress"), L"");
-    EXPECT_THAT(Logged(3), ElementsAre(kProgressEntered));
-}
-
-TEST_F(MessageRouting, ProgressForAnUnknownKeyIsLoggedAndIgnored) {
-    DeliverList({Accessory("X1")});
-    Forget();
-    DeliverProgress("nobody", 37);
-    EXPECT_THAT(Logged(), ElementsAre(kProgressEntered));
-    EXPECT_EQ(Text(L"X1progress"), L"");
-}
-
-TEST_F(MessageRouting, TheEndOfARowHidesItsSeparator) {
-    DeliverList({Accessory("X1"), Accessory("X2")});
-    DeliverFinish("X1");
-    EXPECT_FALSE(Shown(L"X1_0"));
-    EXPECT_FALSE(Shown(L"X1hor"));
-}
-
-TEST_F(MessageRouting, TheEndReachesTheLastRowWhichHasNoSeparator) {
-    DeliverList({Accessory("X1"), Accessory("X2")});
-    DeliverFinish("X2");
-    EXPECT_FALSE(Shown(L"X2hor"));
-}
 
 // Deliberate: nothing remembers that the row has ended.
 TEST_F(MessageRouting, ASecondEndOfTheSameRowCountsDownOnceMore) {
@@ -71,21 +34,6 @@ TEST_F(MessageRouting, ASeparatorThatIsNullKeepsTheEndFromTheRow) {
     DeliverFinish("X1");
     EXPECT_TRUE(Shown(L"X1hor"));
     EXPECT_THAT(Logged(), IsEmpty());
-}
-
-TEST_F(MessageRouting, AFailureBeforeTheListFindsNoRow) {
-    Forget();
-    DeliverFail("X1");
-    EXPECT_THAT(Logged(4), ElementsAre(kFailEntered));
-    EXPECT_EQ(seam::Get().events.size(), 1u);
-}
-
-TEST_F(MessageRouting, KeysThatDifferInCaseAloneAreDifferentDevices) {
-    DeliverList({Accessory("x1"), Accessory("X1")});
-    DeliverProgress("x1", 5);
-    DeliverFail("X1");
-    EXPECT_EQ(Text(L"x1progress"), L"5%");
-    EXPECT_EQ(Text(L"X1progress"), L"Try again");
 }
 
 struct ForeignKey {
@@ -121,12 +69,6 @@ TEST_F(MessageRouting, AKeyOfAnyAnsiPageNamesTheControlsAndReachesItsRow) {
         EXPECT_TRUE(Shown(L"X2hor"));
     }
     EXPECT_EQ(tried, AnsiPage::CanBe(936) && AnsiPage::CanBe(1252) ? 3 : 1);
-}
-
-TEST_F(MessageRouting, ARawPayloadEndsAtItsFirstZero) {
-    DeliverList({Accessory("X1")});
-    seam::Get().Deliver(channel::to_page::IPC_MSG_PKG_FAIL.id, std::string("X1\0rest", 7));
-    EXPECT_EQ(Text(L"X1progress"), L"Try again");
 }
 
 TEST_F(MessageRouting, ARawMessageWithoutPayloadIsTheEmptyKey) {

@@ -9,13 +9,15 @@
 
 namespace DuiLib {
 
-// Lets tests read a list window's fields.
+// What of a list window nothing else can see or reach.
 struct PageInspector {
     static const auto& Rows(const AccessoriesUpdateWnd& window) { return window.m_rows; }
     static auto& Lines(AccessoriesUpdateWnd& window) { return window.m_lines; }
     static int TotalHeight(const AccessoriesUpdateWnd& window) { return window.m_totalHeight; }
     static int FirmwareNum(const AccessoriesUpdateWnd& window) { return window.m_firmwareNum; }
     static std::wstring VirtualWndName(const AccessoriesUpdateWnd& window) { return window.m_virtualWndName; }
+    static int BuildIndex(const AccessoriesUpdateWnd& window) { return window.m_buildIndex; }
+    static void ForgetParent(AccessoriesUpdateWnd& window) { window.m_parent = nullptr; }
     static IPCMessageClient* Client(const AccessoriesUpdateWnd& window) { return window.m_objIPCClientPtr; }
 };
 
