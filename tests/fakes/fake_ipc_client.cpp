@@ -4,7 +4,11 @@
 #include "ipc_client/ipc_message_client.h"
 #include "seam.h"
 
-class IPCMessageClient::State {};
+class IPCMessageClient::State {
+public:
+    const int endpointId;
+    const bool receives;
+};
 
 namespace {
 
@@ -22,7 +26,7 @@ bool Forget(const void* client, std::vector<seam::Callback>& callbacks) {
 }  // namespace
 
 IPCMessageClient::IPCMessageClient(int endpointId, bool receives, bool exclusive, const std::wstring& pipeName)
-    : m_state(std::make_shared<State>()) {
+    : m_state(new State{endpointId, receives}) {
     if (seam::Get().clientThrows) throw std::bad_alloc();
     seam::Get().clients.push_back({endpointId, receives, exclusive, pipeName});
     Record(seam::Kind::kClientCreated);
@@ -34,8 +38,16 @@ IPCMessageClient::~IPCMessageClient() {
 }
 
 void IPCMessageClient::RegisterMessageCallback(int msgId, std::function<void(TagIPCMessageItem&)> callback) {
-    seam::Get().callbacks[msgId].push_back({this, std::move(callback)});
     Record(seam::Kind::kRegister, msgId);
+    if (!m_state->receives) return;
+    std::vector<seam::Callback>& callbacks = seam::Get().callbacks[msgId];
+    const auto earlier = std::find_if(callbacks.begin(), callbacks.end(),
+                                      [this](const seam::Callback& entry) { return entry.client == this; });
+    if (earlier != callbacks.end()) {
+        earlier->function = std::move(callback);
+    } else {
+        callbacks.push_back({this, m_state->endpointId, std::move(callback)});
+    }
 }
 
 bool IPCMessageClient::UnRegisterMessageCallback(int msgId) {

@@ -1,5 +1,7 @@
 #include "seam.h"
 
+#include <algorithm>
+
 #include "kernel/sleep.h"
 #include "kernel/ui_turn.h"
 
@@ -19,6 +21,22 @@ void RecordSleep(std::uint32_t milliseconds) {
 // Before any page code runs: this library is loaded with the program.
 [[maybe_unused]] const bool sleepsAreRecorded = (kernel::SetSleeper(RecordSleep), true);
 
+// False when the client has no callback for that id any more.
+bool Call(const Seam& seam, const void* client, int msgId, std::string payload, int endpointId) {
+    const auto& callbacks = seam.callbacks.at(msgId);
+    const auto entry = std::find_if(callbacks.begin(), callbacks.end(),
+                                    [client](const Callback& callback) { return callback.client == client; });
+    if (entry == callbacks.end()) return false;
+    const auto function = entry->function;  // a copy: the callback may unregister itself
+    TagIPCMessageItem item;
+    item.destId = endpointId;
+    item.msgId = msgId;
+    item.dataLen = static_cast<std::int32_t>(payload.size());
+    item.data = payload.empty() ? nullptr : payload.data();
+    function(item);
+    return true;
+}
+
 }  // namespace
 
 Seam& Get() {
@@ -26,17 +44,14 @@ Seam& Get() {
     return instance;
 }
 
-bool DeliverTo(Seam& seam, int msgId, std::string payload) {
-    const auto found = seam.callbacks.find(msgId);
-    if (found == seam.callbacks.end() || found->second.empty()) return false;
-    const auto function = found->second.back().function;  // a copy: the callback may unregister itself
-    TagIPCMessageItem item;
-    item.destId = 0x270000;
-    item.msgId = msgId;
-    item.dataLen = static_cast<std::int32_t>(payload.size());
-    item.data = payload.empty() ? nullptr : payload.data();
-    function(item);
-    return true;
+bool DeliverTo(Seam& seam, int msgId, const std::string& payload, int endpointId) {
+    std::vector<const void*> clients;
+    for (const Callback& callback : seam.callbacks[msgId]) {
+        if (callback.endpointId == endpointId) clients.push_back(callback.client);
+    }
+    bool delivered = false;
+    for (const void* const client : clients) delivered = Call(seam, client, msgId, payload, endpointId) || delivered;
+    return delivered;
 }
 
 }  // namespace seam

@@ -53,13 +53,14 @@ struct Companion {
 
 struct Callback {
     const void* client;
+    int endpointId;
     std::function<void(TagIPCMessageItem&)> function;
 };
 
 struct Seam {
     std::vector<Event> events;
     std::vector<ClientArguments> clients;            // every client that was constructed
-    std::map<int, std::vector<Callback>> callbacks;  // by message id, in the order of registration
+    std::map<int, std::vector<Callback>> callbacks;  // by message id; each client once
     std::map<std::wstring, Companion> companions;
     std::vector<std::wstring> companionQuestions;  // "running:KEY", "app:KEY"
     bool postResult = true;
@@ -67,9 +68,10 @@ struct Seam {
     std::function<void(std::uint32_t milliseconds)> onSleep;  // with the sleep recorded already; under the UI turn
     std::function<void(int msgId)> onPost;                    // with the post recorded already
 
-    // Hands a message to the callback that was registered last for its id; false when there is none. The payload gets a
-    // zero byte behind it; an empty one is a null pointer.
-    bool Deliver(int msgId, std::string payload);
+    // Hands a message to every client of the endpoint, by default the page's, that has a callback for its id, in the
+    // order in which they registered; false when there is none. Each gets the payload with a zero byte behind it; an
+    // empty one is a null pointer. What a callback throws goes to the caller.
+    bool Deliver(int msgId, const std::string& payload, int endpointId = 0x270000);
 };
 
 #if defined(_WIN32)
@@ -83,8 +85,10 @@ struct Seam {
 #endif
 
 SEAM_API Seam& Get();
-SEAM_API bool DeliverTo(Seam& seam, int msgId, std::string payload);
+SEAM_API bool DeliverTo(Seam& seam, int msgId, const std::string& payload, int endpointId);
 
-inline bool Seam::Deliver(int msgId, std::string payload) { return DeliverTo(*this, msgId, std::move(payload)); }
+inline bool Seam::Deliver(int msgId, const std::string& payload, int endpointId) {
+    return DeliverTo(*this, msgId, payload, endpointId);
+}
 
 }  // namespace seam
