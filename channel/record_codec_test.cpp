@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace std::string_literals;
+using namespace std::literals;
 
 template <class Record>
 struct Decoded {
@@ -102,6 +102,51 @@ TEST(RecordCodec, AWrongMarkerLeavesTheDestinationUntouched) {
     EXPECT_EQ(list.size(), 2u);
 }
 
+// What is read replaces what was there; what cannot be read leaves it, but for texts and counts, which become empty.
+TEST(RecordCodec, RecordsThatAreNotEmptyAreOverwritten) {
+    List list = TwoRecords();
+    channel::ByteReader two(kTwoRecords);
+    ReadRecord(two, list);
+    ASSERT_EQ(list.size(), 2u) << "replaced, not added";
+    EXPECT_TRUE(Same(list[0], TwoRecords()[0]));
+    EXPECT_TRUE(Same(list[1], TwoRecords()[1]));
+
+    AccessoryVersionDataInfo record = TwoRecords()[0];
+    channel::ByteReader second(std::string_view(kTwoRecords).substr(kTwoRecords.size() - 30));
+    ReadRecord(second, record);
+    EXPECT_TRUE(Same(record, TwoRecords()[1]));
+
+    PkgDownloadProcess progress{"a longer key", 99};
+    channel::ByteReader example(kProgressExample);
+    ReadRecord(example, progress);
+    EXPECT_EQ(progress.deviceKey, "AB");
+    EXPECT_EQ(progress.progress, 37);
+}
+
+TEST(RecordCodec, NothingReadIntoRecordsThatAreNotEmptyEmptiesTextsAndKeepsNumbers) {
+    AccessoryVersionDataInfo record = TwoRecords()[0];
+    channel::ByteReader nothing("");
+    ReadRecord(nothing, record);
+    AccessoryVersionDataInfo expected;
+    expected.reserved = TwoRecords()[0].reserved;
+    expected.isDriver = true;
+    EXPECT_TRUE(Same(record, expected));
+
+    List list = TwoRecords();
+    ReadRecord(nothing, list);
+    EXPECT_TRUE(list.empty());
+    list = TwoRecords();
+    channel::ByteReader countOfOne("\x01\0\0\0\x01\0\0\0"sv);
+    ReadRecord(countOfOne, list);
+    ASSERT_EQ(list.size(), 1u);
+    EXPECT_TRUE(Same(list[0], AccessoryVersionDataInfo{})) << "a list's records are new ones";
+
+    PkgDownloadProcess progress{"AB", 37};
+    ReadRecord(nothing, progress);
+    EXPECT_EQ(progress.deviceKey, "");
+    EXPECT_EQ(progress.progress, 37);
+}
+
 TEST(RecordCodec, ATextOfFiveWithThreeBytesLeftIsFiveZerosAndTheCursorStaysBehindTheLength) {
     const std::string payload = "\x05\0\0\0xyz"s;
     channel::ByteReader reader(payload);
@@ -138,6 +183,37 @@ TEST(RecordCodec, SurrogatePairsAreJoinedWhereWideCharactersAreWideEnough) {
                   L"a\U0001F600b");
         EXPECT_EQ(DecodeWide("\x03\0\0\0\x00\xDE\x3D\xD8z\0"s), (std::wstring{0xDE00, 0xD83D, L'z'}))
             << "unpaired ones stay as they are";
+    }
+}
+
+// The first and the last surrogate of either half, and their neighbours.
+TEST(RecordCodec, OnlyAHighSurrogateBeforeALowOneIsAPair) {
+    if constexpr (sizeof(wchar_t) == 4) {
+        const struct {
+            std::u16string units;
+            std::wstring text;
+        } cases[] = {
+            {{0xD800, 0xDC00}, {wchar_t{0x10000}}},
+            {{0xD800, 0xDFFF}, {wchar_t{0x103FF}}},
+            {{0xDBFF, 0xDC00}, {wchar_t{0x10FC00}}},
+            {{0xDBFF, 0xDFFF}, {wchar_t{0x10FFFF}}},
+            {{0xD7FF, 0xDC00}, {0xD7FF, 0xDC00}},
+            {{0xDC00, 0xDC00}, {0xDC00, 0xDC00}},
+            {{0xD800, 0xDBFF}, {0xD800, 0xDBFF}},
+            {{0xD800, 0xE000}, {0xD800, 0xE000}},
+            {{0xD800, 0xD800, 0xDC00}, {0xD800, wchar_t{0x10000}}},
+            {{u'a', 0xD800}, {L'a', 0xD800}},
+        };
+        for (const auto& c : cases) {
+            const auto length = static_cast<std::uint32_t>(c.units.size());
+            std::string payload(reinterpret_cast<const char*>(&length), 4);
+            payload.append(reinterpret_cast<const char*>(c.units.data()), 2 * c.units.size());
+            EXPECT_EQ(DecodeWide(payload), c.text) << testing::PrintToString(c.text);
+            std::string written(payload.size(), '\0');
+            channel::ByteWriter writer(written.data());
+            WriteWString(writer, c.text);
+            EXPECT_EQ(written, payload) << testing::PrintToString(c.text);
+        }
     }
 }
 

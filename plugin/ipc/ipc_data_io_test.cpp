@@ -104,6 +104,20 @@ TEST(IPCDataIO, ReserveGrowsInBlocksAndKeepsWhatWasWritten) {
     EXPECT_EQ(writer.Position(), 10u);
 }
 
+TEST(IPCDataIO, ReserveAllocatesTheCapacityThatItAnnounces) {
+    const struct {
+        std::uint32_t blockSize, n;
+        std::int32_t capacity;
+    } cases[] = {{64, 1, 64}, {64, 64, 64}, {64, 65, 128}, {1, 5, 5}, {1000, 2001, 3000}};
+    for (const auto& c : cases) {
+        TagIPCMessageItem item;
+        IPCDataIO writer(&item, c.blockSize, false, false);
+        EXPECT_EQ(writer.Reserve(c.n), c.n);
+        EXPECT_EQ(item.dataLen, c.capacity);
+        EXPECT_EQ(NothrowFailure::LastArraySize(), static_cast<std::size_t>(c.capacity));
+    }
+}
+
 TEST(IPCDataIO, ReserveOfNothingSucceedsWithoutABuffer) {
     TagIPCMessageItem item;
     IPCDataIO writer(&item, 64, false, false);

@@ -64,6 +64,41 @@ TEST_F(IpcServer, ASecondReceiverForAnIdIsRefusedAndTheFirstStays) {
     EXPECT_THAT(Numbers(seam::Kind::kRegister), ElementsAre(to_page::IPC_MSG_ALL_UPDATE_DATA.id));
 }
 
+// A receiver that counts what happens to it.
+class CountedReceiver final : public IPCServerProcBase {
+public:
+    struct Counts {
+        int messages = 0;
+        int deletions = 0;
+    };
+
+    CountedReceiver(std::int32_t messageId, Counts& counts) : IPCServerProcBase(messageId), m_counts(counts) {}
+    ~CountedReceiver() override { ++m_counts.deletions; }
+    void Process(IIPCDataIO&) override { ++m_counts.messages; }
+
+private:
+    Counts& m_counts;
+};
+
+TEST_F(IpcServer, ARefusedReceiverStaysItsCallersAndTheFirstGoesOnGettingTheMessages) {
+    CountedReceiver::Counts first, second;
+    auto* const refused = new CountedReceiver(7, second);
+    {
+        IPCServer registry(&*client);
+        ASSERT_EQ(registry.Register(new CountedReceiver(7, first)), 1);
+        ASSERT_EQ(registry.Register(refused), -1);
+        EXPECT_TRUE(seam::Get().Deliver(7, "x"));
+        EXPECT_EQ(first.messages, 1);
+        EXPECT_EQ(second.messages, 0);
+        EXPECT_EQ(second.deletions, 0);
+        registry.UnregisterAll();
+        EXPECT_EQ(first.deletions, 1);
+    }
+    EXPECT_EQ(first.deletions, 1);
+    EXPECT_EQ(second.deletions, 0) << "the caller's to delete";
+    delete refused;
+}
+
 TEST_F(IpcServer, ANullReceiverIsRefused) {
     IPCServer registry(&*client);
     EXPECT_EQ(registry.Register(nullptr), -1);

@@ -71,6 +71,24 @@ TEST_F(MessageRouting, AKeyOfAnyAnsiPageNamesTheControlsAndReachesItsRow) {
     EXPECT_EQ(tried, AnsiPage::CanBe(936) && AnsiPage::CanBe(1252) ? 3 : 1);
 }
 
+TEST_F(MessageRouting, ARawPayloadIsReadUpToItsZeroWhateverItsLengthSays) {
+    DeliverList({Accessory("X1"), Accessory("X")});
+    char key[] = "X1";
+    TagIPCMessageItem item;
+    item.data = key;
+    const kernel::UiTurn turn;
+    for (const std::int32_t dataLen : {0, 1, -1}) {
+        item.dataLen = dataLen;
+        DeliverProgress("X1", 10);
+        window->RecPkgFail(item);
+        EXPECT_EQ(Text(L"X1progress"), L"Try again") << dataLen;
+    }
+    item.dataLen = 1;
+    window->RecPkgFinish(item);
+    EXPECT_FALSE(Shown(L"X1hor"));
+    EXPECT_TRUE(Shown(L"Xhor")) << "the key whose length was given";
+}
+
 TEST_F(MessageRouting, ARawMessageWithoutPayloadIsTheEmptyKey) {
     DeliverList({Accessory(""), Accessory("X1")});
     seam::Get().Deliver(channel::to_page::IPC_MSG_PKG_FAIL.id, "");

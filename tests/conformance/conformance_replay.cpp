@@ -1,9 +1,9 @@
 // conformance_replay [--module PATH] [--line NUMBER] FILE...
 //
 // Replays scenarios and decode vectors (JSON Lines) and prints the first difference of each that fails. Closes with
-// "N passed, M failed"; exit code 1 if M is not 0, 2 for a file that cannot be read. With --line it plays one scenario
-// in this process and prints the difference alone: so it starts itself for each, as a module and its rows live as long
-// as their process.
+// "N passed, M failed"; exit code 1 if M is not 0, 2 for a file that cannot be read. A file without an entry fails.
+// With --line it plays one scenario in this process and prints the difference alone: so it starts itself for each, as a
+// module and its rows live as long as their process.
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -50,6 +50,7 @@ int PlayOnlyLine(const Command& command) {
 
 std::string Replay(const json& entry, const std::string& file, int line, const Command& command) {
     if (entry.contains("record")) return CheckDecodeVector(entry);
+    if (entry.value("steps", json::array()).empty()) return "neither a decode vector nor a scenario with steps";
     return RunIsolated(command.program, {"--module", command.module.string(), "--line", std::to_string(line), file});
 }
 
@@ -77,9 +78,14 @@ bool ReplayFile(const std::string& file, const Command& command, Totals& totals)
         std::cerr << "conformance_replay: " << file << ": cannot be read\n";
         return false;
     }
+    const int before = totals.passed + totals.failed;
     std::string text;
     for (int line = 1; std::getline(input, text); ++line) {
         if (!text.empty()) ReplayLine(text, file, line, command, totals);
+    }
+    if (totals.passed + totals.failed == before) {
+        ++totals.failed;
+        std::cout << "FAILED " << file << ": holds no entry\n";
     }
     return true;
 }

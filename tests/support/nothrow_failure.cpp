@@ -6,6 +6,7 @@
 namespace {
 constexpr std::size_t kAbsurdSize = std::size_t{1} << 36;  // [bytes]
 
+std::atomic<std::size_t> lastArraySize{0};
 std::atomic<int> untilFailure{0};  // 0: none is asked for, or it has happened
 
 bool FailsNow() {
@@ -19,6 +20,7 @@ bool FailsNow() {
 NothrowFailure::NothrowFailure(int nth) { untilFailure = nth; }
 NothrowFailure::~NothrowFailure() { untilFailure = 0; }
 bool NothrowFailure::Happened() const { return untilFailure == 0; }
+std::size_t NothrowFailure::LastArraySize() { return lastArraySize; }
 
 // The linker hands every call of the program's own objects to __wrap_NAME, and has the allocation function itself as
 // __real_NAME: replacing the functions would collide with ThreadSanitizer's. An absurd size throws under
@@ -47,6 +49,7 @@ void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) no
 }
 
 void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) noexcept {
+    lastArraySize = size;
     return FailsNow() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
 }
 #pragma GCC visibility pop
