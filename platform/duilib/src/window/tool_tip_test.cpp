@@ -1,6 +1,6 @@
 #include "window/tool_tip.h"
 
-#include "support/toolkit/toolkit_test.h"
+#include "support/toolkit/painting_test.h"
 #include "window/tool_tip_painter.h"
 
 namespace DuiLib {
@@ -81,6 +81,84 @@ TEST_F(ToolTipPlaceTest, ALongTipIsWrapped) {
     const CDuiRect place = PlaceToolTip(std::wstring(56, L'x'), {180, 100, 220, 120}, kWindow);
     EXPECT_EQ(place.Width(), 280 + 24);
     EXPECT_EQ(place.Height(), 40 + 16);
+}
+
+// ---- In a window
+
+class ToolTipInAWindow : public PaintingTest {
+protected:
+    void WaitHalfASecond() {
+        window.Tick(kStart);
+        window.Tick(kStart + milliseconds(500));
+    }
+};
+
+TEST_F(ToolTipInAWindow, ThePointerGetsItsTipAlsoAfterTheKeyboardWasUsed) {
+    auto* const first = Add<CButtonUI>({{L"pos", L"0,0,50,50"}});
+    auto* const second = Add<CButtonUI>({{L"pos", L"100,100,150,150"}, {L"tooltip", L"Pause"}});
+    window.KeyDown(DuiKey::kTab);
+    EXPECT_EQ(window.GetFocus(), first);
+    window.MouseMove({120, 120});
+    WaitHalfASecond();
+    EXPECT_EQ(window.GetToolTipOwner(), second);
+}
+
+TEST_F(ToolTipInAWindow, TheSameTipAgainIsShownAgainAfterAClickButDoesNotFlicker) {
+    auto* const button = Add<CButtonUI>({{L"pos", L"100,100,150,150"}});
+    EXPECT_TRUE(Click(button));
+    button->SetToolTip(L"Not now");
+    WaitHalfASecond();
+    button->SetToolTip(L"Not now");
+    EXPECT_EQ(window.GetToolTipOwner(), button);
+    EXPECT_TRUE(Click(button));
+    EXPECT_EQ(window.GetToolTipOwner(), nullptr);
+    button->SetToolTip(L"Not now");
+    window.Tick(kStart + milliseconds(600));
+    window.Tick(kStart + milliseconds(1100));
+    EXPECT_EQ(window.GetToolTipOwner(), button);
+}
+
+TEST_F(ToolTipInAWindow, ATipIsPaintedBelowItsControlAndTakenAwayAgain) {
+    Add<CButtonUI>({{L"pos", L"100,100,200,120"}, {L"tooltip", L"Pause"}});
+    window.MouseMove({150, 110});
+    window.Tick(kStart);
+    EXPECT_EQ(At(150, 140), kWhite);
+    window.Tick(kStart + milliseconds(500));
+    EXPECT_NE(At(120, 130), kWhite);
+    EXPECT_NE(window.GetToolTipOwner(), nullptr);
+    window.MouseMove({0, 0});
+    EXPECT_EQ(At(120, 130), kWhite);
+    EXPECT_EQ(window.GetToolTipOwner(), nullptr);
+}
+
+TEST_F(ToolTipInAWindow, ATipThatAClickSetsIsShownWithoutMovingThePointer) {
+    auto* const button = Add<CButtonUI>({{L"pos", L"100,100,200,120"}});
+    EXPECT_TRUE(Click(button));
+    button->SetToolTip(L"Not now");
+    WaitHalfASecond();
+    EXPECT_EQ(window.GetToolTipOwner(), button);
+    button->SetToolTip(L"");
+    EXPECT_EQ(window.GetToolTipOwner(), nullptr);
+}
+
+TEST_F(ToolTipInAWindow, TheFocusShowsItsTipAndEscapeTakesItAway) {
+    auto* const button = Add<CButtonUI>({{L"pos", L"100,100,200,120"}, {L"tooltip", L"Pause"}});
+    window.KeyDown(DuiKey::kTab);
+    WaitHalfASecond();
+    EXPECT_EQ(window.GetToolTipOwner(), button);
+    EXPECT_TRUE(window.KeyDown(DuiKey::kEscape));
+    EXPECT_EQ(window.GetToolTipOwner(), nullptr);
+    EXPECT_FALSE(window.KeyDown(DuiKey::kEscape));
+}
+
+TEST_F(ToolTipInAWindow, ATipThatALayoutBroughtUnderThePointerIsTimed) {
+    auto* const button = Add<CButtonUI>({{L"pos", L"0,0,20,20"}, {L"tooltip", L"Pause"}, {L"visible", L"false"}});
+    window.MouseMove({5, 5});
+    Repainted();
+    button->SetVisible(true);
+    EXPECT_FALSE(window.Tick(kStart));
+    Repainted();
+    EXPECT_EQ(window.NextTick(kStart), kStart + milliseconds(500));
 }
 
 }  // namespace
