@@ -1,9 +1,5 @@
 #include "page_text.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <vector>
-
 #include "base/text.h"
 
 namespace settings_host {
@@ -12,17 +8,28 @@ namespace {
 
 using DuiLib::CContainerUI;
 using DuiLib::CControlUI;
+using DuiLib::ControlProgress;
+using DuiLib::ControlRole;
 
 constexpr int kBarCells = 20;
 
-// The first control below `control`, itself included, whose name ends so; null when there is none.
-CControlUI* FindBelow(CControlUI* control, std::wstring_view nameEnd) {
-    if (control->GetName().Str().ends_with(nameEnd)) return control;
+// The first control below `control`, itself included, that is the one; null when there is none.
+template <class Predicate>
+CControlUI* FirstBelow(CControlUI* control, const Predicate& isTheOne) {
+    if (isTheOne(*control)) return control;
     auto* const container = dynamic_cast<CContainerUI*>(control);
     for (int i = 0; container != nullptr && i < container->GetCount(); ++i) {
-        if (CControlUI* const found = FindBelow(container->GetItemAt(i), nameEnd)) return found;
+        if (CControlUI* const found = FirstBelow(container->GetItemAt(i), isTheOne)) return found;
     }
     return nullptr;
+}
+
+CControlUI* FindBelow(CControlUI* control, std::wstring_view nameEnd) {
+    return FirstBelow(control, [nameEnd](const CControlUI& at) { return at.GetName().Str().ends_with(nameEnd); });
+}
+
+CControlUI* FindBelow(CControlUI* control, ControlRole role) {
+    return FirstBelow(control, [role](const CControlUI& at) { return at.GetRole() == role; });
 }
 
 std::string TextOf(CControlUI* control) {
@@ -36,14 +43,9 @@ std::string WithToolTip(CControlUI* control) {
     return "  (tip: " + base::Utf8FromWide(control->GetToolTip()) + ")";
 }
 
-// The done part of the bar from the layer's "pos": "fill,0,width,0".
-std::string Bar(CControlUI* layer) {
-    int fill = 0;
-    int width = 0;
-    if (layer != nullptr) {
-        std::sscanf(base::Utf8FromWide(layer->GetAttribute(L"pos")).c_str(), "%d,%*d,%d,%*d", &fill, &width);
-    }
-    const int done = width <= 0 ? 0 : std::clamp(kBarCells * fill / width, 0, kBarCells);
+std::string Bar(CControlUI* control) {
+    const ControlProgress progress = control == nullptr ? ControlProgress{} : control->GetProgress();
+    const int done = progress.whole == 0 ? 0 : kBarCells * progress.done / progress.whole;
     return "[" + std::string(static_cast<std::size_t>(done), '#') +
            std::string(static_cast<std::size_t>(kBarCells - done), '.') + "]";
 }
@@ -55,7 +57,7 @@ std::string UpdateText(CControlUI* row) {
     CControlUI* const progress = FindBelow(row, L"progress");
     if (!Shown(progress)) return {};
     CControlUI* const label = FindBelow(row, L"progressLabel");
-    const std::string bar = Shown(label) ? Bar(FindBelow(row, L"progressLayout")) + " " : std::string();
+    const std::string bar = Shown(label) ? Bar(FindBelow(row, ControlRole::kProgress)) + " " : std::string();
     return bar + TextOf(progress) + WithToolTip(FindBelow(row, L"stopBtn"));
 }
 

@@ -34,6 +34,7 @@ protected:
     bool ContentIsFlexible(LayoutAxis axis) override;
     void ArrangeChildren() override;
     const std::vector<CControlUI*>& Children() const override { return m_items; }
+    ControlRole ClassRole() const override { return ControlRole::kContainer; }
 
     // ---- For layouts. All [device px].
     CDuiRect Inset() const;      // as thicknesses

@@ -24,6 +24,23 @@ struct ControlLook;
 enum class LayoutAxis : std::uint8_t { kHorizontal, kVertical };
 enum class ScrollStep : std::uint8_t { kNotch, kLine, kPage, kWhole };  // of the wheel, ..., from end to end
 
+// What a control is to whoever reads a page instead of looking at it: a screen reader, or a transcript. What it says is
+// its text and its tool tip, whether it is shown is IsVisible's.
+enum class ControlRole : std::uint8_t {
+    kNone,       // an empty place, or a decoration
+    kLabel,      // says its text
+    kButton,     // says its text; can be pressed
+    kContainer,  // says nothing itself
+    kProgress,   // says how much of something is done
+};
+
+// [design px] A bar's whole length and the part of it that is done, 0 to `whole`. The whole is 0 while nothing is
+// known.
+struct ControlProgress {
+    int done = 0;
+    int whole = 0;
+};
+
 // One control of a page: a node with a name, a text, attributes and a place.
 //
 // A control belongs to the container that it was added to, which deletes it; until then, to whoever made it. All
@@ -91,6 +108,12 @@ public:
     CContainerUI* GetParent() const;
     CPaintManagerUI* GetManager() const;  // null outside a window's tree
 
+    // As the attribute "role" says, else as its class is.
+    ControlRole GetRole() const { return m_role != ControlRole::kNone ? m_role : ClassRole(); }
+
+    // How much is done where the role is kProgress: such a control covers, by its "pos", what of a bar is not yet done.
+    ControlProgress GetProgress() const;
+
     // Marks the control, and what its size bears on, for the next layout.
     void NeedLayout();
 
@@ -106,6 +129,7 @@ protected:
     virtual void ArrangeChildren() {}                 // this control's own size has been set
     virtual const std::vector<CControlUI*>& Children() const;  // in the order of drawing
 
+    virtual ControlRole ClassRole() const { return ControlRole::kNone; }
     virtual bool TakesPointer() const { return false; }   // whether it can be clicked
     virtual bool IsSizedByText() const { return false; }  // whether the text bears on the size
 
@@ -186,6 +210,7 @@ private:
     int m_contentWidth = 0;   // valid with m_contentWidthKnown
     int m_contentHeight = 0;  // at m_contentHeightFor, valid with m_contentHeightKnown
     int m_contentHeightFor = 0;
+    ControlRole m_role = ControlRole::kNone;  // by attribute
     bool m_visible : 1 = true;
     bool m_enabled : 1 = true;
     bool m_fixedHeightInPixels : 1 = false;
@@ -205,6 +230,7 @@ protected:
     int ContentWidth() override;
     int ContentHeight(int width) override;
     bool ContentIsFlexible(LayoutAxis axis) override;  // a wrapping text adapts its width
+    ControlRole ClassRole() const override { return ControlRole::kLabel; }
     bool IsSizedByText() const override { return true; }
 };
 
@@ -222,6 +248,7 @@ public:
     std::wstring_view GetClass() const override;
 
 protected:
+    ControlRole ClassRole() const override { return ControlRole::kButton; }
     bool TakesPointer() const override { return true; }
 };
 

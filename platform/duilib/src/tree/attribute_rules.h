@@ -6,17 +6,15 @@
 #include <variant>
 #include <vector>
 
-#include "duilib/shared_text.h"
+#include "duilib/control.h"
 #include "foundation/attribute_values.h"
 #include "tree/control_look.h"
 
 namespace DuiLib {
 
 // What the text of an attribute says, read once; nothing where the text is not of the attribute's form.
-using AttributeValue =
-    std::variant<std::monostate, SharedText, bool, int, CDuiColor, CDuiSize, CDuiRect, Alignment, PictureReference>;
-
-class CControlUI;
+using AttributeValue = std::variant<std::monostate, SharedText, bool, int, CDuiColor, CDuiSize, CDuiRect, Alignment,
+                                    ControlRole, PictureReference>;
 
 // How an attribute is read, and where its value goes. The one table of all attributes is in control_attributes.cpp.
 struct AttributeRule {

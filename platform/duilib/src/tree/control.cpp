@@ -94,6 +94,14 @@ void CControlUI::SetEnabled(bool enabled) {
 CContainerUI* CControlUI::GetParent() const { return m_parent; }
 CPaintManagerUI* CControlUI::GetManager() const { return m_window ? m_window->Manager() : nullptr; }
 
+// ---- For readers
+
+ControlProgress CControlUI::GetProgress() const {
+    if (GetRole() != ControlRole::kProgress || !m_extras || !m_extras->pos) return {};
+    const int whole = std::max(0, m_extras->pos->right);
+    return {std::clamp(m_extras->pos->left, 0, whole), whole};
+}
+
 // ---- Sizes
 
 void CControlUI::SetFixedHeight(int height) {

@@ -19,6 +19,14 @@ CDuiString Resolve(const SharedText& text) {
     return UICulture::GetInstance()->GetBindString(text.Get());
 }
 
+std::optional<ControlRole> ParseRole(std::wstring_view text) {
+    if (text == L"label") return ControlRole::kLabel;
+    if (text == L"button") return ControlRole::kButton;
+    if (text == L"container") return ControlRole::kContainer;
+    if (text == L"progress") return ControlRole::kProgress;
+    return {};
+}
+
 }  // namespace
 
 // Where values go for which a control has no public setter of one parameter.
@@ -29,6 +37,7 @@ struct AttributeAccess {
     static void Text(Control& c, const SharedText& text) { c.SetText(Resolve(text)); }
     static void ToolTip(Control& c, const SharedText& text) { c.SetToolTip(Resolve(text)); }
     static void VirtualWnd(Control& c, const SharedText& name) { c.SetVirtualWnd(name.Get()); }
+    static void Role(Control& c, ControlRole role) { c.m_role = role; }
     static void Padding(Control& c, const CDuiRect& padding) {
         c.m_padding = padding;
         c.NeedLayoutAround();
@@ -148,6 +157,7 @@ constexpr std::array kRules = {
     Sets<ParseRect, A::Pos>(L"pos"),
     Paints<ParseColor, &ControlLook::pushedGround>(L"pushedbkcolor"),
     Paints<ParsePicture, &ControlLook::pushedPicture>(L"pushedimage"),
+    Sets<ParseRole, A::Role>(L"role"),
     SetsText<A::Text>(L"text"),
     Sets<ParseColor, &CControlUI::SetTextColor>(L"textcolor"),
     Sets<ParseRect, A::TextPadding>(L"textpadding"),

@@ -34,6 +34,42 @@ TEST_F(ControlTest, ClassesAreCalledAsInLayoutFiles) {
     EXPECT_EQ(CHorizontalLayoutUI().GetClass(), L"HorizontalLayout");
 }
 
+TEST_F(ControlTest, AReaderIsToldWhatAControlIs) {
+    EXPECT_EQ(CControlUI().GetRole(), ControlRole::kNone);
+    EXPECT_EQ(CLabelUI().GetRole(), ControlRole::kLabel);
+    EXPECT_EQ(CTextUI().GetRole(), ControlRole::kLabel);
+    EXPECT_EQ(CButtonUI().GetRole(), ControlRole::kButton);
+    EXPECT_EQ(CHorizontalLayoutUI().GetRole(), ControlRole::kContainer);
+    CLabelUI label;
+    const std::pair<const wchar_t*, ControlRole> table[] = {
+        {L"button", ControlRole::kButton},     {L"container", ControlRole::kContainer},
+        {L"progress", ControlRole::kProgress}, {L"nonsense", ControlRole::kProgress},
+        {L"label", ControlRole::kLabel},
+    };
+    for (const auto& [text, expected] : table) {
+        label.SetAttribute(L"role", text);
+        EXPECT_EQ(label.GetRole(), expected) << testing::PrintToString(std::wstring(text));
+    }
+}
+
+TEST_F(ControlTest, AReaderIsToldHowMuchOfABarIsDone) {
+    const std::tuple<const wchar_t*, int, int> table[] = {
+        {L"44,0,120,0", 44, 120}, {L"0,0,120,0", 0, 120}, {L"120,0,120,0", 120, 120}, {L"130,0,120,0", 120, 120},
+        {L"-5,0,120,0", 0, 120},  {L"nonsense", 0, 120},  {L"7,0,0,0", 0, 0},         {L"-9,0,-5,0", 0, 0},
+    };
+    CControlUI layer;
+    layer.SetAttribute(L"role", L"progress");
+    EXPECT_EQ(layer.GetProgress().whole, 0) << "nothing is known";
+    for (const auto& [pos, done, whole] : table) {
+        layer.SetAttribute(L"pos", pos);
+        EXPECT_EQ(layer.GetProgress().done, done) << testing::PrintToString(std::wstring(pos));
+        EXPECT_EQ(layer.GetProgress().whole, whole) << testing::PrintToString(std::wstring(pos));
+    }
+    CControlUI other;
+    other.SetAttribute(L"pos", L"44,0,120,0");
+    EXPECT_EQ(other.GetProgress().whole, 0) << "a place is no progress";
+}
+
 TEST_F(ControlTest, TextAndToolTipAreWhatWasSetLast) {
     CLabelUI label;
     label.SetText(L"one");
