@@ -40,10 +40,4 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-// Whether a picture can be drawn; if not, says why with the file's name. Each file is looked at once.
-bool IsPictureReadable(const std::filesystem::path& file, std::string& reason);
-
-// Whether the drawing library draws SVG files; if not, PNG files of the same name stand in for them.
-bool CanDrawSvg();
-
 }  // namespace DuiLib

@@ -28,6 +28,21 @@ CDuiRect CanvasClips::Near(const CDuiRect& area, CDuiSize corner, int thickness)
             std::clamp(area.right, room.left, room.right), std::clamp(area.bottom, room.top, room.bottom)};
 }
 
+auto CanvasClips::Drawn(const CDuiRect& area, CDuiSize corner, int thickness) const -> Shape {
+    return {Near(area, corner, thickness), IsCutAt(area, corner) ? CDuiSize{} : corner};
+}
+
+auto CanvasClips::Within(const Shape& outer, CDuiSize corner, int thickness) -> Shape {
+    return {Inflated(outer.area, -std::min(thickness, kMaxReach)),
+            {std::max(0, corner.cx - thickness), std::max(0, corner.cy - thickness)}};
+}
+
+CDuiRect CanvasClips::Centered(CDuiSize size, const CDuiRect& area) {
+    const int left = area.left + (area.Width() - size.cx) / 2;
+    const int top = area.top + (area.Height() - size.cy) / 2;
+    return {left, top, left + size.cx, top + size.cy};
+}
+
 bool CanvasClips::IsCutAt(const CDuiRect& area, CDuiSize corner) const {
     if (m_cuts.empty() || !m_cuts.back().rounded) return false;
     const CDuiRect& cut = m_cuts.back().area;

@@ -26,15 +26,26 @@ public:
     const Cut& PushRounded(const CDuiRect& area, CDuiSize corner);
     Cut Pop();
 
+    struct Shape {
+        CDuiRect area;
+        CDuiSize corner;
+    };
+    // How a shape is drawn here: with edges near by, and with straight corners where it is cut at this very shape. A
+    // round one drawn on top would have its smooth edge twice, and look faint at the corners.
+    Shape Drawn(const CDuiRect& area, CDuiSize corner, int thickness = 0) const;
+    // What a border of the shape leaves free within; with nothing of an area where it leaves nothing.
+    static Shape Within(const Shape& outer, CDuiSize corner, int thickness);
+
+    // A place of that size in the middle of an area.
+    static CDuiRect Centered(CDuiSize size, const CDuiRect& area);
+
     // The rectangle with edges that are far out of sight brought near: drawing libraries' numbers are smaller than the
     // toolkit's. What is drawn at an edge, as wide as the corner and the thickness, stays where it is or out of sight.
     CDuiRect Near(const CDuiRect& area, CDuiSize corner, int thickness = 0) const;
 
-    // Whether what is drawn now is cut at this very shape. A round shape drawn on top would have its smooth edge
-    // twice, and look faint at the corners.
+private:
     bool IsCutAt(const CDuiRect& area, CDuiSize corner) const;
 
-private:
     CDuiRect m_whole;
     std::vector<Cut> m_cuts;
 };

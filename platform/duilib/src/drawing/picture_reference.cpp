@@ -3,7 +3,7 @@
 #include <map>
 #include <utility>
 
-#include "drawing/canvas.h"
+#include "drawing/picture_files.h"
 #include "duilib/resource_manager.h"
 #include "foundation/report.h"
 

@@ -3,7 +3,7 @@
 #include <iomanip>
 #include <sstream>
 
-#include "drawing/canvas.h"
+#include "drawing/picture_files.h"
 #include "duilib/paint_surface.h"
 #include "support/toolkit/toolkit_test.h"
 

@@ -4,7 +4,7 @@
 
 #include "drawing/canvas.h"
 #include "drawing/paint_dc.h"
-#include "drawing/system_text_measurer.h"
+#include "drawing/text_measurer.h"
 #include "foundation/geometry_math.h"
 #include "foundation/layout_basis.h"
 

@@ -1,10 +1,9 @@
-#include "drawing/system_text_measurer.h"
-
 #include <chrono>
 #include <iterator>
 #include <limits>
 #include <thread>
 
+#include "drawing/text_measurer.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {

@@ -6,12 +6,9 @@
 
 #include "drawing/canvas_clips.h"
 #include "drawing/linux/cairo_owned.h"
-#include "drawing/linux/picture_files.h"
 #include "drawing/linux/text_layout.h"
-#include "drawing/text_place.h"
-#include "duilib/render_engine.h"
+#include "drawing/picture_files.h"
 #include "duilib/ui_culture.h"
-#include "foundation/geometry_math.h"
 
 namespace DuiLib {
 
@@ -99,7 +96,8 @@ void Canvas::Clear(const CDuiRect& area, CDuiColor color) {
 void Canvas::Fill(const CDuiRect& area, CDuiSize corner, CDuiColor color) {
     if (area.Width() <= 0 || area.Height() <= 0) return;
     m_state->SetColor(color);
-    m_state->Path(m_state->clips.Near(area, corner), m_state->clips.IsCutAt(area, corner) ? CDuiSize{} : corner);
+    const CanvasClips::Shape shape = m_state->clips.Drawn(area, corner);
+    m_state->Path(shape.area, shape.corner);
     cairo_fill(m_state->context);
 }
 
@@ -108,28 +106,25 @@ void Canvas::Border(const CDuiRect& area, CDuiSize corner, int thickness, CDuiCo
     // What lies between the outer shape and the inner one.
     m_state->SetColor(color);
     cairo_new_path(m_state->context);
-    const CDuiRect outer = m_state->clips.Near(area, corner, thickness);
-    m_state->AddPath(outer, m_state->clips.IsCutAt(area, corner) ? CDuiSize{} : corner);
-    const CDuiRect inner = Inflated(outer, -std::min(thickness, kMaxReach));
-    if (inner.Width() > 0 && inner.Height() > 0) {
-        m_state->AddPath(inner, {std::max(0, corner.cx - thickness), std::max(0, corner.cy - thickness)});
-    }
+    const CanvasClips::Shape outer = m_state->clips.Drawn(area, corner, thickness);
+    m_state->AddPath(outer.area, outer.corner);
+    const CanvasClips::Shape inner = CanvasClips::Within(outer, corner, thickness);
+    if (inner.area.Width() > 0 && inner.area.Height() > 0) m_state->AddPath(inner.area, inner.corner);
     cairo_set_fill_rule(m_state->context, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_fill(m_state->context);
     cairo_set_fill_rule(m_state->context, CAIRO_FILL_RULE_WINDING);
 }
 
 void Canvas::Picture(const CDuiRect& area, const std::filesystem::path& file, bool mirrored, double opacity) {
-    cairo_surface_t* const picture = RasterOf(file, {area.Width(), area.Height()});
+    const PaintSurface* const picture = RasterOf(file, {area.Width(), area.Height()});
     if (!picture) return;
+    const CairoSurface source = CairoView(*picture);
+    const CDuiRect place = CanvasClips::Centered(picture->Size(), area);
     cairo_t* const context = m_state->context;
-    const int width = cairo_image_surface_get_width(picture);
-    const int left = area.left + (area.Width() - width) / 2;
     cairo_save(context);
-    cairo_translate(context, mirrored ? left + width : left,
-                    area.top + (area.Height() - cairo_image_surface_get_height(picture)) / 2);
+    cairo_translate(context, mirrored ? place.right : place.left, place.top);
     if (mirrored) cairo_scale(context, -1, 1);
-    cairo_set_source_surface(context, picture, 0, 0);
+    cairo_set_source_surface(context, source.get(), 0, 0);
     cairo_paint_with_alpha(context, opacity);
     cairo_restore(context);
 }
@@ -139,9 +134,7 @@ void Canvas::Picture(const CDuiRect& area, const std::filesystem::path& file, bo
 void Canvas::Text(const CDuiRect& area, std::wstring_view text, const FontDescription& font, unsigned scale,
                   CDuiColor color, unsigned style) {
     if (text.empty() || area.Width() <= 0 || area.Height() <= 0) return;
-    const bool wrap = !(style & kTextSingleLine);
-    const bool ellipsis = !wrap && (style & kTextEndEllipsis);
-    PangoLayout* const layout = SetText({text, font, scale, wrap || ellipsis ? area.Width() : -1, wrap, ellipsis});
+    PangoLayout* const layout = SetText(SettingOf(text, font, scale, area.Width(), style));
     PangoRectangle whole;
     pango_layout_get_extents(layout, nullptr, &whole);
     const double top = area.top + TextTop(style, area.Height() - PANGO_PIXELS_CEIL(whole.height));

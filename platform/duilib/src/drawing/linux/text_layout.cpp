@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
+#include <string>
 #include <unordered_map>
 
 #include "duilib/ui_culture.h"
@@ -61,6 +63,7 @@ public:
         return m_kept.emplace(key, std::move(layout)).first->second.get();
     }
 
+    // Without keeping it: valid until the next call.
     PangoLayout* Once(const TextSetting& setting) {
         FollowReading();
         Fill(m_once.get(), setting);
@@ -127,6 +130,11 @@ PangoText& Texts() {
 }  // namespace
 
 PangoLayout* SetText(const TextSetting& setting) { return Texts().Kept(setting); }
-PangoLayout* SetTextOnce(const TextSetting& setting) { return Texts().Once(setting); }
+
+CDuiSize SizeOf(const TextSetting& setting) {
+    PangoRectangle extent;
+    pango_layout_get_extents(Texts().Once(setting), nullptr, &extent);
+    return {PANGO_PIXELS_CEIL(extent.width), PANGO_PIXELS_CEIL(extent.height)};
+}
 
 }  // namespace DuiLib

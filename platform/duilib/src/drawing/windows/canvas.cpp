@@ -6,9 +6,8 @@
 #include <vector>
 
 #include "drawing/canvas_clips.h"
-#include "drawing/text_place.h"
+#include "drawing/picture_files.h"
 #include "drawing/windows/gdiplus_session.h"
-#include "drawing/windows/picture_files.h"
 #include "drawing/windows/pixel_blending.h"
 #include "drawing/windows/round_shape.h"
 #include "drawing/windows/text_layout.h"
@@ -118,21 +117,21 @@ void Canvas::Clear(const CDuiRect& area, CDuiColor color) {
 
 void Canvas::Fill(const CDuiRect& area, CDuiSize corner, CDuiColor color) {
     if (area.Width() <= 0 || area.Height() <= 0) return;
-    const CDuiRect place = m_state->clips.Near(area, corner);
-    const RoundShape shape(place, m_state->clips.IsCutAt(area, corner) ? CDuiSize{} : corner);
-    m_state->EachRow(place, shape, [&](std::uint32_t* pixels, int, int) { m_state->Blend(pixels, color); });
+    const CanvasClips::Shape drawn = m_state->clips.Drawn(area, corner);
+    const RoundShape shape(drawn.area, drawn.corner);
+    m_state->EachRow(drawn.area, shape, [&](std::uint32_t* pixels, int, int) { m_state->Blend(pixels, color); });
 }
 
 // What lies between the outer shape and the inner one.
 void Canvas::Border(const CDuiRect& area, CDuiSize corner, int thickness, CDuiColor color) {
     if (thickness <= 0 || area.Width() <= 0 || area.Height() <= 0) return;
-    const CDuiRect place = m_state->clips.Near(area, corner, thickness);
-    const RoundShape outer(place, m_state->clips.IsCutAt(area, corner) ? CDuiSize{} : corner);
-    const CDuiRect within = Inflated(place, -std::min(thickness, kMaxReach));
-    const RoundShape inner(within, {std::max(0, corner.cx - thickness), std::max(0, corner.cy - thickness)});
-    const bool hollow = within.Width() > 0 && within.Height() > 0;
+    const CanvasClips::Shape drawn = m_state->clips.Drawn(area, corner, thickness);
+    const CanvasClips::Shape within = CanvasClips::Within(drawn, corner, thickness);
+    const RoundShape outer(drawn.area, drawn.corner);
+    const RoundShape inner(within.area, within.corner);
+    const bool hollow = within.area.Width() > 0 && within.area.Height() > 0;
     std::vector<std::uint8_t> hole;
-    m_state->EachRow(place, outer, [&](std::uint32_t* pixels, int left, int y) {
+    m_state->EachRow(drawn.area, outer, [&](std::uint32_t* pixels, int left, int y) {
         std::vector<std::uint8_t>& cover = m_state->cover;
         hole.resize(cover.size());
         if (hollow) inner.CoverRow(y, left, hole);
@@ -147,14 +146,12 @@ void Canvas::Picture(const CDuiRect& area, const std::filesystem::path& file, bo
     const PaintSurface* const picture = RasterOf(file, {area.Width(), area.Height()});
     if (!picture) return;
     const CDuiSize size = picture->Size();
-    const int left = area.left + (area.Width() - size.cx) / 2;
-    const int top = area.top + (area.Height() - size.cy) / 2;
-    const CDuiRect place{left, top, left + size.cx, top + size.cy};
+    const CDuiRect place = CanvasClips::Centered(size, area);
     const auto share = static_cast<unsigned>(std::lround(std::clamp(opacity, 0.0, 1.0) * 255));
     m_state->EachRow(place, RoundShape(place, {}), [&](std::uint32_t* pixels, int from, int y) {
         for (int i = 0; i < static_cast<int>(m_state->cover.size()); ++i) {
-            const int column = from + i - left;
-            const std::uint32_t pixel = picture->Pixel(mirrored ? size.cx - 1 - column : column, y - top);
+            const int column = from + i - place.left;
+            const std::uint32_t pixel = picture->Pixel(mirrored ? size.cx - 1 - column : column, y - place.top);
             pixels[i] = Over(Weakened(pixel, share), pixels[i]);
         }
     });
@@ -165,9 +162,7 @@ void Canvas::Text(const CDuiRect& area, std::wstring_view text, const FontDescri
     if (text.empty() || area.Width() <= 0 || area.Height() <= 0) return;
     const CDuiRect bounds = Intersection(m_state->clips.Bounds(), area);
     if (bounds.Width() <= 0 || bounds.Height() <= 0) return;
-    const bool wrap = !(style & kTextSingleLine);
-    const bool ellipsis = !wrap && (style & kTextEndEllipsis);
-    const TextLines lines = SetText({text, font, scale, wrap || ellipsis ? area.Width() : -1, wrap, ellipsis});
+    const TextLines lines = SetText(SettingOf(text, font, scale, area.Width(), style));
     double y = area.top + TextTop(style, area.Height() - lines.Size().cy);
     Gdiplus::Graphics& graphics = m_state->targets.back().Graphics(bounds);
     for (const TextLine& line : lines.lines) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "drawing/windows/gdiplus_session.h"
@@ -16,5 +17,9 @@ struct SystemFont {
 // family, of that of its own texts; where that lacks letters of the text, of the first well-known family that has them
 // all. Kept until the process ends. UI turn.
 const SystemFont& FindFont(const FontDescription& font, unsigned scale, std::wstring_view text);
+
+// Whether a family has all letters of the text; characters beyond the basic plane are not looked at. Each family is
+// read once. UI turn.
+bool HasLetters(const std::wstring& family, std::wstring_view text);
 
 }  // namespace DuiLib

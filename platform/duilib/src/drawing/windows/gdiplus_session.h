@@ -1,8 +1,5 @@
 #pragma once
 
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
 #include <windows.h>
 // These belong after windows.h, in this order, and GDI+ wants its own min and max.
 #include <objidl.h>

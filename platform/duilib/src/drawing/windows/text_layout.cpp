@@ -150,6 +150,8 @@ TextLines SetText(const TextSetting& setting) {
     return lines;
 }
 
+CDuiSize SizeOf(const TextSetting& setting) { return SetText(setting).Size(); }
+
 void DrawLine(Gdiplus::Graphics& graphics, const TextLines& lines, const TextLine& line, double x, double y,
               CDuiColor color) {
     PinRendering(graphics);

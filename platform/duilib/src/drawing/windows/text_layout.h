@@ -1,24 +1,14 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "drawing/text_setting.h"
 #include "drawing/windows/gdiplus_session.h"
-#include "duilib/resource_manager.h"
 
 namespace DuiLib {
 
-// Texts set by GDI+. What is measured and what is painted comes from here, so that both agree.
-struct TextSetting {
-    std::wstring_view text;
-    const FontDescription& font;
-    unsigned scale;         // [percent] that font sizes are multiplied by
-    int width = -1;         // [device px] to break or cut at; -1: neither
-    bool wrap = false;      // at the width, between words where possible
-    bool ellipsis = false;  // "…" where a text that is not wrapped is cut
-};
-
+// Texts set by GDI+.
 struct TextLine {
     std::wstring text;
     int width;  // [device px] rounded up

@@ -1,6 +1,5 @@
 #include "drawing/windows/text_layout.h"
 
-#include "drawing/windows/font_coverage.h"
 #include "drawing/windows/gdiplus_fonts.h"
 #include "support/toolkit/toolkit_test.h"
 

@@ -1,6 +1,8 @@
-#include "drawing/measure_cache.h"
+#include "drawing/text_measurer.h"
 
 #include <functional>
+
+#include "drawing/text_setting.h"
 
 namespace DuiLib {
 
@@ -51,6 +53,25 @@ void MeasureCache::DropOldest() {
         break;
     }
     m_entries.erase(oldest);
+}
+
+namespace {
+
+class TextSettingMeasurer final : public TextMeasurer {
+public:
+    CDuiSize Measure(std::wstring_view text, const FontDescription& font, unsigned scale, int maxWidth,
+                     bool wrap) override {
+        if (text.empty()) return {};
+        return SizeOf({text, font, scale, maxWidth, wrap});
+    }
+};
+
+}  // namespace
+
+TextMeasurer& SystemTextMeasurer() {
+    static TextSettingMeasurer measurer;
+    static MeasureCache cache(measurer);
+    return cache;
 }
 
 }  // namespace DuiLib

@@ -1,4 +1,4 @@
-#include "drawing/measure_cache.h"
+#include "drawing/text_measurer.h"
 
 #include "support/toolkit/toolkit_test.h"
 

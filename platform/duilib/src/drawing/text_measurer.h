@@ -48,4 +48,7 @@ private:
     std::unordered_multimap<std::size_t, Entries::iterator> m_byHash;
 };
 
+// The measurer of the system that the toolkit was built for, with such a cache. UI turn.
+TextMeasurer& SystemTextMeasurer();
+
 }  // namespace DuiLib
