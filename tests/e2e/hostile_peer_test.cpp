@@ -3,9 +3,9 @@
 #include <random>
 
 #include "channel/messages.h"
-#include "frame.h"
+#include "wire/frame.h"
 #include "page_e2e_test.h"
-#include "test_support.h"
+#include "ipc/pipe_test.h"
 
 namespace e2e {
 namespace {

@@ -1,0 +1,43 @@
+#include "ipc_client/ipc_broker.h"
+
+#include <thread>
+#include <utility>
+
+#include "broker/broker_loop.h"
+#include "diagnostics.h"
+#include "pipe/pipe_channel.h"
+#include "pipe/pipe_path.h"
+
+using ipc_client::BrokerLoop;
+using ipc_client::Log;
+
+class IPCBroker::Impl {
+public:
+    Impl(const std::filesystem::path& path, const IPCBrokerLimits& limits)
+        : m_path(path), m_loop(m_io, path, limits), m_thread([this] { ipc_client::RunIo(m_io); }) {
+        Log(kIpcLogDetail, m_path.string() + ": broker started");
+    }
+
+    ~Impl() {
+        m_io.stop();
+        m_thread.join();
+        Log(kIpcLogDetail, m_path.string() + ": broker stopped");
+    }
+
+private:
+    const std::filesystem::path m_path;
+    asio::io_context m_io{1};
+    BrokerLoop m_loop;
+    std::thread m_thread;  // last: everything it uses is there before it starts
+};
+
+IPCBroker::IPCBroker(const std::wstring& pipeName, const IPCBrokerLimits& limits)
+    : m_pipeName(pipeName), m_limits(limits) {}
+
+IPCBroker::~IPCBroker() { Stop(); }
+
+void IPCBroker::Start() {
+    if (!m_impl) m_impl = std::make_unique<Impl>(ipc_client::PipePath(m_pipeName), m_limits);
+}
+
+void IPCBroker::Stop() { m_impl.reset(); }

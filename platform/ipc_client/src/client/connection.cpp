@@ -1,0 +1,242 @@
+#include "client/connection.h"
+
+#include <algorithm>
+#include <asio/post.hpp>
+#include <utility>
+
+#include "client/receiver.h"
+#include "diagnostics.h"
+#include "ipc_client/ipc_connection_state.h"
+#include "pipe/pipe_channel.h"
+#include "pipe/pipe_path.h"
+
+namespace ipc_client {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kFirstPause{20};
+constexpr milliseconds kLongestPause{1000};
+constexpr milliseconds kHandshake{5000};
+constexpr milliseconds kLinger{500};
+
+}  // namespace
+
+Connection::Connection(const std::filesystem::path& path)
+    : m_path(path), m_work(m_io.get_executor()), m_connectAgain(m_io), m_pause(kFirstPause), m_thread([this] {
+          asio::post(m_io, [this] { Connect(); });
+          RunIo(m_io);
+      }) {}
+
+Connection::~Connection() {
+    WaitUntilWritten();
+    m_io.stop();
+    m_thread.join();
+}
+
+bool Connection::IsOpen() const {
+    const std::lock_guard lock(m_stateMutex);
+    return m_phase == Phase::kOpen;
+}
+
+bool Connection::Post(const TagIPCMessageItem& item) {
+    if (!IsPostable(item)) return false;
+    std::string frame;
+    AppendMessage(frame, item);
+    const std::lock_guard lock(m_stateMutex);
+    const std::size_t waiting = m_open ? m_open->Backlog() : m_unsent.size();
+    if (waiting + frame.size() > kMaxUnsentBytes) return false;
+    if (!m_open) {
+        m_unsent.append(frame);
+        return true;
+    }
+    m_open->Append(frame);
+    m_open->Flush();
+    return true;
+}
+
+void Connection::AddReceiver(Receiver& receiver, int msgId) {
+    const std::lock_guard lock(m_routesMutex);
+    const Route route{receiver.endpointId(), msgId};
+    std::vector<Receiver*>& receivers = m_receivers[route];
+    if (std::find(receivers.begin(), receivers.end(), &receiver) != receivers.end()) return;
+    receivers.push_back(&receiver);
+    if (receivers.size() == 1) SendRoutes(FrameType::kAnnounce, {route});
+}
+
+void Connection::RemoveReceiver(Receiver& receiver, const std::vector<int>& msgIds) {
+    const std::lock_guard lock(m_routesMutex);
+    std::vector<Route> withdrawn;
+    for (const int msgId : msgIds) {
+        const auto entry = m_receivers.find({receiver.endpointId(), msgId});
+        if (entry == m_receivers.end()) continue;
+        std::erase(entry->second, &receiver);
+        if (!entry->second.empty()) continue;
+        withdrawn.push_back(entry->first);
+        m_receivers.erase(entry);
+    }
+    SendRoutes(FrameType::kWithdraw, withdrawn);
+}
+
+// Tells an open broker; one that is not open learns everything when it opens.
+void Connection::SendRoutes(FrameType type, const std::vector<Route>& routes) {
+    if (routes.empty()) return;
+    std::string frame;
+    AppendRoutes(frame, type, routes);
+    const std::lock_guard lock(m_stateMutex);
+    if (!m_open) return;
+    m_open->Append(frame);
+    m_open->Flush();
+}
+
+void Connection::Connect() {
+    try {
+        m_channel = std::make_shared<PipeChannel>(ConnectPipe(m_io, m_path), *this);
+        m_channel->Start(kHandshake);
+    } catch (const std::exception& error) {
+        ConnectLater(error.what());
+    }
+}
+
+void Connection::ConnectLater(const std::string& reason) {
+    bool changed = false;
+    {
+        const std::lock_guard lock(m_stateMutex);
+        changed = std::exchange(m_phase, Phase::kUnreachable) != Phase::kUnreachable;
+    }
+    m_phaseChanged.notify_all();
+    if (changed) TellOfChange();
+    if (std::exchange(m_lastReason, reason) != reason) {
+        Log(kIpcLogEvent, "the pipe cannot be reached, trying again: " + reason);
+    }
+    m_connectAgain.expires_after(m_pause);
+    m_pause = std::min(m_pause * 2, kLongestPause);
+    m_connectAgain.async_wait([this](std::error_code cancelled) {
+        if (!cancelled) Connect();
+    });
+}
+
+void Connection::Opened() {
+    m_openedAt = steady_clock::now();
+    m_lastReason.clear();
+    {
+        const std::lock_guard routesLock(m_routesMutex);
+        std::vector<Route> routes;
+        for (const auto& [route, receivers] : m_receivers) routes.push_back(route);
+        const std::lock_guard lock(m_stateMutex);
+        std::string frames;
+        if (!routes.empty()) AppendRoutes(frames, FrameType::kAnnounce, routes);
+        m_channel->Append(frames);
+        m_channel->Append(m_unsent);
+        m_unsent = {};
+        m_open = m_channel;
+        m_open->Flush();
+        m_phase = Phase::kOpen;
+    }
+    m_phaseChanged.notify_all();
+    TellOfChange();
+    Log(kIpcLogDetail, m_path.string() + ": connected");
+}
+
+void Connection::FrameArrived(const FrameView& frame) {
+    if (frame.type != FrameType::kMessage) throw ProtocolError("a broker announces nothing");
+    const MessageView message = DecodeMessage(frame.body);
+    const std::lock_guard lock(m_routesMutex);
+    const auto entry = m_receivers.find(message.route());
+    if (entry == m_receivers.end()) return;
+    for (Receiver* receiver : entry->second) receiver->Deliver(message);
+}
+
+void Connection::Closed(const std::string& reason, int) {
+    bool wasOpen = false;
+    {
+        const std::lock_guard lock(m_stateMutex);
+        if (m_open) m_unsent = m_open->TakeMessages();
+        wasOpen = std::exchange(m_open, nullptr) != nullptr;
+    }
+    m_channel.reset();
+    // A connection that breaks as soon as it opens is not to be opened again and again without a pause.
+    if (wasOpen && steady_clock::now() - m_openedAt >= kLongestPause) m_pause = kFirstPause;
+    ConnectLater(m_path.string() + (wasOpen ? ": connection lost: " : ": ") + reason);
+}
+
+// A broker that has not been tried yet counts as one that takes messages: a process may post one and end.
+void Connection::WaitUntilWritten() {
+    const auto until = steady_clock::now() + kLinger;
+    std::unique_lock lock(m_stateMutex);
+    m_phaseChanged.wait_until(lock, until, [this] { return m_phase != Phase::kConnecting || m_unsent.empty(); });
+    const std::shared_ptr<PipeChannel> open = m_open;
+    lock.unlock();
+    if (open) open->WaitWritten(until);
+}
+
+// ---- The process's connections
+
+namespace {
+
+struct Registry {
+    std::mutex mutex;
+    std::unordered_map<std::string, std::weak_ptr<Connection>> connections;  // by path
+};
+
+// Never destroyed: clients may live until the process ends.
+Registry& TheRegistry() {
+    static Registry& registry = *new Registry;
+    return registry;
+}
+
+struct ChangeSink {
+    std::mutex mutex;
+    std::function<void()> changed;
+};
+
+ChangeSink& TheSink() {
+    static ChangeSink& sink = *new ChangeSink;
+    return sink;
+}
+
+}  // namespace
+
+void Connection::TellOfChange() {
+    ChangeSink& sink = TheSink();
+    const std::lock_guard lock(sink.mutex);
+    if (sink.changed) sink.changed();
+}
+
+void SetChangeSink(std::function<void()> changed) {
+    ChangeSink& sink = TheSink();
+    const std::lock_guard lock(sink.mutex);
+    sink.changed = std::move(changed);
+}
+
+std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
+    const std::filesystem::path path = PipePath(pipeName);
+    Registry& registry = TheRegistry();
+    const std::lock_guard lock(registry.mutex);
+    std::weak_ptr<Connection>& known = registry.connections[path.string()];
+    std::shared_ptr<Connection> connection = known.lock();
+    if (!connection) {
+        // Not make_shared: the weak reference would keep the memory of an ended connection.
+        connection = std::shared_ptr<Connection>(new Connection(path));
+        known = connection;
+    }
+    return connection;
+}
+
+std::shared_ptr<Connection> Connection::Existing(const std::wstring& pipeName) {
+    const std::string path = PipePath(pipeName).string();
+    Registry& registry = TheRegistry();
+    const std::lock_guard lock(registry.mutex);
+    const auto known = registry.connections.find(path);
+    return known == registry.connections.end() ? nullptr : known->second.lock();
+}
+
+}  // namespace ipc_client
+
+bool IsPipeConnected(const std::wstring& pipeName) {
+    const auto connection = ipc_client::Connection::Existing(pipeName);
+    return connection && connection->IsOpen();
+}
+
+void SetPipeConnectionSink(std::function<void()> changed) { ipc_client::SetChangeSink(std::move(changed)); }

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <asio/executor_work_guard.hpp>
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+#include "pipe/pipe_channel.h"
+#include "pipe/pipe_transport.h"
+#include "wire/frame.h"
+
+namespace ipc_client {
+
+class Receiver;
+
+// A process's connection to one pipe, shared by all its clients of that pipe. Connects on an I/O thread of its own,
+// again and again with increasing pauses; what is posted meanwhile waits.
+class Connection final : public PipeChannel::Listener {
+public:
+    // The process's connection to that pipe, made if there is none. Throws std::bad_alloc, or std::system_error when
+    // the system has no more threads or descriptors.
+    static std::shared_ptr<Connection> ForPipe(const std::wstring& pipeName);
+
+    // The connection if there is one, else null.
+    static std::shared_ptr<Connection> Existing(const std::wstring& pipeName);
+
+    explicit Connection(const std::filesystem::path& path);
+
+    // Gives what was posted up to half a second to be written, if there is a broker that takes it.
+    ~Connection();
+
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    // As IPCMessageClient::PostIPCMessage.
+    bool Post(const TagIPCMessageItem& item);
+
+    // From now on `receiver`, which must outlive this, gets the messages of its endpoint with that id. The broker is
+    // told of the first receiver of a route, and of the last one's end.
+    void AddReceiver(Receiver& receiver, int msgId);
+    void RemoveReceiver(Receiver& receiver, const std::vector<int>& msgIds);
+
+    bool IsOpen() const;
+
+private:
+    enum class Phase { kConnecting, kOpen, kUnreachable };
+
+    // I/O thread.
+    void Connect();
+    void ConnectLater(const std::string& reason);
+    void Opened() override;
+    void FrameArrived(const FrameView& frame) override;
+    void BatchEnded() override {}
+    void Closed(const std::string& reason, int level) override;
+
+    static void TellOfChange();  // the process's sink, see ipc_connection_state.h
+
+    void SendRoutes(FrameType type, const std::vector<Route>& routes);
+    void WaitUntilWritten();
+
+    const std::filesystem::path m_path;
+    asio::io_context m_io{1};
+    asio::executor_work_guard<asio::io_context::executor_type> m_work;
+
+    // I/O thread only.
+    asio::steady_timer m_connectAgain;
+    std::chrono::milliseconds m_pause;  // before the next attempt
+    std::chrono::steady_clock::time_point m_openedAt;
+    std::string m_lastReason;  // why the pipe could not be reached, as last logged
+    std::shared_ptr<PipeChannel> m_channel;
+
+    std::mutex m_routesMutex;                                       // taken before m_stateMutex where both are
+    std::unordered_map<Route, std::vector<Receiver*>> m_receivers;  // no list is empty
+
+    mutable std::mutex m_stateMutex;
+    std::condition_variable m_phaseChanged;
+    Phase m_phase = Phase::kConnecting;
+    std::shared_ptr<PipeChannel> m_open;  // null while the phase is not kOpen
+    std::string m_unsent;                 // message frames posted while the phase is not kOpen
+
+    std::thread m_thread;  // last: everything it uses is there before it starts
+};
+
+// As SetPipeConnectionSink.
+void SetChangeSink(std::function<void()> changed);
+
+}  // namespace ipc_client

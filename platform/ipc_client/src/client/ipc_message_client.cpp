@@ -1,0 +1,109 @@
+#include "ipc_client/ipc_message_client.h"
+
+#include <mutex>
+#include <new>
+#include <optional>
+#include <system_error>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "client/connection.h"
+#include "client/receiver.h"
+#include "diagnostics.h"
+#include "kernel/ui_turn.h"
+
+using ipc_client::Connection;
+using ipc_client::Receiver;
+
+// Small, because a page opens one client a row: the receiving half is made for the first callback.
+class IPCMessageClient::State {
+public:
+    State(int endpoint, bool mayReceive, std::shared_ptr<Connection> shared)
+        : endpointId(endpoint), receives(mayReceive), connection(std::move(shared)) {}
+
+    // Makes the receiver for the first callback; false, with a log line, when its thread cannot be started. Under
+    // `registration`.
+    bool EnsureReceiver() {
+        if (receiver) return true;
+        try {
+            receiver = std::make_unique<Receiver>(endpointId);
+            return true;
+        } catch (const std::system_error& error) {
+            ipc_client::Log(kIpcLogEvent, std::string("no delivery thread for a client: ") + error.what());
+            return false;
+        }
+    }
+
+    const int endpointId;
+    const bool receives;
+    const std::shared_ptr<Connection> connection;
+    std::mutex registration;             // keeps callbacks and the connection's routes in step
+    std::unique_ptr<Receiver> receiver;  // set once
+};
+
+namespace {
+
+std::shared_ptr<Connection> ConnectionFor(const std::wstring& pipeName) {
+    try {
+        return Connection::ForPipe(pipeName);
+    } catch (const std::system_error& error) {
+        ipc_client::Log(kIpcLogEvent, std::string("no connection for a client: ") + error.what());
+        throw std::bad_alloc();
+    }
+}
+
+}  // namespace
+
+IPCMessageClient::IPCMessageClient(int endpointId, bool receives, bool, const std::wstring& pipeName)
+    : m_state(std::make_shared<State>(endpointId, receives, ConnectionFor(pipeName))) {}
+
+IPCMessageClient::~IPCMessageClient() {
+    UnRegisterMessageCallbackAll();
+    const kernel::UiTurnPause pause;  // the last client waits for what was posted to be written
+    m_state.reset();
+}
+
+void IPCMessageClient::RegisterMessageCallback(int msgId, std::function<void(TagIPCMessageItem&)> callback) {
+    if (!m_state->receives) {
+        ipc_client::Log(kIpcLogEvent, "a client that does not receive was given a callback for " +
+                                          ipc_client::Describe({m_state->endpointId, msgId}));
+        return;
+    }
+    Receiver::Held replaced;  // goes after the lock
+    const std::lock_guard lock(m_state->registration);
+    if (!m_state->EnsureReceiver()) return;
+    replaced = m_state->receiver->Set(msgId, std::move(callback));
+    m_state->connection->AddReceiver(*m_state->receiver, msgId);
+}
+
+bool IPCMessageClient::UnRegisterMessageCallback(int msgId) {
+    std::unique_lock lock(m_state->registration);
+    Receiver* receiver = m_state->receiver.get();
+    if (receiver == nullptr) return false;
+    Receiver::Held removed = receiver->Remove(msgId);
+    if (removed) m_state->connection->RemoveReceiver(*receiver, {msgId});
+    lock.unlock();
+    const bool wasThere = std::exchange(removed, nullptr) != nullptr;
+    receiver->WaitUntilDone(msgId);  // another thread, or the callback itself, may have removed it
+    return wasThere;
+}
+
+bool IPCMessageClient::UnRegisterMessageCallbackAll() {
+    std::unique_lock lock(m_state->registration);
+    Receiver* receiver = m_state->receiver.get();
+    if (receiver == nullptr) return false;
+    std::unordered_map<int, Receiver::Held> removed = receiver->RemoveAll();
+    std::vector<int> msgIds;
+    for (const auto& [msgId, callback] : removed) msgIds.push_back(msgId);
+    m_state->connection->RemoveReceiver(*receiver, msgIds);
+    lock.unlock();
+    removed.clear();
+    receiver->WaitUntilDone(std::nullopt);
+    return !msgIds.empty();
+}
+
+bool IPCMessageClient::PostIPCMessage(const TagIPCMessageItem& item) {
+    ipc_client::Trace(IpcTraceEvent::kPosted, item);
+    return m_state->connection->Post(item);
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+#include "wire/frame.h"
+
+namespace ipc_client {
+
+// The receiving half of one client: its callbacks, the messages that wait for them, and the thread that calls them.
+//
+// The thread asks for the UI turn before it looks a callback up. So whoever removes a callback while holding the turn
+// knows that it is not being called, unless it gave the turn up itself; then WaitUntilDone waits.
+class Receiver {
+public:
+    using Callback = std::function<void(TagIPCMessageItem&)>;
+
+    // Throws std::system_error when the thread cannot be started.
+    explicit Receiver(int endpointId);
+
+    // Ends the thread after the callback that it runs, giving up the UI turn meanwhile. Not on that thread.
+    ~Receiver();
+
+    Receiver(const Receiver&) = delete;
+    Receiver& operator=(const Receiver&) = delete;
+
+    int endpointId() const { return m_endpointId; }
+
+    // A callback as it is kept. What it holds may do anything when it goes, so it is handed out and destroyed by the
+    // caller, without a lock of this library.
+    using Held = std::shared_ptr<const Callback>;
+
+    Held Set(int msgId, Callback callback);     // the one before; null when there was none
+    Held Remove(int msgId);                     // null when there was none
+    std::unordered_map<int, Held> RemoveAll();  // by message id
+
+    // Returns when the callback of that id (of any id) that was running is running no more, removed or not; at once on
+    // the delivery thread.
+    void WaitUntilDone(std::optional<int> msgId);
+
+    // Queues a copy of the message; the oldest goes when there are too many. Any thread.
+    void Deliver(const MessageView& message);
+
+private:
+    struct Message {
+        explicit Message(const MessageView& view);
+        std::size_t Cost() const { return item.text.size() + data.size() + kQueuedMessageOverhead; }
+
+        TagIPCMessageItem item;  // `data` is set when the callback is called
+        std::string data;        // with the zero byte that a string keeps behind its end
+    };
+
+    void DeliverMessages();
+    void DeliverOne(std::unique_lock<std::mutex>& lock);
+    void Call(const Callback& callback, Message& message) const;
+
+    const int m_endpointId;
+    std::mutex m_mutex;  // guards what follows; never held while the UI turn is waited for
+    std::condition_variable m_arrived;
+    std::condition_variable m_callEnded;
+    std::unordered_map<int, Held> m_callbacks;
+    std::deque<Message> m_messages;
+    std::size_t m_bytes = 0;  // what m_messages cost
+    std::size_t m_dropped = 0;
+    bool m_calling = false;     // a callback runs,
+    int m_calledMsgId = 0;      // for this id,
+    unsigned m_callNumber = 0;  // and is this one
+    bool m_stopping = false;
+    std::thread m_thread;  // last: everything it uses is there before it starts
+};
+
+}  // namespace ipc_client

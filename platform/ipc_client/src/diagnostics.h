@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_trace.h"
+
+// What the library tells of itself.
+namespace ipc_client {
+
+// Writes one line to the log's sink. Any thread; never throws.
+void Log(int level, const std::string& line) noexcept;
+
+// For lines that would repeat without end: whether the count-th of them is to be written (1, 2, 4, 8, ...).
+constexpr bool IsWorthALine(std::size_t count) { return (count & (count - 1)) == 0; }
+
+// Shows one message to the trace, if there is one. Any thread.
+void Trace(IpcTraceEvent event, const TagIPCMessageItem& item);
+
+}  // namespace ipc_client

@@ -1,0 +1,82 @@
+// The broker's socket: its file, its rights, its length.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "ipc/pipe_test.h"
+#include "ipc_client/ipc_broker.h"
+#include "ipc_client/ipc_message_client.h"
+
+namespace ipc_test {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::ThrowsMessage;
+
+class BrokerSocket : public PipeTest {};
+
+TEST_F(BrokerSocket, StartAndStopMayBeCalledAgain) {
+    IPCBroker broker(kPipe);
+    broker.Stop();
+    for (int round = 0; round < 3; ++round) {
+        broker.Start();
+        broker.Start();
+        EXPECT_TRUE(std::filesystem::exists(SocketPath()));
+        broker.Stop();
+        broker.Stop();
+        EXPECT_FALSE(std::filesystem::exists(SocketPath()));
+    }
+}
+
+TEST_F(BrokerSocket, TheSocketOfAKilledBrokerIsReplaced) {
+    const pid_t child = fork();
+    if (child == 0) {
+        // Only what a process with threads may do after a fork, up to the broker, which is all that is needed here.
+        auto* broker = new IPCBroker(kPipe);
+        broker->Start();
+        pause();
+        _exit(0);
+    }
+    ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(SocketPath()); }));
+    EXPECT_THROW(IPCBroker(kPipe).Start(), std::runtime_error);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    EXPECT_TRUE(std::filesystem::exists(SocketPath()));
+    IPCBroker broker(kPipe);
+    EXPECT_NO_THROW(broker.Start());
+    RawPeer peer(SocketPath());
+    EXPECT_EQ(peer.Read(8), Hello());
+}
+
+TEST_F(BrokerSocket, TheSocketIsForThisUserAlone) {
+    IPCBroker broker(kPipe);
+    broker.Start();
+    struct stat info;
+    ASSERT_EQ(stat(SocketPath().c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600u);
+}
+
+TEST_F(BrokerSocket, AFolderOpenToOthersIsRefused) {
+    chmod(Folder().c_str(), 0755);
+    IPCBroker broker(kPipe);
+    EXPECT_THAT([&] { broker.Start(); }, ThrowsMessage<std::runtime_error>(HasSubstr("open to other users")));
+}
+
+TEST_F(BrokerSocket, APathThatIsTooLongIsRefusedWithItsLength) {
+    IPCBroker broker(std::wstring(120, L'p'));
+    EXPECT_THAT([&] { broker.Start(); },
+                ThrowsMessage<std::runtime_error>(HasSubstr("a socket path may have 107 bytes")));
+}
+
+TEST_F(BrokerSocket, APipePathThatIsTooLongForASocketIsNamedInTheLog) {
+    IPCMessageClient client(1, true, false, std::wstring(120, L'p'));
+    EXPECT_TRUE(Logged("a socket path may have 107 bytes"));
+}
+
+}  // namespace
+}  // namespace ipc_test

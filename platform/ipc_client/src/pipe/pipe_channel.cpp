@@ -1,0 +1,138 @@
+#include "pipe/pipe_channel.h"
+
+#include <asio/buffer.hpp>
+#include <asio/post.hpp>
+#include <exception>
+
+#include "base/reason.h"
+#include "diagnostics.h"
+
+namespace ipc_client {
+
+void PipeChannel::Start(std::chrono::milliseconds handshake) {
+    m_timer.expires_after(handshake);
+    m_timer.async_wait([self = shared_from_this()](std::error_code error) {
+        if (!error && !self->m_opened) self->Close("no handshake came in time");
+    });
+    std::string hello;
+    AppendHello(hello);
+    if (!WriteHello(m_socket, hello)) return Close("the handshake could not be written");
+    Read();
+}
+
+void PipeChannel::Append(std::string_view frames) {
+    const std::lock_guard lock(m_mutex);
+    m_out.Append(frames);
+}
+
+void PipeChannel::Flush() {
+    const std::lock_guard lock(m_mutex);
+    if (m_closed || m_writing || !m_writable) return;
+    for (std::string_view chunk = m_out.Chunk(); !chunk.empty(); chunk = m_out.Chunk()) {
+        const std::size_t written = WriteNow(m_socket, chunk);
+        m_out.Written(written);
+        if (written == chunk.size()) continue;
+        m_writing = true;
+        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->WriteAsync(); });
+        return;
+    }
+}
+
+std::size_t PipeChannel::Backlog() const {
+    const std::lock_guard lock(m_mutex);
+    return m_out.Bytes();
+}
+
+void PipeChannel::WaitWritten(std::chrono::steady_clock::time_point until) {
+    std::unique_lock lock(m_mutex);
+    m_written.wait_until(lock, until, [this] { return m_out.Bytes() == 0 || m_closed || !m_writable; });
+}
+
+void PipeChannel::Close(const std::string& reason, int level) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_closed) return;
+        m_closed = true;
+        std::error_code ignored;
+        m_socket.close(ignored);
+        m_written.notify_all();
+    }
+    m_timer.cancel();
+    m_listener.Closed(reason, level);
+}
+
+std::string PipeChannel::TakeMessages() {
+    const std::lock_guard lock(m_mutex);
+    return m_out.TakeMessages();
+}
+
+void PipeChannel::Read() {
+    const std::span<char> space = m_reader.Space();
+    m_socket.async_read_some(
+        asio::buffer(space.data(), space.size()),
+        [self = shared_from_this()](std::error_code error, std::size_t bytes) { self->HandleRead(error, bytes); });
+}
+
+void PipeChannel::HandleRead(std::error_code error, std::size_t bytes) {
+    if (m_closed) return;  // written on this thread alone
+    if (error) return Close(IsEndOfPipe(error) ? "the other side closed it" : base::Reason(error), kIpcLogDetail);
+    m_reader.Commit(bytes);
+    try {
+        TakeFrames();
+    } catch (const std::exception& wrong) {  // ProtocolError, or no memory for what it says
+        m_listener.BatchEnded();
+        return Close(wrong.what());
+    }
+    m_listener.BatchEnded();
+    if (!m_closed) Read();
+}
+
+void PipeChannel::TakeFrames() {
+    if (!m_reader.TakeHello()) return;
+    if (!m_opened) {
+        m_opened = true;
+        m_timer.cancel();
+        m_listener.Opened();
+    }
+    while (!m_closed) {
+        const std::optional<FrameView> frame = m_reader.Next();
+        if (!frame) return;
+        m_listener.FrameArrived(*frame);
+    }
+}
+
+void PipeChannel::WriteAsync() {
+    const std::lock_guard lock(m_mutex);
+    if (m_closed) return;
+    const std::string_view chunk = m_out.Chunk();
+    m_socket.async_write_some(
+        asio::buffer(chunk.data(), chunk.size()),
+        [self = shared_from_this()](std::error_code error, std::size_t bytes) { self->HandleWritten(error, bytes); });
+}
+
+// A pipe that takes nothing more may still hold messages from the other side, which closed it after its last post. So
+// a failed write ends writing alone; the end of the connection is found by reading.
+void PipeChannel::HandleWritten(std::error_code error, std::size_t bytes) {
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_closed) return;
+        m_out.Written(bytes);
+        if (error) m_writable = false;
+        m_writing = !error && m_out.Bytes() != 0;
+        if (m_out.Bytes() == 0 || error) m_written.notify_all();
+        if (!m_writing) return;
+    }
+    WriteAsync();
+}
+
+void RunIo(asio::io_context& io) noexcept {
+    while (!io.stopped()) {
+        try {
+            io.run();
+        } catch (const std::exception& error) {
+            Log(kIpcLogEvent, std::string("I/O thread: ") + error.what());
+        }
+    }
+}
+
+}  // namespace ipc_client

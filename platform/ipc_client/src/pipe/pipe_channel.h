@@ -1,0 +1,87 @@
+#pragma once
+
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "ipc_client/ipc_log.h"
+#include "pipe/pipe_transport.h"
+#include "wire/frame_reader.h"
+#include "wire/out_queue.h"
+
+namespace ipc_client {
+
+// One connected pipe, as broker and clients both use it: handshake, frames in, frames out.
+//
+// Listener calls come on the thread that runs the io_context, never after Closed and never from within Append or Flush.
+// The listener must live until that thread has ended, or Closed has been called.
+class PipeChannel : public std::enable_shared_from_this<PipeChannel> {
+public:
+    class Listener {
+    public:
+        virtual void Opened() = 0;                              // the other side's handshake came and is right
+        virtual void FrameArrived(const FrameView& frame) = 0;  // may throw ProtocolError, which closes the channel
+        virtual void BatchEnded() = 0;  // all frames that one read brought have been handed over
+        // Once, last. `level`: of the log line that tells it, lower when the other side just went.
+        virtual void Closed(const std::string& reason, int level) = 0;
+
+    protected:
+        ~Listener() = default;
+    };
+
+    PipeChannel(PipeSocket socket, Listener& listener)
+        : m_socket(std::move(socket)), m_timer(m_socket.get_executor()), m_listener(listener) {}
+
+    // Says hello and begins to read; the other side has so long to say hello. I/O thread.
+    void Start(std::chrono::milliseconds handshake);
+
+    // Queues whole frames, also when the channel has closed: TakeMessages gives them back. Any thread.
+    void Append(std::string_view frames);
+
+    // Writes what the pipe takes at once and leaves the rest to the I/O thread. Any thread.
+    void Flush();
+
+    // Bytes queued and not yet written. Any thread.
+    std::size_t Backlog() const;
+
+    // Waits until everything is written, or nothing more can be, or the time has come. Any thread but the I/O thread.
+    void WaitWritten(std::chrono::steady_clock::time_point until);
+
+    // Closes the pipe; tells the listener. I/O thread.
+    void Close(const std::string& reason, int level = kIpcLogEvent);
+
+    // After Closed: the messages that were not written (OutQueue::TakeMessages).
+    std::string TakeMessages();
+
+private:
+    void Read();
+    void HandleRead(std::error_code error, std::size_t bytes);
+    void TakeFrames();
+    void WriteAsync();
+    void HandleWritten(std::error_code error, std::size_t bytes);
+
+    PipeSocket m_socket;
+    asio::steady_timer m_timer;
+    Listener& m_listener;
+
+    // I/O thread only.
+    FrameReader m_reader;
+    bool m_opened = false;
+
+    mutable std::mutex m_mutex;  // guards what follows, and m_socket against being closed during a write
+    std::condition_variable m_written;
+    OutQueue m_out;
+    bool m_writing = false;  // an asynchronous write is under way or about to be
+    bool m_writable = true;  // no write has failed
+    bool m_closed = false;
+};
+
+// Runs the I/O thread's work until the context is stopped. An exception (no memory left, say) costs the one handler
+// that threw it and is logged.
+void RunIo(asio::io_context& io) noexcept;
+
+}  // namespace ipc_client

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace ipc_client {
+
+// What begins a pipe's name; taken in any case.
+inline constexpr std::wstring_view kPipePrefix = L"\\\\.\\Pipe\\";
+
+// The name without its prefix, if it has one. Characters that a file name cannot carry have become '_'.
+std::wstring PlainPipeName(const std::wstring& pipeName);
+
+// Where the pipe of that name is on this system: "\\.\Pipe\NAME" is NAME.sock in the pipe folder, which is
+// $BRINDLE_PIPE_DIR, else brindle/ in $XDG_RUNTIME_DIR if that is an absolute path of a folder of this user, else
+// /tmp/brindle-UID/. Creates and checks nothing.
+//
+// On Windows it is that pipe; $BRINDLE_PIPE_DIR puts a mark of that folder before NAME, so that programs with another
+// one do not meet it.
+std::filesystem::path PipePath(const std::wstring& pipeName);
+
+}  // namespace ipc_client

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+// Which user a process of this system belongs to, and pipes for one user alone.
+namespace ipc_client {
+
+// Closes a handle of the system at its end.
+struct HandleCloser {
+    using pointer = HANDLE;
+    void operator()(HANDLE handle) const {
+        if (handle != nullptr && handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
+    }
+};
+using OwnedHandle = std::unique_ptr<void, HandleCloser>;
+
+// The user of the process, as the text of a security identifier ("S-1-5-21-..."). Throws std::system_error.
+std::wstring UserOf(HANDLE process);
+
+// Security attributes with which only the user of this process may open an object; not handed on to other processes.
+class OwnUserAlone {
+public:
+    OwnUserAlone();  // throws std::system_error
+    ~OwnUserAlone();
+    OwnUserAlone(const OwnUserAlone&) = delete;
+    OwnUserAlone& operator=(const OwnUserAlone&) = delete;
+
+    SECURITY_ATTRIBUTES* Get() { return &m_attributes; }
+
+private:
+    SECURITY_ATTRIBUTES m_attributes{};
+};
+
+}  // namespace ipc_client
