@@ -3,9 +3,9 @@
 #include <random>
 
 #include "channel/messages.h"
-#include "wire/frame.h"
-#include "page_e2e_test.h"
 #include "ipc/pipe_test.h"
+#include "page_e2e_test.h"
+#include "wire/frame.h"
 
 namespace e2e {
 namespace {
