@@ -44,8 +44,12 @@ public:
     }
 
     ~LogLine() {
-        m_line << L"(" << m_point.function.CStr() << L")";
-        QxLogger::GetInstance()->Log(m_point.level, m_line);
+        try {
+            m_line << L"(" << m_point.function.CStr() << L")";
+            QxLogger::GetInstance()->Log(m_point.level, m_line);
+        } catch (...) {
+            // The line is lost. Thrown on from here, it would end the host.
+        }
     }
 
     LogLine(const LogLine&) = delete;

@@ -102,6 +102,16 @@ TEST_F(Log, EachLineIsBuiltInAFreshStream) {
     EXPECT_TRUE(Last().line.starts_with(L"[AccessoryLog]255("));
 }
 
+// Thrown out of a destructor, it would end the host.
+TEST_F(Log, ALineThatTheLoggerCannotTakeIsLostAndNothingElse) {
+    seam::Get().loggerFails = true;
+    LogLine(kLogEvent) << "lost";
+    EXPECT_TRUE(seam::Get().events.empty());
+    seam::Get().loggerFails = false;
+    LogLine(kLogEvent) << "heard";
+    EXPECT_EQ(seam::Get().events.size(), 1u);
+}
+
 struct NameCase {
     const char* pretty;
     const char* expected;

@@ -1,3 +1,5 @@
+#include <new>
+
 #include "qx_logger/qx_logger.h"
 #include "seam.h"
 
@@ -12,6 +14,7 @@ QxLogger* QxLogger::GetInstance() {
 }
 
 void QxLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line) {
+    if (seam::Get().loggerFails) throw std::bad_alloc();
     seam::Event event{};
     event.kind = seam::Kind::kLog;
     event.number = level;

@@ -21,10 +21,8 @@ const std::vector<std::string_view>& KnownViolations() {
         "apps/update_service/sha256_digest_openssl.cpp: *",
         "platform/duilib/src/drawing/*: may not include platform/duilib/src/window/dirty_area.h",
         "platform/duilib/src/tree/*: may not include platform/duilib/src/markup/layout_file.h",
-        "platform/qx_data_report/src/qx_data_report.cpp: asks for the system",
         "apps/settings_host/child_programs.h: asks for the system",
         "apps/update_service/catalogue.cpp: asks for the system",
-        "apps/update_service/durable_file.h: asks for the system",
         "apps/update_service/work_files.cpp: asks for the system",
         // What tests share, in rooms of the product.
         "apps/settings_host/fake_login_service.*: *",

@@ -3,7 +3,6 @@
 #include <mutex>
 
 #include "companions.h"
-#include "running_programs.h"
 
 namespace {
 

@@ -5,24 +5,15 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "kernel/code_pages.h"
+#include "base/path.h"
+#include "base/text.h"
 
 namespace {
 
 using Json = nlohmann::json;
 
 [[noreturn]] void Fail(const std::filesystem::path& file, const std::string& where, const std::string& reason) {
-    const std::u8string name = file.u8string();
-    throw std::runtime_error(std::string(name.begin(), name.end()) + ": " + (where.empty() ? "" : where + ": ") +
-                             reason);
-}
-
-std::wstring WideFromUtf8(const std::string& text) {
-    const int size = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0');
-    const int length = kernel::MultiByteToWideChar(kernel::kCodePageUtf8, 0, text.data(), size, wide.data(), size);
-    wide.resize(static_cast<std::size_t>(length));
-    return wide;
+    throw std::runtime_error(base::Utf8FromPath(file) + ": " + (where.empty() ? "" : where + ": ") + reason);
 }
 
 Json Parse(const std::filesystem::path& file) {
@@ -66,7 +57,7 @@ Companions ReadCompanions(const std::filesystem::path& file) {
         if (name.find_first_of("/\\") != std::string::npos) {
             Fail(file, where + ".program", "must be a file name without a folder");
         }
-        companions[WideFromUtf8(entry.key())] = name;
+        companions[base::WideFromUtf8(entry.key())] = name;
     }
     return companions;
 }

@@ -1,46 +1,35 @@
 #include "qx_data_report/qx_data_report.h"
 
 #include <chrono>
-#include <ctime>
+#include <cstdio>
 #include <exception>
 #include <mutex>
 #include <nlohmann/json.hpp>
 
-#include "append_line.h"
-#include "kernel/code_pages.h"
+#include "base/file.h"
+#include "base/path.h"
+#include "base/text.h"
+#include "kernel/ansi_text.h"
 
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string Utf8FromAnsi(const std::string& text) {
-    const int size = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0');  // no page has more characters than bytes
-    const int length = kernel::MultiByteToWideChar(kernel::kCodePageAnsi, 0, text.data(), size, wide.data(), size);
-    const auto convert = [&](char* to, int capacity) {
-        return kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, wide.data(), length, to, capacity, nullptr,
-                                           nullptr);
-    };
-    std::string bytes(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
-    convert(bytes.data(), static_cast<int>(bytes.size()));
-    return bytes;
-}
+std::string Utf8FromAnsi(const std::string& text) { return base::Utf8FromWide(kernel::WideFromAnsi(text)); }
 
 // The present time as "2026-01-31T12:00:00.123Z".
 std::string Now() {
     using namespace std::chrono;
-    const auto now = time_point_cast<milliseconds>(system_clock::now());
-    const std::time_t second = system_clock::to_time_t(floor<seconds>(now));
-    std::tm parts{};
-#if defined(_WIN32)
-    gmtime_s(&parts, &second);
-#else
-    gmtime_r(&second, &parts);
-#endif
-    char text[32];
-    const std::size_t size = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &parts);
-    const auto fraction = std::to_string((now.time_since_epoch() % 1s).count() + 1000);
-    return std::string(text, size) + "." + fraction.substr(1) + "Z";
+    const auto now = floor<milliseconds>(system_clock::now());
+    const auto midnight = floor<days>(now);
+    const year_month_day date(midnight);
+    const hh_mm_ss time(now - midnight);
+    char text[40];
+    std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                  static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                  static_cast<int>(time.seconds().count()), static_cast<int>(time.subseconds().count()));
+    return text;
 }
 
 // A key that was put more than once has the list of its values.
@@ -79,10 +68,7 @@ QxDataReport* QxDataReport::Instance() {
 void QxDataReport::Init(int application, const std::string& folder) {
     const std::lock_guard guard(m_state->mutex);
     if (application != 0) m_state->application = application;
-    if (!folder.empty()) {
-        const std::string utf8 = Utf8FromAnsi(folder);
-        m_state->file = std::filesystem::path(std::u8string(utf8.begin(), utf8.end())) / "events.jsonl";
-    }
+    if (!folder.empty()) m_state->file = base::PathFromUtf8(Utf8FromAnsi(folder)) / "events.jsonl";
 }
 
 void QxDataReport::SetFile(const std::filesystem::path& file) {
@@ -100,7 +86,8 @@ int QxDataReport::SendMsg(const QxDataEvent& event) {
         line["event"] = Utf8FromAnsi(event.EventId());
         line["platform"] = static_cast<int>(event.Platform());
         line["fields"] = FieldsToJson(event);
-        return AppendWhole(m_state->file, line.dump() + "\n") ? 0 : -1;
+        base::AppendText(m_state->file, line.dump() + "\n");
+        return 0;
     } catch (const std::exception&) {
         return -1;
     }

@@ -1,6 +1,8 @@
 #include "qx_logger/qx_logger.h"
 
+#include <spdlog/details/null_mutex.h>
 #include <spdlog/logger.h>
+#include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 
 #include <memory>
@@ -9,12 +11,22 @@
 #include <string>
 #include <vector>
 
-#include "console_sink.h"
-#include "kernel/code_pages.h"
+#include "base/path.h"
+#include "base/text.h"
+#include "console.h"
 
 namespace {
 
 using Sinks = std::vector<spdlog::sink_ptr>;
+
+class ConsoleSink final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
+    void sink_it_(const spdlog::details::log_msg& message) override {
+        spdlog::memory_buf_t line;
+        formatter_->format(message, line);
+        WriteToConsole({line.data(), line.size()});
+    }
+    void flush_() override {}  // every line is out
+};
 
 // The sinks are the unlocked kind: the logger's own mutex is held around every line.
 std::unique_ptr<spdlog::logger> MakeBackEnd(const Sinks& sinks) {
@@ -30,21 +42,11 @@ spdlog::level::level_enum BackEndLevel(LOG_MESSAGE_LEVEL level) {
     return level >= LOG_LEVEL_EVENT ? spdlog::level::warn : spdlog::level::info;
 }
 
-std::string Utf8(const std::wstring& text) {
-    const int size = static_cast<int>(text.size());
-    const auto convert = [&](char* to, int capacity) {
-        return kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, text.data(), size, to, capacity, nullptr, nullptr);
-    };
-    std::string bytes(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
-    convert(bytes.data(), static_cast<int>(bytes.size()));
-    return bytes;
-}
-
 // One line whatever the text holds: line breaks inside it are written as escapes.
 std::string Line(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
     std::string line = "[";
     line += std::to_string(level) + "] ";
-    for (const char byte : Utf8(text)) {
+    for (const char byte : base::Utf8FromWide(text)) {
         if (byte == '\n') {
             line += "\\n";
         } else if (byte == '\r') {
@@ -60,7 +62,7 @@ std::string Line(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
 
 struct QxLogger::State {
     std::mutex mutex;  // guards what follows, and keeps lines apart
-    std::unique_ptr<spdlog::logger> backEnd = MakeBackEnd({MakeConsoleSink()});
+    std::unique_ptr<spdlog::logger> backEnd = MakeBackEnd({std::make_shared<ConsoleSink>()});
 };
 
 QxLogger::QxLogger() : m_state(new State) {}
@@ -77,21 +79,20 @@ void QxLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line) {
         const std::string text = Line(level, line.str());
         const std::lock_guard guard(m_state->mutex);
         m_state->backEnd->log(BackEndLevel(level), text);
-    } catch (const std::exception&) {
-        // Out of memory: the line is dropped.
+    } catch (...) {
+        // Out of memory, mostly: the line is dropped. Lines are written in destructors, where nothing may be thrown.
     }
 }
 
 void QxLogger::Open(const Options& options) {
     Sinks sinks;
-    if (options.console) sinks.push_back(MakeConsoleSink());
+    if (options.console) sinks.push_back(std::make_shared<ConsoleSink>());
     if (!options.file.empty()) {
         try {
             sinks.push_back(std::make_shared<spdlog::sinks::rotating_file_sink_st>(
                 options.file.native(), options.maxFileBytes, options.maxFiles));
         } catch (const spdlog::spdlog_ex& error) {
-            const std::u8string name = options.file.u8string();
-            throw std::runtime_error("cannot open the log file \"" + std::string(name.begin(), name.end()) +
+            throw std::runtime_error("cannot open the log file \"" + base::Utf8FromPath(options.file) +
                                      "\": " + error.what());
         }
     }

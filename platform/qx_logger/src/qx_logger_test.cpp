@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/path.h"
 #include "own_folder.h"
 
 namespace {
@@ -133,6 +134,19 @@ TEST_F(Logger, AFileThatReachesItsSizeIsRotatedAndOldOnesAreDropped) {
     EXPECT_EQ(files, 3u);
 }
 
+TEST_F(Logger, AFileHoldsFourMebibytesUnlessToldOtherwise) {
+    constexpr std::size_t kLimit = 4 * 1024 * 1024;
+    constexpr std::size_t kLine = 64 * 1024;
+    OpenFile();
+    for (std::size_t i = 0; i < kLimit / kLine + 1; ++i) Log(LOG_LEVEL_EVENT, std::wstring(kLine - 100, L'-'));
+    QxLogger::GetInstance()->Flush();
+    const auto full = m_folder / "page.1.log";
+    ASSERT_TRUE(std::filesystem::exists(full));
+    EXPECT_LE(std::filesystem::file_size(full), kLimit);
+    EXPECT_GT(std::filesystem::file_size(full), kLimit - kLine);
+    EXPECT_LE(std::filesystem::file_size(File()), kLine);
+}
+
 TEST_F(Logger, AFileThatCannotBeOpenedIsNamedAndTheOldSinksStay) {
     OpenFile();
     std::ofstream(m_folder / "plain") << "no folder";
@@ -141,7 +155,7 @@ TEST_F(Logger, AFileThatCannotBeOpenedIsNamedAndTheOldSinksStay) {
         QxLogger::GetInstance()->Open({.file = bad, .console = false});
         FAIL() << "opened";
     } catch (const std::runtime_error& error) {
-        EXPECT_THAT(error.what(), HasSubstr(bad.string()));
+        EXPECT_THAT(error.what(), HasSubstr(base::Utf8FromPath(bad)));
 #if defined(_WIN32)
         EXPECT_THAT(error.what(), HasSubstr("No such file or directory"));
 #else

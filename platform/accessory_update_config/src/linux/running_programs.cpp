@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "running_programs.h"
+#include "companions.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ std::string_view FileName(std::string_view path) { return path.substr(path.rfind
 // Empty for a process of somebody else, and for one that has ended.
 std::string ExecutableName(const fs::path& process) {
     std::error_code error;
-    std::string name = fs::read_symlink(process / "exe", error).filename().string();
+    std::string name = fs::read_symlink(process / "exe", error).filename().native();
     constexpr std::string_view kDeleted = " (deleted)";
     if (name.ends_with(kDeleted)) name.resize(name.size() - kDeleted.size());
     return name;
@@ -60,7 +60,7 @@ bool Runs(const fs::path& process, std::string_view fileName) {
 }
 
 bool IsProcessFolder(const fs::path& path) {
-    const std::string name = path.filename().string();
+    const std::string name = path.filename().native();
     return std::all_of(name.begin(), name.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
 }
 

@@ -5,8 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "kernel/code_pages.h"
-#include "running_programs.h"
+#include "base/handle.h"
+#include "base/text.h"
+#include "companions.h"
 
 namespace {
 
@@ -24,27 +25,19 @@ std::wstring_view WithoutExtension(std::wstring_view name) {
     return AreSame(end, kExtension) ? name.substr(0, name.size() - kExtension.size()) : name;
 }
 
-std::wstring WideFromUtf8(const std::string& text) {
-    const int size = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0');
-    const int length = kernel::MultiByteToWideChar(kernel::kCodePageUtf8, 0, text.data(), size, wide.data(), size);
-    wide.resize(static_cast<std::size_t>(length));
-    return wide;
-}
-
 }  // namespace
 
 bool IsProgramRunning(const std::string& fileName) {
-    const std::wstring wide = WideFromUtf8(fileName);
+    const std::wstring wide = base::WideFromUtf8(fileName);
     const std::wstring_view wanted = WithoutExtension(wide);
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-    if (snapshot == INVALID_HANDLE_VALUE) return false;
+    const base::OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    if (!snapshot) return false;
     bool found = false;
     PROCESSENTRY32W process{};
     process.dwSize = sizeof process;
-    for (BOOL more = Process32FirstW(snapshot, &process); more && !found; more = Process32NextW(snapshot, &process)) {
+    for (BOOL more = Process32FirstW(snapshot.Handle(), &process); more && !found;
+         more = Process32NextW(snapshot.Handle(), &process)) {
         found = AreSame(WithoutExtension(process.szExeFile), wanted);
     }
-    CloseHandle(snapshot);
     return found;
 }
