@@ -73,7 +73,7 @@ ChildPrograms::~ChildPrograms() {
 // to and that ends with this process.
 void ChildPrograms::Start(const std::string& program, const std::vector<std::string>& arguments,
                           const std::filesystem::path& output) {
-    if (m_running.count(program) != 0) throw std::runtime_error(program + " runs already");
+    if (m_running.contains(program)) throw std::runtime_error(program + " runs already");
     const auto file = base::ProgramFolder() / program;
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error(base::Utf8FromPath(file) + ": " + Reason(errno));
