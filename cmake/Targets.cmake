@@ -26,7 +26,7 @@ endif()
 
 # The headers that tests share, compiled once ahead. Nobody measures tests, so they are compiled as fast as can be.
 # Their flags must agree with those of every test, so all have what some get from SDL2 and Cairo.
-set(TEST_COMPILE_OPTIONS $<$<CONFIG:Release>:-O0> $<$<BOOL:${UNIX}>:-pthread> $<$<BOOL:${UNIX}>:-D_REENTRANT>)
+set(TEST_COMPILE_OPTIONS $<$<CONFIG:Release>:-O0> ${NO_FORTIFY} $<$<BOOL:${UNIX}>:-pthread> $<$<BOOL:${UNIX}>:-D_REENTRANT>)
 if(BRINDLE_BUILD_TESTS)
   add_library(test_headers OBJECT ${PROJECT_SOURCE_DIR}/tests/support/test_headers.cpp)
   set_target_properties(test_headers PROPERTIES POSITION_INDEPENDENT_CODE OFF)  # code of programs, as in the tests
