@@ -2,23 +2,14 @@
 // the same payload through a bare relay of two Unix socket hops; and a burst, which must arrive whole and in order.
 // Ends with exit code 1 when a message is lost or out of order, or the median is 2.5 times the relay's or more.
 
-#include <benchmark/benchmark.h>
-#include <ipc_client/ipc_broker.h>
-#include <ipc_client/ipc_connection_state.h>
 #include <ipc_client/ipc_log.h>
 #include <ipc_client/ipc_message_client.h>
-#include <unistd.h>
 
 #include <array>
-#include <chrono>
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <thread>
-#include <vector>
 
-#include "bare_relay.h"
+#include "against_relay.h"
 
 namespace {
 
@@ -31,19 +22,7 @@ constexpr int kBurst = 100000;
 // The pipe: a client here posts, the broker is in another process, and a client here has the callback.
 class Pipe {
 public:
-    Pipe()
-        : m_child([] {
-              IPCBroker broker(kPipe);
-              broker.Start();
-              while (true) pause();
-          }),
-          m_client(kPage, true, false, kPipe) {
-        const auto until = Clock::now() + kPatience;
-        while (!IsPipeConnected(kPipe)) {
-            if (Clock::now() > until) Die("no broker");
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-    }
+    Pipe() : m_child([] { RunBroker(kPipe); }), m_client(kPage, true, false, kPipe) { WaitForBroker(kPipe); }
 
     IPCMessageClient& Client() { return m_client; }
 
@@ -76,22 +55,9 @@ private:
 std::unique_ptr<Relay> relay;
 std::unique_ptr<Pipe> pipeWithBroker;
 
-// Relay and pipe take turns, so that whatever else the machine does disturbs both alike.
 void MessageAgainstBareRelay(benchmark::State& state) {
-    std::vector<double> relayTimes, pipeTimes;
     pipeWithBroker->TakeSingly();
-    for (auto _ : state) {
-        relayTimes.push_back(relay->Time());
-        pipeTimes.push_back(pipeWithBroker->Time());
-        state.SetIterationTime(pipeTimes.back() / 1e6);
-    }
-    const double ratio = Median(pipeTimes) / Median(relayTimes);
-    state.counters["relay_median_us"] = Median(relayTimes);
-    state.counters["pipe_median_us"] = Median(pipeTimes);
-    state.counters["ratio"] = ratio;
-    if (state.iterations() > 1000 && ratio >= kMostTimesTheRelay) {
-        Die("a message takes " + std::to_string(ratio) + " times as long as a bare relay");
-    }
+    CompareWithRelay(state, *relay, "pipe", [] { return pipeWithBroker->Time(); });
 }
 BENCHMARK(MessageAgainstBareRelay)->UseManualTime()->Iterations(20000)->Unit(benchmark::kMicrosecond);
 
@@ -115,9 +81,7 @@ BENCHMARK(BurstOfAHundredThousandMessages)->UseRealTime()->Unit(benchmark::kMill
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    char folder[] = "/tmp/ipc_bench_XXXXXX";
-    if (mkdtemp(folder) == nullptr) Die("no folder");
-    setenv("BRINDLE_PIPE_DIR", folder, 1);
+    const PipeFolder folder;
     SetIpcLogSink([](int level, const std::string& line) {
         if (level >= kIpcLogEvent && line.find("cannot be reached") == std::string::npos) Die(line);
     });
@@ -127,6 +91,5 @@ int main(int argc, char** argv) {
     relay.reset();
     SetIpcLogSink([](int, const std::string&) {});
     pipeWithBroker.reset();
-    std::filesystem::remove_all(folder);
     return 0;
 }

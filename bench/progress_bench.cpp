@@ -1,18 +1,12 @@
 // A progress message from the service's post to the row's changed control, through a broker in another process,
 // against a bare relay of two Unix socket hops in the same run. Ends with exit code 1 when the median is 2.5 times the
 // relay's or more.
-#include <benchmark/benchmark.h>
-
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 
-#include "bare_relay.h"
+#include "against_relay.h"
 #include "bench_page.h"
 #include "channel/messages.h"
 #include "ipc/ipc_server.h"
-#include "ipc_client/ipc_broker.h"
-#include "ipc_client/ipc_connection_state.h"
 #include "ipc_client/ipc_log.h"
 
 namespace {
@@ -32,11 +26,7 @@ public:
         m_page.Build(list);
         m_registry.Register(
             new IPCServerProc<ProgressWay, PkgDownloadProcess&>(kProgress.id, this, &ProgressWay::OnProgress));
-        const auto until = Clock::now() + kPatience;
-        while (!IsPipeConnected(IPC_PIPE_ASSISTANT)) {
-            if (Clock::now() > until) Die("no broker");
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
+        WaitForBroker(IPC_PIPE_ASSISTANT);
     }
 
     double Time(int percent) {
@@ -68,25 +58,13 @@ private:
 std::unique_ptr<Relay> relay;
 std::unique_ptr<ProgressWay> way;
 
-// Relay and page take turns, so that whatever else the machine does disturbs both alike.
 void ProgressAgainstBareRelay(benchmark::State& state) {
-    std::vector<double> relayTimes;
-    std::vector<double> pageTimes;
     int percent = 0;
-    for (auto _ : state) {
+    CompareWithRelay(state, *relay, "page", [&percent] {
         percent = (percent + 1) % 100;
-        relayTimes.push_back(relay->Time());
-        pageTimes.push_back(way->Time(percent));
-        state.SetIterationTime(pageTimes.back() / 1e6);
-    }
+        return way->Time(percent);
+    });
     if (way->Shown() != std::to_wstring(percent) + L"%") Die("the control does not show the last percentage");
-    const double ratio = Median(pageTimes) / Median(relayTimes);
-    state.counters["relay_median_us"] = Median(relayTimes);
-    state.counters["page_median_us"] = Median(pageTimes);
-    state.counters["ratio"] = ratio;
-    if (state.iterations() > 1000 && ratio >= kMostTimesTheRelay) {
-        Die("a progress message takes " + std::to_string(ratio) + " times as long as a bare relay");
-    }
 }
 BENCHMARK(ProgressAgainstBareRelay)->UseManualTime()->Iterations(20000)->Unit(benchmark::kMicrosecond);
 
@@ -94,15 +72,11 @@ BENCHMARK(ProgressAgainstBareRelay)->UseManualTime()->Iterations(20000)->Unit(be
 
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    char folder[] = "/tmp/progress_bench_XXXXXX";
-    if (mkdtemp(folder) == nullptr) Die("no folder");
-    setenv("BRINDLE_PIPE_DIR", folder, 1);
+    const PipeFolder folder;
     {
         const Child broker([] {
             SetIpcLogSink([](int, const std::string&) {});
-            IPCBroker pipe(IPC_PIPE_ASSISTANT);
-            pipe.Start();
-            while (true) pause();
+            RunBroker(IPC_PIPE_ASSISTANT);
         });
         relay = std::make_unique<Relay>();
         SetUpBenchPlatform();
@@ -111,6 +85,5 @@ int main(int argc, char** argv) {
         relay.reset();
         way.reset();
     }
-    std::filesystem::remove_all(folder);
     return 0;
 }

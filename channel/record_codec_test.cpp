@@ -188,32 +188,30 @@ TEST(RecordCodec, SurrogatePairsAreJoinedWhereWideCharactersAreWideEnough) {
 
 // The first and the last surrogate of either half, and their neighbours.
 TEST(RecordCodec, OnlyAHighSurrogateBeforeALowOneIsAPair) {
-    if constexpr (sizeof(wchar_t) == 4) {
-        const struct {
-            std::u16string units;
-            std::wstring text;
-        } cases[] = {
-            {{0xD800, 0xDC00}, {wchar_t{0x10000}}},
-            {{0xD800, 0xDFFF}, {wchar_t{0x103FF}}},
-            {{0xDBFF, 0xDC00}, {wchar_t{0x10FC00}}},
-            {{0xDBFF, 0xDFFF}, {wchar_t{0x10FFFF}}},
-            {{0xD7FF, 0xDC00}, {0xD7FF, 0xDC00}},
-            {{0xDC00, 0xDC00}, {0xDC00, 0xDC00}},
-            {{0xD800, 0xDBFF}, {0xD800, 0xDBFF}},
-            {{0xD800, 0xE000}, {0xD800, 0xE000}},
-            {{0xD800, 0xD800, 0xDC00}, {0xD800, wchar_t{0x10000}}},
-            {{u'a', 0xD800}, {L'a', 0xD800}},
-        };
-        for (const auto& c : cases) {
-            const auto length = static_cast<std::uint32_t>(c.units.size());
-            std::string payload(reinterpret_cast<const char*>(&length), 4);
-            payload.append(reinterpret_cast<const char*>(c.units.data()), 2 * c.units.size());
-            EXPECT_EQ(DecodeWide(payload), c.text) << testing::PrintToString(c.text);
-            std::string written(payload.size(), '\0');
-            channel::ByteWriter writer(written.data());
-            WriteWString(writer, c.text);
-            EXPECT_EQ(written, payload) << testing::PrintToString(c.text);
-        }
+    const struct {
+        std::u16string units;
+        std::wstring text;
+    } cases[] = {
+        {{0xD800, 0xDC00}, L"\U00010000"},
+        {{0xD800, 0xDFFF}, L"\U000103FF"},
+        {{0xDBFF, 0xDC00}, L"\U0010FC00"},
+        {{0xDBFF, 0xDFFF}, L"\U0010FFFF"},
+        {{0xD7FF, 0xDC00}, {0xD7FF, 0xDC00}},
+        {{0xDC00, 0xDC00}, {0xDC00, 0xDC00}},
+        {{0xD800, 0xDBFF}, {0xD800, 0xDBFF}},
+        {{0xD800, 0xE000}, {0xD800, 0xE000}},
+        {{0xD800, 0xD800, 0xDC00}, std::wstring(1, 0xD800) + L"\U00010000"},
+        {{u'a', 0xD800}, {L'a', 0xD800}},
+    };
+    for (const auto& c : cases) {
+        const auto length = static_cast<std::uint32_t>(c.units.size());
+        std::string payload(reinterpret_cast<const char*>(&length), 4);
+        payload.append(reinterpret_cast<const char*>(c.units.data()), 2 * c.units.size());
+        EXPECT_EQ(DecodeWide(payload), c.text) << testing::PrintToString(c.text);
+        std::string written(payload.size(), '\0');
+        channel::ByteWriter writer(written.data());
+        WriteWString(writer, c.text);
+        EXPECT_EQ(written, payload) << testing::PrintToString(c.text);
     }
 }
 
