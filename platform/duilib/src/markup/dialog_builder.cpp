@@ -6,7 +6,7 @@
 #include "foundation/report.h"
 #include "foundation/text_utf8.h"
 #include "foundation/xml_source.h"
-#include "markup/markup_cache.h"
+#include "markup/markup_file.h"
 
 namespace DuiLib {
 

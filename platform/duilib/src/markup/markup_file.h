@@ -32,7 +32,8 @@ struct MarkupFile {
     MarkupElement root;  // the one control in <Window>
 };
 
-// Reads the text of a layout file (docs/layout.md). Throws XmlError.
-MarkupFile ParseMarkup(const std::filesystem::path& path, std::string text);
+// The parsed layout of a file, kept from call to call while the file stays the same. A file that changed so lately that
+// its time stamp could miss a further change is read and compared again. Throws XmlError. UI turn.
+std::shared_ptr<const MarkupFile> LoadMarkup(const std::filesystem::path& path);
 
 }  // namespace DuiLib

@@ -10,7 +10,6 @@
 #include "kernel/ui_turn.h"
 #include "window/control_painter.h"
 #include "window/paint_manager_state.h"
-#include "window/tool_tip_painter.h"
 
 namespace DuiLib {
 

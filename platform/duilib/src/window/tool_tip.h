@@ -2,6 +2,9 @@
 
 #include <chrono>
 #include <optional>
+#include <string_view>
+
+#include "drawing/canvas.h"
 
 namespace DuiLib {
 
@@ -36,5 +39,10 @@ private:
     bool m_shown = false;
     std::optional<TimePoint> m_due;  // known once a wait was looked at
 };
+
+// [device px] Where the tip of a control goes in a window: below the control, or above where there is no room.
+CDuiRect PlaceToolTip(std::wstring_view text, const CDuiRect& control, CDuiSize window);
+
+void PaintToolTip(Canvas& canvas, std::wstring_view text, const CDuiRect& place);
 
 }  // namespace DuiLib

@@ -1,7 +1,6 @@
 #include "window/tool_tip.h"
 
 #include "support/toolkit/painting_test.h"
-#include "window/tool_tip_painter.h"
 
 namespace DuiLib {
 namespace {
