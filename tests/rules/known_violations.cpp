@@ -19,8 +19,6 @@ const std::vector<std::string_view>& KnownViolations() {
         "*_win32_test.cpp: *",
         "apps/settings_host/sleep_inhibitor_logind.cpp: *",
         "apps/update_service/sha256_digest_openssl.cpp: *",
-        "platform/duilib/src/drawing/*: may not include platform/duilib/src/window/dirty_area.h",
-        "platform/duilib/src/tree/*: may not include platform/duilib/src/markup/layout_file.h",
         "apps/settings_host/child_programs.h: asks for the system",
         "apps/update_service/catalogue.cpp: asks for the system",
         "apps/update_service/work_files.cpp: asks for the system",
@@ -29,12 +27,9 @@ const std::vector<std::string_view>& KnownViolations() {
         "apps/settings_host/private_bus.*: *",
         "apps/update_service/service_test_support.h: *",
         "apps/update_service/test_*: *",
-        "platform/duilib/src*/test_*: *",
         "plugin/*_fixture.h: *",
         "tests/fakes/seam.h: asks for the system",
         "tests/support/portable/own_folder.h: asks for the system",
-        // Files that are too long.
-        "platform/duilib/src/*: has more than 400 lines",
     };
     return known;
 }
