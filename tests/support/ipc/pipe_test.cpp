@@ -1,6 +1,8 @@
 #include "ipc/pipe_test.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <thread>
 
 #include "ipc_client/ipc_log.h"
@@ -19,6 +21,24 @@ bool Eventually(const std::function<bool()>& condition) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+TimeLimit::TimeLimit()
+    : m_thread([this] {
+          std::unique_lock lock(m_mutex);
+          if (m_changed.wait_for(lock, 2 * kPatience, [this] { return m_ended; })) return;
+          const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
+          std::fprintf(stderr, "%s.%s does not end\n", test->test_suite_name(), test->name());
+          std::abort();
+      }) {}
+
+TimeLimit::~TimeLimit() {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_ended = true;
+    }
+    m_changed.notify_one();
+    m_thread.join();
 }
 
 PipeTest::PipeTest() : m_folder(test_support::MakeOwnFolder("ipc_test")) {

@@ -24,7 +24,22 @@ inline constexpr std::chrono::seconds kPatience{30};  // for what must happen; s
 // Looks again and again until `condition` holds; false when patience ends first.
 bool Eventually(const std::function<bool()>& condition);
 
-// A pipe folder and a log of its own for each test.
+// Ends the run, naming the test, when it lives for longer than any test may: a deadlock fails in a minute.
+class TimeLimit {
+public:
+    TimeLimit();
+    ~TimeLimit();
+    TimeLimit(const TimeLimit&) = delete;
+    TimeLimit& operator=(const TimeLimit&) = delete;
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_ended = false;
+    std::thread m_thread;
+};
+
+// A pipe folder, a log and a time limit of its own for each test.
 class PipeTest : public ::testing::Test {
 protected:
     PipeTest();
@@ -39,6 +54,7 @@ protected:
     int CountLogged(const std::string& text);
 
 private:
+    TimeLimit m_limit;
     std::filesystem::path m_folder;
     std::mutex m_mutex;
     std::condition_variable m_lineCame;

@@ -11,20 +11,16 @@
 #include "pipe/pipe_path.h"
 
 namespace ipc_client {
-namespace {
 
-using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr milliseconds kFirstPause{20};
-constexpr milliseconds kLongestPause{1000};
-constexpr milliseconds kHandshake{5000};
-constexpr milliseconds kLinger{500};
-
-}  // namespace
-
-Connection::Connection(const std::filesystem::path& path)
-    : m_path(path), m_work(m_io.get_executor()), m_connectAgain(m_io), m_pause(kFirstPause), m_thread([this] {
+Connection::Connection(const std::filesystem::path& path, const ConnectionTimes& times)
+    : m_path(path),
+      m_times(times),
+      m_work(m_io.get_executor()),
+      m_connectAgain(m_io),
+      m_pauses(times),
+      m_thread([this] {
           asio::post(m_io, [this] { Connect(); });
           RunIo(m_io);
       }) {}
@@ -93,7 +89,7 @@ void Connection::SendRoutes(FrameType type, const std::vector<Route>& routes) {
 void Connection::Connect() {
     try {
         m_channel = std::make_shared<PipeChannel>(ConnectPipe(m_io, m_path), *this);
-        m_channel->Start(kHandshake);
+        m_channel->Start(m_times.handshake);
     } catch (const std::exception& error) {
         ConnectLater(error.what());
     }
@@ -110,8 +106,7 @@ void Connection::ConnectLater(const std::string& reason) {
     if (std::exchange(m_lastReason, reason) != reason) {
         Log(kIpcLogEvent, "the pipe cannot be reached, trying again: " + reason);
     }
-    m_connectAgain.expires_after(m_pause);
-    m_pause = std::min(m_pause * 2, kLongestPause);
+    m_connectAgain.expires_after(m_pauses.Next());
     m_connectAgain.async_wait([this](std::error_code cancelled) {
         if (!cancelled) Connect();
     });
@@ -156,14 +151,13 @@ void Connection::Closed(const std::string& reason, int) {
         wasOpen = std::exchange(m_open, nullptr) != nullptr;
     }
     m_channel.reset();
-    // A connection that breaks as soon as it opens is not to be opened again and again without a pause.
-    if (wasOpen && steady_clock::now() - m_openedAt >= kLongestPause) m_pause = kFirstPause;
+    if (wasOpen) m_pauses.Lost(steady_clock::now() - m_openedAt);
     ConnectLater(m_path.string() + (wasOpen ? ": connection lost: " : ": ") + reason);
 }
 
 // A broker that has not been tried yet counts as one that takes messages: a process may post one and end.
 void Connection::WaitUntilWritten() {
-    const auto until = steady_clock::now() + kLinger;
+    const auto until = steady_clock::now() + m_times.linger;
     std::unique_lock lock(m_stateMutex);
     m_phaseChanged.wait_until(lock, until, [this] { return m_phase != Phase::kConnecting || m_unsent.empty(); });
     const std::shared_ptr<PipeChannel> open = m_open;

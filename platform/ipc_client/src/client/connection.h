@@ -13,6 +13,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "client/connection_times.h"
 #include "pipe/pipe_channel.h"
 #include "pipe/pipe_transport.h"
 #include "wire/frame.h"
@@ -32,9 +33,9 @@ public:
     // The connection if there is one, else null.
     static std::shared_ptr<Connection> Existing(const std::wstring& pipeName);
 
-    explicit Connection(const std::filesystem::path& path);
+    explicit Connection(const std::filesystem::path& path, const ConnectionTimes& times = {});
 
-    // Gives what was posted up to half a second to be written, if there is a broker that takes it.
+    // Gives what was posted its time to be written, if there is a broker that takes it.
     ~Connection();
 
     Connection(const Connection&) = delete;
@@ -67,12 +68,13 @@ private:
     void WaitUntilWritten();
 
     const std::filesystem::path m_path;
+    const ConnectionTimes m_times;
     asio::io_context m_io{1};
     asio::executor_work_guard<asio::io_context::executor_type> m_work;
 
     // I/O thread only.
     asio::steady_timer m_connectAgain;
-    std::chrono::milliseconds m_pause;  // before the next attempt
+    ReconnectPauses m_pauses;
     std::chrono::steady_clock::time_point m_openedAt;
     std::string m_lastReason;  // why the pipe could not be reached, as last logged
     std::shared_ptr<PipeChannel> m_channel;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <atomic>
 #include <future>
 #include <memory>
@@ -73,6 +74,11 @@ TEST_F(DeliveryTest, MessagesOfSeveralIdsArriveInTheOrderInWhichTheyWerePosted) 
     EXPECT_EQ(inbox.WaitForData(1000), posted);
 }
 
+// The delivery thread stands in the queue for the turn.
+bool SomebodyWaits() {
+    return Eventually([] { return kernel::UiTurn::Waiting() == 1; });
+}
+
 TEST_F(DeliveryTest, NoCallbackRunsWhileTheUiTurnIsHeldElsewhere) {
     std::atomic<bool> turnIsElsewhere{false}, intruded{false};
     Inbox inbox;
@@ -80,14 +86,17 @@ TEST_F(DeliveryTest, NoCallbackRunsWhileTheUiTurnIsHeldElsewhere) {
         if (turnIsElsewhere) intruded = true;
         callback(item);
     });
-    for (int i = 0; i < 500; ++i) {
-        PostToSelf(kFirst);
-        const kernel::UiTurn turn;
-        turnIsElsewhere = true;
-        std::this_thread::yield();
-        turnIsElsewhere = false;
+    for (std::size_t i = 0; i < 50; ++i) {
+        {
+            const kernel::UiTurn turn;
+            turnIsElsewhere = true;
+            PostToSelf(kFirst);
+            ASSERT_TRUE(SomebodyWaits());
+            EXPECT_EQ(inbox.Count(), i);
+            turnIsElsewhere = false;
+        }
+        EXPECT_EQ(inbox.WaitFor(i + 1).size(), i + 1);
     }
-    EXPECT_EQ(inbox.WaitFor(500).size(), 500u);
     EXPECT_FALSE(intruded);
 }
 
@@ -98,10 +107,28 @@ TEST_F(DeliveryTest, AMessageWhoseCallbackIsRemovedDuringTheWaitForTheUiTurnIsDr
     {
         const kernel::UiTurn turn;
         PostToSelf(kFirst, "never");
+        ASSERT_TRUE(SomebodyWaits());
         EXPECT_TRUE(m_client->UnRegisterMessageCallback(kFirst));
     }
     PostToSelf(kSecond, "delivered");
     EXPECT_THAT(inbox.WaitForData(1), ElementsAre("delivered"));
+}
+
+TEST_F(DeliveryTest, BeyondTheBytesThatMayWaitForCallbacksTheOldestMessageIsDropped) {
+    constexpr std::size_t kLarge = 15 * 1024 * 1024;  // [bytes] four of them may wait, five may not
+    Inbox inbox;
+    m_client->RegisterMessageCallback(kFirst, inbox.Callback());
+    {
+        const kernel::UiTurn turn;
+        for (const char letter : {'a', 'b', 'c', 'd', 'e'}) {
+            const std::string data(kLarge, letter);
+            ASSERT_TRUE(Eventually([&] { return Post(*m_client, kPage, kFirst, data); }));
+        }
+        EXPECT_TRUE(Logged("the callbacks take too long, the oldest message dropped (1 so far): message 0x1"));
+    }
+    std::string letters;
+    for (const Received& received : inbox.WaitFor(4)) letters += received.data.at(0);
+    EXPECT_EQ(letters, "bcde");
 }
 
 TEST_F(DeliveryTest, UnregistrationWaitsForTheRunningCallbackAndGivesUpTheUiTurn) {
@@ -157,22 +184,31 @@ TEST_F(DeliveryTest, DestructionEndsADeliveryThreadThatWaitsForTheUiTurn) {
     m_client->RegisterMessageCallback(kFirst, inbox.Callback());
     const kernel::UiTurn turn;
     for (int i = 0; i < 10; ++i) PostToSelf(kFirst);
+    ASSERT_TRUE(SomebodyWaits());
     m_client.reset();
+    EXPECT_EQ(inbox.Count(), 0u);
     EXPECT_TRUE(kernel::UiTurn::IsHeld());
 }
 
+// What a late callback would touch lives until the test's end, when every message has come to a client that is left.
 TEST_F(DeliveryTest, NoCallbackRunsAfterDestruction) {
-    for (int round = 0; round < 50; ++round) {
-        std::atomic<bool> alive{true}, late{false};
+    constexpr std::size_t kRounds = 50, kMessages = 20;
+    std::array<std::atomic<bool>, kRounds> ended{};
+    std::atomic<bool> late{false};
+    Inbox left;
+    m_client->RegisterMessageCallback(kFirst, left.Callback());
+    for (std::atomic<bool>& hasEnded : ended) {
         auto client = std::make_unique<IPCMessageClient>(kPage, true, false, kPipe);
         client->RegisterMessageCallback(kFirst, [&](TagIPCMessageItem&) {
-            if (!alive) late = true;
+            kernel::Sleep(0);  // without the turn
+            if (hasEnded) late = true;
         });
-        for (int i = 0; i < 20; ++i) PostToSelf(kFirst);
+        for (std::size_t i = 0; i < kMessages; ++i) PostToSelf(kFirst);
         client.reset();
-        alive = false;
-        EXPECT_FALSE(late);
+        hasEnded = true;
     }
+    EXPECT_EQ(left.WaitFor(kRounds * kMessages).size(), kRounds * kMessages);
+    EXPECT_FALSE(late);
 }
 
 TEST_F(DeliveryTest, DestructionWaitsForTheCallbackThatSleepsAndGivesUpTheUiTurn) {

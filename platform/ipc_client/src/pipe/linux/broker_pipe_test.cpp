@@ -3,13 +3,18 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <functional>
+#include <optional>
+#include <thread>
 
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
+#include "ipc_client/ipc_connection_state.h"
 #include "ipc_client/ipc_message_client.h"
 
 namespace ipc_test {
@@ -59,6 +64,44 @@ TEST_F(BrokerSocket, TheSocketIsForThisUserAlone) {
     struct stat info;
     ASSERT_EQ(stat(SocketPath().c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
+}
+
+// What a thread does as another user; nothing when this one is not root.
+class PeersOfAnotherUser : public BrokerSocket {
+protected:
+    void SetUp() override {
+        if (geteuid() != 0) GTEST_SKIP() << "only root can be another user";
+    }
+
+    static void AsAnotherUser(const std::function<void()>& action) {
+        std::thread([&] {
+            ASSERT_EQ(syscall(SYS_setresuid, -1, 12345, -1), 0);  // of this thread only
+            action();
+        }).join();
+    }
+};
+
+TEST_F(PeersOfAnotherUser, AreRefusedByTheBrokerAlsoWhereTheSocketLetsThemIn) {
+    IPCBroker broker(kPipe);
+    broker.Start();
+    chmod(Folder().c_str(), 0755);
+    chmod(SocketPath().c_str(), 0666);
+    AsAnotherUser([&] {
+        RawPeer peer(SocketPath());
+        EXPECT_EQ(peer.Read(1), "");
+    });
+    EXPECT_TRUE(Logged("broker: a connection was not accepted: "));
+    RawPeer peer(SocketPath());
+    EXPECT_EQ(peer.Read(8), Hello());
+}
+
+TEST_F(PeersOfAnotherUser, AreNoBrokersForAClient) {
+    chmod(Folder().c_str(), 0777);
+    std::optional<RawBroker> broker;
+    AsAnotherUser([&] { broker.emplace(SocketPath(), Hello()); });
+    IPCMessageClient client(1, true, false, kPipe);
+    EXPECT_TRUE(Logged("the broker belongs to another user"));
+    EXPECT_FALSE(IsPipeConnected(kPipe));
 }
 
 TEST_F(BrokerSocket, AFolderOpenToOthersIsRefused) {
