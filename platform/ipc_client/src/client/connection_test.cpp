@@ -65,7 +65,7 @@ TEST_F(ConnectionTest, ABrokerThatDoesNotSayHelloInTimeIsLeft) {
 }
 
 TEST_F(ConnectionTest, TheEndWaitsForWhatWasPostedAndNoLongerThanItsTime) {
-    Connect({.linger = 50ms});
+    Connect({.handshake = 1h, .linger = 50ms});
     EXPECT_TRUE(Post());
     const auto begin = steady_clock::now();
     m_connection.reset();
