@@ -1,4 +1,7 @@
 // The page as it comes, with its rows closed and opened, and with a tool tip.
+#include <cstdint>
+#include <filesystem>
+
 #include "painted_page.h"
 #include "picture_test.h"
 #include "seam.h"
@@ -71,6 +74,13 @@ TEST_P(PagePictures, TheTipOfARefusalIsWrappedBelowItsButton) {
     ExpectPicture("tip", m_page.Paint());
 }
 
-INSTANTIATE_TEST_SUITE_P(Looks, PagePictures, EveryLook(), TestNameOf);
+TEST(ReferencePictures, TakeAtMostThreeMegabytesTogether) {
+    std::uintmax_t bytes = 0;
+    for (const auto& file : std::filesystem::directory_iterator(PICTURES_REFERENCE_FOLDER)) bytes += file.file_size();
+    EXPECT_LE(bytes, 3'000'000u);
+    EXPECT_GT(bytes, 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Looks, PagePictures, testing::ValuesIn(OuterLooks()), TestNameOf);
 
 }  // namespace

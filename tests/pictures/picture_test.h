@@ -37,11 +37,14 @@ private:
     std::vector<std::string> m_expectedComplaints;
 };
 
-// Three languages (left to right, right to left, long texts) at the five scales that displays have.
-inline auto EveryLook() {
-    std::vector<Look> looks;
-    for (const char* const language : {"en-US", "ar", "qps-ploc"}) {
-        for (const unsigned scale : {100u, 125u, 150u, 200u, 300u}) looks.push_back({language, scale});
-    }
-    return testing::ValuesIn(looks);
+// Left to right and right to left, at the smallest and the largest scale of a display.
+inline std::vector<Look> OuterLooks() { return {{"en-US", 100}, {"en-US", 300}, {"ar", 100}, {"ar", 300}}; }
+
+// Also each scale between, where rounding may go wrong, and long texts: for the one sheet that has every state of a
+// row.
+inline std::vector<Look> EveryLook() {
+    std::vector<Look> looks = OuterLooks();
+    for (const unsigned scale : {125u, 150u, 200u}) looks.push_back({"en-US", scale});
+    looks.push_back({"qps-ploc", 100});
+    return looks;
 }

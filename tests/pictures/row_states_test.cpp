@@ -182,6 +182,6 @@ TEST_P(RowStates, AreAsDrawn) {
     ExpectPicture("row_states", picture);
 }
 
-INSTANTIATE_TEST_SUITE_P(Looks, RowStates, EveryLook(), TestNameOf);
+INSTANTIATE_TEST_SUITE_P(Looks, RowStates, testing::ValuesIn(EveryLook()), TestNameOf);
 
 }  // namespace
