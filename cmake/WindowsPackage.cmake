@@ -1,10 +1,15 @@
 # The target windows_package makes AccessoryUpdatePage-win64.zip: programs, libraries, resources, the sample and the licences
 # of what is in it, to be unpacked anywhere. It makes no folder of its own around
-# them.
+# them. What debuggers want to know of the programs and libraries is in AccessoryUpdatePage-win64-debug.zip.
 set(package_targets AccessoriesUpgrade accessory_update_config duilib ipc_client kernel qx_data_report qx_logger
   settings_host update_service pen_studio)
-install(TARGETS ${package_targets} RUNTIME DESTINATION .)
-install(FILES ${CXX_RUNTIME_LIBRARIES} DESTINATION .)
+set(stripped_folder ${PROJECT_BINARY_DIR}/package/stripped)
+set(debug_folder ${PROJECT_BINARY_DIR}/package/debug)
+set(package_files ${CXX_RUNTIME_LIBRARIES})
+foreach(target IN LISTS package_targets)
+  list(APPEND package_files $<TARGET_FILE:${target}>)
+endforeach()
+install(DIRECTORY ${stripped_folder}/ DESTINATION .)
 # Drawings are PNG files here.
 install(DIRECTORY ${PROJECT_BINARY_DIR}/components DESTINATION . PATTERN "*.svg" EXCLUDE)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/catalogue/ DESTINATION sample)
@@ -31,8 +36,12 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR})
 set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(BRINDLE_WINDOWS_PACKAGE ${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}.zip)
+set(BRINDLE_WINDOWS_DEBUG_PACKAGE ${CPACK_PACKAGE_DIRECTORY}/${CPACK_PACKAGE_FILE_NAME}-debug.zip)
 include(CPack)  # changes the name
 add_custom_target(windows_package
+  COMMAND ${PROJECT_SOURCE_DIR}/cmake/strip_programs.sh ${CMAKE_OBJCOPY} ${stripped_folder} ${debug_folder} ${package_files}
   COMMAND ${CMAKE_CPACK_COMMAND} --config ${PROJECT_BINARY_DIR}/CPackConfig.cmake
+  COMMAND ${CMAKE_COMMAND} -E chdir ${debug_folder} ${CMAKE_COMMAND} -E tar cf ${BRINDLE_WINDOWS_DEBUG_PACKAGE} --format=zip .
   DEPENDS ${package_targets} page_resources
-  COMMENT "Making AccessoryUpdatePage-win64.zip")
+  COMMENT "Making AccessoryUpdatePage-win64.zip and what debuggers want to know of it"
+  VERBATIM)

@@ -6,6 +6,7 @@ set(prefix x86_64-w64-mingw32)
 set(CMAKE_C_COMPILER ${prefix}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${prefix}-g++-posix)
 set(CMAKE_RC_COMPILER ${prefix}-windres)
+set(CMAKE_CXX_FLAGS_RELEASE_INIT "-g1")  # names and lines, which the package keeps beside it
 find_program(WINE wine64 wine HINTS /usr/lib/wine)  # Debian's wine complains of 32-bit programs that it cannot run
 set(CMAKE_CROSSCOMPILING_EMULATOR ${WINE})
 

@@ -1,7 +1,9 @@
 // sample_packages FOLDER KEY:BYTES...
 //
-// Writes one package file a key, FOLDER/KEY.pkg, with that many bytes: noise that depends on the key alone, so that
+// Writes one package file a key, FOLDER/KEY.pkg, with that many bytes: noise that depends only on the key, so that
 // every build has the same packages.
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -14,11 +16,15 @@
 
 namespace {
 
+// Noise that repeats itself packs well. As the period is a prime number, no two pieces of a download are alike.
+constexpr std::size_t kPeriod = 16381;  // [bytes]
+
 void WritePackage(const std::filesystem::path& file, const std::string& key, std::size_t bytes) {
     std::seed_seq seed(key.begin(), key.end());
     std::mt19937_64 noise(seed);
     std::vector<char> content(bytes);
-    for (char& byte : content) byte = static_cast<char>(noise());
+    std::generate_n(content.begin(), std::min(bytes, kPeriod), [&noise] { return static_cast<char>(noise()); });
+    for (std::size_t i = kPeriod; i < bytes; ++i) content[i] = content[i - kPeriod];
     std::ofstream output(file, std::ios::binary);
     output.write(content.data(), static_cast<std::streamsize>(content.size()));
     output.close();

@@ -1,9 +1,11 @@
 #!/bin/sh
-# package_test.sh ZIP: unpacks the Windows package into an empty folder, plays its sample tour there under Wine, and expects
+# package_test.sh ZIP DEBUG_ZIP OBJDUMP: looks at the sizes and for debug information, unpacks the Windows package into an empty folder, plays its sample tour there under Wine, and expects
 # every package of the sample to arrive whole. Nothing outside that folder is found but the system. $WINE is the Wine to
 # use, $WINEPREFIX its Windows system; without one, a new one is made and removed.
 set -eu
 zip=$(realpath "${1:?no package was named}")
+debug_zip=$(realpath "${2:?no package of debug information was named}")
+objdump=${3:?no objdump was named}
 wine=${WINE:-wine}
 unset WINEPATH
 export LC_ALL=C.UTF-8
@@ -40,6 +42,18 @@ for file in AccessoriesUpgrade.dll settings_host.exe update_service.exe pen_stud
   [ -s "$file" ] || fail "the package has no $file"
 done
 [ -z "$(find . -name '*.svg' -o -name '*.sh')" ] || fail "the package holds what Windows cannot use"
+
+# Small, and nothing for debuggers in it; all of that is in the other package, under the names that the files refer to.
+[ "$(wc -c <"$zip")" -le 8388608 ] || fail "the package is larger than 8 MiB: $(wc -c <"$zip")"
+mkdir "$folder/debug"
+(cd "$folder/debug" && cmake -E tar xf "$debug_zip")
+for file in *.exe *.dll; do
+  [ "$(wc -c <"$file")" -le 4194304 ] || fail "$file is larger than 4 MiB"
+  sections=$("$objdump" -h "$file")
+  ! echo "$sections" | grep -q '[.]debug_' || fail "$file has debug information inside"
+  echo "$sections" | grep -q '[.]gnu_debuglink' || fail "$file does not say where its debug information is"
+  "$objdump" -h "$folder/debug/$file.debug" | grep -q '[.]debug_info' || fail "there is no debug information of $file"
+done
 
 "$wine" settings_host.exe --headless >"$folder/tour.txt" 2>&1 || {
   cat "$folder/tour.txt" >&2
