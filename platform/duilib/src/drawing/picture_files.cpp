@@ -8,7 +8,8 @@
 #include <stdexcept>
 #include <tuple>
 
-#include "foundation/text_utf8.h"
+#include "base/path.h"
+#include "base/reason.h"
 
 namespace DuiLib {
 
@@ -36,7 +37,7 @@ void CheckFile(const std::filesystem::path& file) {
     std::error_code error;
     const auto status = std::filesystem::status(file, error);
     if (status.type() == std::filesystem::file_type::not_found) throw std::runtime_error("there is no such file");
-    if (error) throw std::runtime_error(error.message());
+    if (error) throw std::runtime_error(base::Reason(error));
     if (!std::filesystem::is_regular_file(status)) throw std::runtime_error("it is no file");
     if (std::filesystem::file_size(file) > kMaxFileSize) throw std::runtime_error("the file is too large");
 }
@@ -63,8 +64,8 @@ PictureFile Read(const std::filesystem::path& file) {
             picture.raster = PaintSurface::LoadPng(file);
         }
     } catch (const std::exception& error) {
-        const std::string name = PathText(file);
-        const std::string reason = error.what();
+        const std::string name = base::Utf8FromPath(file);
+        const std::string reason = base::Reason(error);
         picture.error = reason.starts_with(name) ? reason : name + ": " + reason;
     }
     return picture;

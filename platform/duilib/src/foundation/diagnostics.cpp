@@ -3,27 +3,25 @@
 #include <cstdio>
 #include <utility>
 
+#include "base/sink_slot.h"
 #include "foundation/report.h"
 
 namespace DuiLib {
 
 namespace {
 
-DiagnosticSink& Sink() {
-    static DiagnosticSink sink;
+// Never destroyed: controls with static storage may report later.
+auto& Sink() {
+    static auto& sink = *new base::SinkSlot<const std::string&>;
     return sink;
 }
 
 }  // namespace
 
-void SetDiagnosticSink(DiagnosticSink sink) { Sink() = std::move(sink); }
+void SetDiagnosticSink(DiagnosticSink sink) { Sink().Set(std::move(sink)); }
 
 void Report(const std::string& line) {
-    if (const DiagnosticSink sink = Sink()) {
-        sink(line);
-    } else {
-        std::fprintf(stderr, "%s\n", line.c_str());
-    }
+    if (!Sink().Call(line)) std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 }  // namespace DuiLib

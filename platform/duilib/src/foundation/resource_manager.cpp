@@ -1,13 +1,26 @@
 #include "duilib/resource_manager.h"
 
 #include <map>
+#include <system_error>
 
+#include "base/path.h"
+#include "base/text.h"
 #include "foundation/geometry_math.h"
 #include "foundation/layout_basis.h"
-#include "foundation/program_folder.h"
-#include "foundation/text_utf8.h"
 
 namespace DuiLib {
+
+namespace {
+
+std::filesystem::path ProgramFolder() {
+    try {
+        return base::ProgramFolder();
+    } catch (const std::system_error&) {
+        return std::filesystem::current_path();  // where programs are mostly started
+    }
+}
+
+}  // namespace
 
 struct CResourceManager::State {
     unsigned scale = 100;
@@ -27,10 +40,7 @@ int MultiplyRounded(std::int64_t value, std::int64_t multiplier, std::int64_t di
     return ClampExtent(quotient - (doubled % (2 * divisor) < 0 ? 1 : 0));
 }
 
-std::filesystem::path PathOf(std::wstring_view file) {
-    const std::string utf8 = ToUtf8(file);
-    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
-}
+std::filesystem::path PathOf(std::wstring_view file) { return base::PathFromUtf8(base::Utf8FromWide(file)); }
 
 }  // namespace
 

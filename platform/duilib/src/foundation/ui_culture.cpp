@@ -2,9 +2,9 @@
 
 #include <unordered_map>
 
+#include "base/text.h"
 #include "foundation/attribute_values.h"
 #include "foundation/layout_basis.h"
-#include "foundation/text_utf8.h"
 #include "foundation/xml_source.h"
 
 namespace DuiLib {
@@ -94,7 +94,7 @@ LanguageHead ReadHead(const XmlSource& source) {
     LanguageHead head;
     for (const pugi::xml_attribute& attribute : source.Root().attributes()) {
         const std::string_view key = attribute.name();
-        const std::wstring value = FromUtf8(attribute.value());
+        const std::wstring value = base::WideFromUtf8(attribute.value());
         if (key == "name" && !value.empty()) {
             head.name = attribute.value();
         } else if (key == "percent" && value.find(kPlaceholder) != value.npos) {
@@ -122,7 +122,7 @@ void ReadText(const XmlSource& source, const pugi::xml_node& node, Texts& texts)
         if (attribute.name() != std::string_view("id")) {
             source.Fail(source.LineOf(attribute), "unknown attribute \"" + std::string(attribute.name()) + "\"");
         }
-        id = FromUtf8(attribute.value());
+        id = base::WideFromUtf8(attribute.value());
     }
     if (id.empty()) source.Fail(line, "<Text> without id");
     std::string content;
@@ -130,7 +130,8 @@ void ReadText(const XmlSource& source, const pugi::xml_node& node, Texts& texts)
         if (piece.type() == pugi::node_element) source.Fail(source.LineOf(piece), "an element within a text");
         content += piece.value();
     }
-    if (!texts.try_emplace(id, FromUtf8(content)).second) source.Fail(line, "id \"" + ToUtf8(id) + "\" twice");
+    if (!texts.try_emplace(id, base::WideFromUtf8(content)).second)
+        source.Fail(line, "id \"" + base::Utf8FromWide(id) + "\" twice");
 }
 
 }  // namespace

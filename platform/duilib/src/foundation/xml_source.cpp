@@ -7,7 +7,8 @@
 #include <set>
 #include <system_error>
 
-#include "foundation/text_utf8.h"
+#include "base/path.h"
+#include "base/text.h"
 
 namespace DuiLib {
 
@@ -19,11 +20,11 @@ std::string ReadXmlFile(const std::filesystem::path& path) {
         return std::string{std::istreambuf_iterator<char>(file), {}};
     } catch (const std::ios_base::failure&) {  // also what reading a folder comes to
         const std::string reason = errno == 0 ? "" : ": " + std::generic_category().message(errno);
-        throw XmlError(PathText(path) + ":1: the file cannot be read" + reason);
+        throw XmlError(base::Utf8FromPath(path) + ":1: the file cannot be read" + reason);
     }
 }
 
-XmlSource::XmlSource(const std::filesystem::path& path, std::string text) : m_path(PathText(path)) {
+XmlSource::XmlSource(const std::filesystem::path& path, std::string text) : m_path(base::Utf8FromPath(path)) {
     m_lineStarts.push_back(0);
     for (std::size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at + 1)) {
         m_lineStarts.push_back(at + 1);
@@ -62,7 +63,7 @@ int XmlSource::LineAt(std::size_t offset) const {
 
 void XmlSource::CheckBytes(std::string_view text) const {
     if (const std::size_t zero = text.find('\0'); zero != text.npos) Fail(LineAt(zero), "a zero byte");
-    const std::string again = ToUtf8(FromUtf8(text));
+    const std::string again = base::Utf8FromWide(base::WideFromUtf8(text));
     const auto [bad, unused] = std::ranges::mismatch(text, again);
     if (bad != text.end()) Fail(LineAt(static_cast<std::size_t>(bad - text.begin())), "not UTF-8");
 }

@@ -1,10 +1,11 @@
 #include "duilib/dialog_builder.h"
 
+#include "base/path.h"
+#include "base/text.h"
 #include "duilib/container.h"
 #include "duilib/control.h"
 #include "duilib/resource_manager.h"
 #include "foundation/report.h"
-#include "foundation/text_utf8.h"
 #include "foundation/xml_source.h"
 #include "markup/markup_file.h"
 
@@ -26,7 +27,7 @@ private:
 
     std::unique_ptr<CControlUI> BuildElement(const MarkupElement& element) {
         std::unique_ptr<CControlUI> control(element.make ? element.make() : nullptr);
-        if (!control && m_callback) control.reset(m_callback->CreateControl(FromUtf8(element.name)));
+        if (!control && m_callback) control.reset(m_callback->CreateControl(base::WideFromUtf8(element.name)));
         if (!control) throw XmlError(At(element.line) + "unknown element <" + element.name + ">");
         if (element.make) {
             ApplyShared(*control, element);
@@ -51,10 +52,10 @@ private:
     }
 
     void Warn(const MarkupElement& element, const AttributeList::Attribute& attribute, int line) const {
-        const std::string name = ToUtf8(attribute.name.Get());
-        const std::string reason =
-            attribute.rule ? "<" + element.name + "> cannot have " + name + "=\"" + ToUtf8(attribute.text.Get()) + "\""
-                           : "unknown attribute \"" + name + "\"";
+        const std::string name = base::Utf8FromWide(attribute.name.Get());
+        const std::string reason = attribute.rule ? "<" + element.name + "> cannot have " + name + "=\"" +
+                                                        base::Utf8FromWide(attribute.text.Get()) + "\""
+                                                  : "unknown attribute \"" + name + "\"";
         Report(At(line) + "warning: " + reason);
     }
 
@@ -82,17 +83,19 @@ CControlUI* CDialogBuilder::Create(std::wstring_view file, const wchar_t* type, 
     m_error.Empty();
     try {
         const std::filesystem::path path = CResourceManager::GetInstance()->Resolve(file);
-        if (type) throw XmlError(PathText(path) + ":1: resources of type \"" + ToUtf8(type) + "\" are not supported");
+        if (type)
+            throw XmlError(base::Utf8FromPath(path) + ":1: resources of type \"" + base::Utf8FromWide(type) +
+                           "\" are not supported");
         std::unique_ptr<CControlUI> root = MarkupBuilder(LoadMarkup(path), callback).Build();
         if (parent) {
             auto* const container = dynamic_cast<CContainerUI*>(parent);
             if (!container || !container->Add(root.get())) {
-                throw XmlError(PathText(path) + ":1: the parent is not a container");
+                throw XmlError(base::Utf8FromPath(path) + ":1: the parent is not a container");
             }
         }
         return root.release();
     } catch (const XmlError& error) {
-        m_error = CDuiString(FromUtf8(error.what()));
+        m_error = CDuiString(base::WideFromUtf8(error.what()));
         Report(error.what());
         return nullptr;
     }

@@ -1,7 +1,7 @@
 // docs/layout.md says what the toolkit does: its examples are built, and its tables name every attribute.
 #include <sstream>
 
-#include "foundation/text_utf8.h"
+#include "base/text.h"
 #include "support/toolkit/toolkit_test.h"
 #include "tree/attribute_rules.h"
 
@@ -67,7 +67,7 @@ TEST_F(LayoutDocumentTest, ItsExamplesAreBuiltWithoutAWarning) {
 
 TEST_F(LayoutDocumentTest, EveryAttributeHasARowWithAnExampleThatCanBeRead) {
     for (const AttributeRule& rule : AttributeRules()) {
-        const std::string name = ToUtf8(rule.name);
+        const std::string name = base::Utf8FromWide(rule.name);
         const std::string example = ExampleOf(document, name);
         EXPECT_TRUE(example.starts_with(name + "=\"")) << name << ": " << example;
         EXPECT_NE(Build("<Window><VerticalLayout " + example + "/></Window>"), nullptr) << example;
@@ -82,7 +82,7 @@ TEST_F(LayoutDocumentTest, EveryRowOfTheAttributeTablesIsAnAttribute) {
     for (std::string line; std::getline(lines, line);) {
         if (!line.starts_with("| `")) continue;
         const std::string name = line.substr(3, line.find('`', 3) - 3);
-        EXPECT_NE(FindAttributeRule(FromUtf8(name)), nullptr) << name;
+        EXPECT_NE(FindAttributeRule(base::WideFromUtf8(name)), nullptr) << name;
         ++rows;
     }
     EXPECT_EQ(rows, static_cast<int>(AttributeRules().size()));

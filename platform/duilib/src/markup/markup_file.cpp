@@ -3,11 +3,12 @@
 #include <array>
 #include <map>
 
+#include "base/path.h"
+#include "base/text.h"
 #include "duilib/container.h"
 #include "duilib/control.h"
 #include "duilib/scroll_view.h"
 #include "foundation/attribute_values.h"
-#include "foundation/text_utf8.h"
 #include "foundation/xml_source.h"
 #include "markup/file_stamp.h"
 
@@ -50,7 +51,7 @@ void RequireElement(const XmlSource& source, const pugi::xml_node& node) {
 MarkupElement ReadElement(const XmlSource& source, const pugi::xml_node& node) {
     MarkupElement element{node.name(), FindMaker(node.name()), source.LineOf(node), {}, {}, {}};
     for (const pugi::xml_attribute& attribute : node.attributes()) {
-        element.given.Add(FromUtf8(attribute.name()), FromUtf8(attribute.value()));
+        element.given.Add(base::WideFromUtf8(attribute.name()), base::WideFromUtf8(attribute.value()));
         element.places.push_back({source.LineOf(attribute)});
     }
     for (const pugi::xml_node& child : node.children()) {
@@ -66,7 +67,7 @@ std::pair<int, FontDescription> ReadFont(const XmlSource& source, const pugi::xm
     if (node.first_child()) source.Fail(source.LineOf(node.first_child()), "<Font> has no content");
     for (const pugi::xml_attribute& attribute : node.attributes()) {
         const std::string_view name = attribute.name();
-        const std::wstring value = FromUtf8(attribute.value());
+        const std::wstring value = base::WideFromUtf8(attribute.value());
         const std::optional<int> number = ParseInt(value);
         const std::optional<bool> flag = ParseBool(value);
         if (name == "id" && number && *number >= -1) {
@@ -95,7 +96,7 @@ MarkupFile ParseMarkup(const std::filesystem::path& path, std::string text) {
     if (const pugi::xml_attribute attribute = window.first_attribute()) {
         source.Fail(source.LineOf(attribute), "<Window> has no attributes");
     }
-    MarkupFile file{PathText(path), {}, {}};
+    MarkupFile file{base::Utf8FromPath(path), {}, {}};
     bool hasControl = false;
     for (const pugi::xml_node& node : window.children()) {
         RequireElement(source, node);
@@ -130,7 +131,7 @@ std::map<std::filesystem::path, Entry>& Entries() {
 
 std::shared_ptr<const MarkupFile> LoadMarkup(const std::filesystem::path& path) {
     const std::optional<FileStamp> stamp = StampOf(path);
-    if (!stamp) throw XmlError(PathText(path) + ":1: there is no such file");
+    if (!stamp) throw XmlError(base::Utf8FromPath(path) + ":1: there is no such file");
     auto& entries = Entries();
     const auto known = entries.find(path);
     if (known != entries.end() && known->second.settled && known->second.stamp == *stamp) return known->second.file;

@@ -3,6 +3,7 @@
 #include <thread>
 #include <utility>
 
+#include "base/path.h"
 #include "broker/broker_loop.h"
 #include "diagnostics.h"
 #include "pipe/pipe_channel.h"
@@ -15,13 +16,13 @@ class IPCBroker::Impl {
 public:
     Impl(const std::filesystem::path& path, const IPCBrokerLimits& limits)
         : m_path(path), m_loop(m_io, path, limits), m_thread([this] { ipc_client::RunIo(m_io); }) {
-        Log(kIpcLogDetail, m_path.string() + ": broker started");
+        Log(kIpcLogDetail, base::Utf8FromPath(m_path) + ": broker started");
     }
 
     ~Impl() {
         m_io.stop();
         m_thread.join();
-        Log(kIpcLogDetail, m_path.string() + ": broker stopped");
+        Log(kIpcLogDetail, base::Utf8FromPath(m_path) + ": broker stopped");
     }
 
 private:

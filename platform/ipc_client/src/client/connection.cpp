@@ -4,6 +4,8 @@
 #include <asio/post.hpp>
 #include <utility>
 
+#include "base/path.h"
+#include "base/reason.h"
 #include "client/receiver.h"
 #include "diagnostics.h"
 #include "ipc_client/ipc_connection_state.h"
@@ -91,7 +93,7 @@ void Connection::Connect() {
         m_channel = std::make_shared<PipeChannel>(ConnectPipe(m_io, m_path), *this);
         m_channel->Start(m_times.handshake);
     } catch (const std::exception& error) {
-        ConnectLater(error.what());
+        ConnectLater(base::Reason(error));
     }
 }
 
@@ -131,7 +133,7 @@ void Connection::Opened() {
     }
     m_phaseChanged.notify_all();
     TellOfChange();
-    Log(kIpcLogDetail, m_path.string() + ": connected");
+    Log(kIpcLogDetail, base::Utf8FromPath(m_path) + ": connected");
 }
 
 void Connection::FrameArrived(const FrameView& frame) {
@@ -152,7 +154,7 @@ void Connection::Closed(const std::string& reason, int) {
     }
     m_channel.reset();
     if (wasOpen) m_pauses.Lost(steady_clock::now() - m_openedAt);
-    ConnectLater(m_path.string() + (wasOpen ? ": connection lost: " : ": ") + reason);
+    ConnectLater(base::Utf8FromPath(m_path) + (wasOpen ? ": connection lost: " : ": ") + reason);
 }
 
 // A broker that has not been tried yet counts as one that takes messages: a process may post one and end.
@@ -208,7 +210,7 @@ std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
     const std::filesystem::path path = PipePath(pipeName);
     Registry& registry = TheRegistry();
     const std::lock_guard lock(registry.mutex);
-    std::weak_ptr<Connection>& known = registry.connections[path.string()];
+    std::weak_ptr<Connection>& known = registry.connections[base::Utf8FromPath(path)];
     std::shared_ptr<Connection> connection = known.lock();
     if (!connection) {
         // Not make_shared: the weak reference would keep the memory of an ended connection.
@@ -219,7 +221,7 @@ std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
 }
 
 std::shared_ptr<Connection> Connection::Existing(const std::wstring& pipeName) {
-    const std::string path = PipePath(pipeName).string();
+    const std::string path = base::Utf8FromPath(PipePath(pipeName));
     Registry& registry = TheRegistry();
     const std::lock_guard lock(registry.mutex);
     const auto known = registry.connections.find(path);

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/reason.h"
 #include "client/connection.h"
 #include "client/receiver.h"
 #include "diagnostics.h"
@@ -30,7 +31,7 @@ public:
             receiver = std::make_unique<Receiver>(endpointId);
             return true;
         } catch (const std::system_error& error) {
-            ipc_client::Log(kIpcLogEvent, std::string("no delivery thread for a client: ") + error.what());
+            ipc_client::Log(kIpcLogEvent, "no delivery thread for a client: " + base::Reason(error));
             return false;
         }
     }
@@ -48,7 +49,7 @@ std::shared_ptr<Connection> ConnectionFor(const std::wstring& pipeName) {
     try {
         return Connection::ForPipe(pipeName);
     } catch (const std::system_error& error) {
-        ipc_client::Log(kIpcLogEvent, std::string("no connection for a client: ") + error.what());
+        ipc_client::Log(kIpcLogEvent, "no connection for a client: " + base::Reason(error));
         throw std::bad_alloc();
     }
 }

@@ -3,6 +3,7 @@
 #include <exception>
 #include <utility>
 
+#include "base/reason.h"
 #include "diagnostics.h"
 #include "kernel/ui_turn.h"
 
@@ -127,7 +128,7 @@ void Receiver::Call(const Callback& callback, Message& message) const {
         Trace(IpcTraceEvent::kDelivered, message.item);
         callback(message.item);
     } catch (const std::exception& error) {
-        Log(kIpcLogEvent, "the callback for " + Describe(route) + " threw: " + error.what());
+        Log(kIpcLogEvent, "the callback for " + Describe(route) + " threw: " + base::Reason(error));
     } catch (...) {
         Log(kIpcLogEvent, "the callback for " + Describe(route) + " threw something that is no exception");
     }

@@ -81,7 +81,7 @@ void PipeChannel::HandleRead(std::error_code error, std::size_t bytes) {
         TakeFrames();
     } catch (const std::exception& wrong) {  // ProtocolError, or no memory for what it says
         m_listener.BatchEnded();
-        return Close(wrong.what());
+        return Close(base::Reason(wrong));
     }
     m_listener.BatchEnded();
     if (!m_closed) Read();
@@ -130,7 +130,7 @@ void RunIo(asio::io_context& io) noexcept {
         try {
             io.run();
         } catch (const std::exception& error) {
-            Log(kIpcLogEvent, std::string("I/O thread: ") + error.what());
+            Log(kIpcLogEvent, "I/O thread: " + base::Reason(error));
         }
     }
 }

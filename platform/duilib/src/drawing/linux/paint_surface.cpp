@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "base/path.h"
 #include "drawing/linux/cairo_owned.h"
 
 namespace DuiLib {
@@ -9,7 +10,8 @@ namespace DuiLib {
 namespace {
 
 void Check(cairo_status_t status, const std::filesystem::path& file) {
-    if (status != CAIRO_STATUS_SUCCESS) throw std::runtime_error(file.string() + ": " + cairo_status_to_string(status));
+    if (status != CAIRO_STATUS_SUCCESS)
+        throw std::runtime_error(base::Utf8FromPath(file) + ": " + cairo_status_to_string(status));
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 #include <string>
 #include <unordered_map>
 
+#include "base/text.h"
 #include "duilib/ui_culture.h"
-#include "foundation/text_utf8.h"
 
 namespace DuiLib {
 
@@ -87,7 +87,7 @@ private:
     }
 
     static std::string KeyOf(const TextSetting& setting) {
-        std::string key = ToUtf8(setting.text);
+        std::string key = base::Utf8FromWide(setting.text);
         key += '\0' + setting.font.family + '\0';
         for (const int number : {setting.font.size, setting.font.bold ? 1 : 0, static_cast<int>(setting.scale),
                                  setting.width, setting.wrap ? 1 : 0, setting.ellipsis ? 1 : 0}) {
@@ -99,7 +99,7 @@ private:
     static void Fill(PangoLayout* layout, const TextSetting& setting) {
         std::wstring_view text = setting.text;
         if (!text.empty() && text.back() == L'\n') text.remove_suffix(1);
-        std::string utf8 = ToUtf8(text);
+        std::string utf8 = base::Utf8FromWide(text);
         std::ranges::replace(utf8, '\0', ' ');  // Pango's texts end at a zero
         SetFont(layout, setting.font, setting.scale);
         pango_layout_set_width(layout, setting.wrap || setting.ellipsis ? Units(setting.width) : -1);

@@ -10,7 +10,7 @@
 #include <tuple>
 #include <vector>
 
-#include "foundation/text_utf8.h"
+#include "base/text.h"
 
 namespace DuiLib {
 
@@ -124,7 +124,7 @@ std::wstring SystemFamily() {
 }
 
 Family FamilyFor(const std::string& wanted) {
-    for (const std::wstring& name : {FromUtf8(wanted), SystemFamily(), std::wstring(L"Arial")}) {
+    for (const std::wstring& name : {base::WideFromUtf8(wanted), SystemFamily(), std::wstring(L"Arial")}) {
         if (Family family = Named(name)) return family;
     }
     return FirstInstalled();
@@ -153,7 +153,7 @@ std::wstring ChooseFamily(const std::string& wanted, std::wstring_view text) {
 }
 
 SystemFont Made(const std::wstring& name, bool bold, double size) {
-    const Family family = FamilyFor(ToUtf8(name));
+    const Family family = FamilyFor(base::Utf8FromWide(name));
     const INT style = bold ? Gdiplus::FontStyleBold : Gdiplus::FontStyleRegular;
     const auto* const font =
         new Gdiplus::Font(family.get(), static_cast<Gdiplus::REAL>(size), style, Gdiplus::UnitPixel);

@@ -4,9 +4,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/path.h"
 #include "drawing/windows/gdiplus_session.h"
 #include "drawing/windows/pixel_blending.h"
-#include "foundation/text_utf8.h"
 
 namespace DuiLib {
 
@@ -15,7 +15,7 @@ namespace {
 constexpr CLSID kPngEncoder{0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
 
 [[noreturn]] void Fail(const std::filesystem::path& file, const std::string& reason) {
-    throw std::runtime_error(PathText(file) + ": " + reason);
+    throw std::runtime_error(base::Utf8FromPath(file) + ": " + reason);
 }
 
 void Check(Gdiplus::Status status, const std::filesystem::path& file, const char* what) {

@@ -3,23 +3,18 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <memory>
+
+#include "base/handle.h"
 
 namespace DuiLib {
 
 namespace {
 
-struct CloseFile {
-    void operator()(void* file) const { ::CloseHandle(file); }
-};
-using File = std::unique_ptr<void, CloseFile>;
-
 // Opens no content, and stands in nobody's way.
-File Open(const std::filesystem::path& path) {
+base::OwnedHandle Open(const std::filesystem::path& path) {
     constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file = ::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
+    return base::OwnedHandle(::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+                                           FILE_FLAG_BACKUP_SEMANTICS, nullptr));
 }
 
 std::int64_t Nanoseconds(std::int64_t hundreds) {
@@ -32,11 +27,11 @@ std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 |
 }  // namespace
 
 std::optional<FileStamp> StampOf(const std::filesystem::path& path) {
-    const File file = Open(path);
+    const base::OwnedHandle file = Open(path);
     FILE_BASIC_INFO times{};
     BY_HANDLE_FILE_INFORMATION rest{};
-    if (!file || !::GetFileInformationByHandleEx(file.get(), FileBasicInfo, &times, sizeof times) ||
-        !::GetFileInformationByHandle(file.get(), &rest)) {
+    if (!file || !::GetFileInformationByHandleEx(file.Handle(), FileBasicInfo, &times, sizeof times) ||
+        !::GetFileInformationByHandle(file.Handle(), &rest)) {
         return {};
     }
     return FileStamp{Nanoseconds(times.LastWriteTime.QuadPart), Nanoseconds(times.ChangeTime.QuadPart),

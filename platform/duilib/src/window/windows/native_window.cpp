@@ -9,9 +9,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/text.h"
 #include "duilib/resource_manager.h"
 #include "duilib/window.h"
-#include "foundation/text_utf8.h"
 #include "kernel/ui_turn.h"
 #include "window/windows/window_scale.h"
 
@@ -91,7 +91,7 @@ CDuiPoint PointOf(LPARAM place) { return {GET_X_LPARAM(place), GET_Y_LPARAM(plac
 class SystemWindow final : public NativeWindow {
 public:
     SystemWindow(CPaintManagerUI& shown, const WindowOptions& wanted) : NativeWindow(shown, wanted) {
-        m_window.reset(::CreateWindowExW(0, kClassName, FromUtf8(options.title).c_str(), WS_OVERLAPPEDWINDOW,
+        m_window.reset(::CreateWindowExW(0, kClassName, base::WideFromUtf8(options.title).c_str(), WS_OVERLAPPEDWINDOW,
                                          CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr,
                                          ThisModule(), this));
         if (!m_window) throw std::runtime_error(Reason(kNoWindow));
@@ -116,7 +116,7 @@ public:
     }
 
     void WakeUp() override { ::PostMessageW(m_handle, kWakeUp, 0, 0); }
-    void SetTitle(const std::string& title) override { ::SetWindowTextW(m_handle, FromUtf8(title).c_str()); }
+    void SetTitle(const std::string& title) override { ::SetWindowTextW(m_handle, base::WideFromUtf8(title).c_str()); }
 
     CDuiPoint Origin() const override {
         POINT origin{};

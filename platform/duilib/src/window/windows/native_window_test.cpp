@@ -5,7 +5,7 @@
 #include <functional>
 #include <thread>
 
-#include "foundation/text_utf8.h"
+#include "base/text.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {
@@ -21,7 +21,7 @@ protected:
         root->SetAttribute(L"bkcolor", L"#FFFF0000");
         button = Add<CButtonUI>({{L"name", L"button"}, {L"pos", L"10,10,110,50"}, {L"bkcolor", L"#FF0000FF"}});
         shown = std::make_unique<CWindowWnd>(window, WindowOptions{kTitle, {400, 300}, {200, 100}, 100u});
-        handle = ::FindWindowW(nullptr, FromUtf8(kTitle).c_str());
+        handle = ::FindWindowW(nullptr, base::WideFromUtf8(kTitle).c_str());
         ASSERT_TRUE(handle);
     }
 

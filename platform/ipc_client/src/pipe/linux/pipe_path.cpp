@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"
 #include "pipe_folder.h"
@@ -30,7 +31,7 @@ fs::path PipeFolder() {
 }
 
 [[noreturn]] void Refuse(const fs::path& folder, const std::string& reason) {
-    throw std::runtime_error("pipe folder " + folder.string() + ": " + reason);
+    throw std::runtime_error("pipe folder " + base::Utf8FromPath(folder) + ": " + reason);
 }
 
 }  // namespace

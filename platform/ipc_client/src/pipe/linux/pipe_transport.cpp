@@ -12,6 +12,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/handle.h"
+#include "base/path.h"
 #include "base/reason.h"
 #include "pipe/pipe_path.h"
 #include "pipe_folder.h"
@@ -22,26 +24,10 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void Fail(const fs::path& path, const std::string& reason) {
-    throw std::runtime_error(path.string() + ": " + reason);
+    throw std::runtime_error(base::Utf8FromPath(path) + ": " + reason);
 }
 
 [[noreturn]] void FailWithErrno(const fs::path& path) { Fail(path, base::LastReason()); }
-
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int fd) : m_fd(fd) {}
-    ~FileDescriptor() {
-        if (m_fd >= 0) close(m_fd);
-    }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-
-    int Get() const { return m_fd; }
-    int Release() { return std::exchange(m_fd, -1); }
-
-private:
-    int m_fd;
-};
 
 sockaddr_un Address(const fs::path& path) {
     sockaddr_un address{};
@@ -75,34 +61,34 @@ bool IsOfThisUser(int fd) { return Peer(fd).uid == geteuid(); }
 // lock two files of one name. A killed broker's lock goes with its process.
 int LockName(const fs::path& path) {
     const fs::path lockPath = path.native() + ".lock";
-    FileDescriptor fd(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (fd.Get() < 0) FailWithErrno(lockPath);
-    if (flock(fd.Get(), LOCK_EX | LOCK_NB) != 0) {
+    base::OwnedHandle fd(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!fd) FailWithErrno(lockPath);
+    if (flock(fd.Descriptor(), LOCK_EX | LOCK_NB) != 0) {
         Fail(path, errno == EWOULDBLOCK ? "the name is taken by another broker (" + base::LastReason() + ")"
                                         : base::LastReason());
     }
-    return fd.Release();
+    return fd.ReleaseDescriptor();
 }
 
 // Binds and listens; the name's lock is held, so a socket that is there is a dead broker's.
 int Listen(const fs::path& path, const sockaddr_un& address) {
-    FileDescriptor fd(NewSocket(path));
+    base::OwnedHandle fd(NewSocket(path));
     if (unlink(path.c_str()) != 0 && errno != ENOENT) FailWithErrno(path);
-    if (bind(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) FailWithErrno(path);
-    if (chmod(path.c_str(), 0600) != 0 || listen(fd.Get(), SOMAXCONN) != 0) FailWithErrno(path);
-    return fd.Release();
+    if (bind(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) FailWithErrno(path);
+    if (chmod(path.c_str(), 0600) != 0 || listen(fd.Descriptor(), SOMAXCONN) != 0) FailWithErrno(path);
+    return fd.ReleaseDescriptor();
 }
 
 }  // namespace
 
 PipeSocket ConnectPipe(asio::io_context& io, const fs::path& path) {
     const sockaddr_un address = Address(path);
-    FileDescriptor fd(NewSocket(path));
-    if (connect(fd.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) FailWithErrno(path);
-    if (!IsOfThisUser(fd.Get())) Fail(path, "the broker belongs to another user");
+    base::OwnedHandle fd(NewSocket(path));
+    if (connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) FailWithErrno(path);
+    if (!IsOfThisUser(fd.Descriptor())) Fail(path, "the broker belongs to another user");
     PipeSocket socket(io);
-    socket.assign(asio::local::stream_protocol(), fd.Get());
-    fd.Release();
+    socket.assign(asio::local::stream_protocol(), fd.Descriptor());
+    fd.ReleaseDescriptor();
     socket.non_blocking(true);
     return socket;
 }
@@ -124,14 +110,14 @@ struct PipeListener::State {
           address(Address(where)),
           lock((PreparePipeFolder(where.parent_path()), LockName(where))),
           acceptor(io) {
-        FileDescriptor listener(Listen(path, address));
-        acceptor.assign(asio::local::stream_protocol(), listener.Get());
-        listener.Release();
+        base::OwnedHandle listener(Listen(path, address));
+        acceptor.assign(asio::local::stream_protocol(), listener.Descriptor());
+        listener.ReleaseDescriptor();
     }
 
     fs::path path;
     sockaddr_un address;
-    FileDescriptor lock;
+    base::OwnedHandle lock;
     asio::local::stream_protocol::acceptor acceptor;
 };
 

@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include "base/handle.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_message_client.h"
@@ -40,9 +41,9 @@ TEST_F(BrokerPipe, StartAndStopMayBeCalledAgain) {
 }
 
 TEST_F(BrokerPipe, ANameThatSomebodyElseHasIsRefused) {
-    const ipc_client::OwnedHandle foreign(
+    const base::OwnedHandle foreign(
         CreateNamedPipeW(SocketPath().c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 5, 0, 0, 0, nullptr));
-    ASSERT_NE(foreign.get(), INVALID_HANDLE_VALUE);
+    ASSERT_TRUE(foreign);
     IPCBroker broker(kPipe);
     EXPECT_THAT([&] { broker.Start(); },
                 ThrowsMessage<std::runtime_error>(AllOf(HasSubstr(SocketPath().string()), HasSubstr("taken"))));
@@ -59,13 +60,13 @@ TEST_F(BrokerPipe, MorePeersThanListenAtOnceAreAllTaken) {
 TEST_F(BrokerPipe, ThePipeIsForThisUserAlone) {
     IPCBroker broker(kPipe);
     broker.Start();
-    const ipc_client::OwnedHandle pipe(
+    const base::OwnedHandle pipe(
         CreateFileW(SocketPath().c_str(), READ_CONTROL | GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-    ASSERT_NE(pipe.get(), INVALID_HANDLE_VALUE);
+    ASSERT_TRUE(pipe);
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    ASSERT_EQ(GetSecurityInfo(pipe.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list, nullptr,
-                              &descriptor),
+    ASSERT_EQ(GetSecurityInfo(pipe.Handle(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, &list,
+                              nullptr, &descriptor),
               static_cast<DWORD>(ERROR_SUCCESS));
     ASSERT_NE(list, nullptr) << "everybody may do everything";
     ASSERT_EQ(list->AceCount, 1);

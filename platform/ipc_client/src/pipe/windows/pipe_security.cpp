@@ -2,8 +2,10 @@
 
 #include <sddl.h>
 
+#include <memory>
 #include <system_error>
-#include <vector>
+
+#include "base/handle.h"
 
 namespace ipc_client {
 namespace {
@@ -21,10 +23,10 @@ struct LocalDeleter {
 std::wstring UserOf(HANDLE process) {
     HANDLE opened = nullptr;
     if (!OpenProcessToken(process, TOKEN_QUERY, &opened)) FailWithLastError("OpenProcessToken");
-    const OwnedHandle token(opened);
+    const base::OwnedHandle token(opened);
     alignas(TOKEN_USER) char user[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
     DWORD size = 0;
-    if (!GetTokenInformation(token.get(), TokenUser, user, sizeof user, &size))
+    if (!GetTokenInformation(token.Handle(), TokenUser, user, sizeof user, &size))
         FailWithLastError("GetTokenInformation");
     wchar_t* text = nullptr;
     if (!ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(user)->User.Sid, &text)) {

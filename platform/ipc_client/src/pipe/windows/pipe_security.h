@@ -2,20 +2,10 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
 
 // Which user a process of this system belongs to, and pipes for one user alone.
 namespace ipc_client {
-
-// Closes a handle of the system at its end.
-struct HandleCloser {
-    using pointer = HANDLE;
-    void operator()(HANDLE handle) const {
-        if (handle != nullptr && handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
-    }
-};
-using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 
 // The user of the process, as the text of a security identifier ("S-1-5-21-..."). Throws std::system_error.
 std::wstring UserOf(HANDLE process);

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/handle.h"
+#include "base/path.h"
 #include "base/reason.h"
 #include "pipe_security.h"
 
@@ -19,7 +21,7 @@ constexpr DWORD kBufferBytes = 64 * 1024;  // each way
 constexpr std::size_t kLongestName = 256;  // [UTF-16 units], with the prefix
 
 [[noreturn]] void Fail(const fs::path& path, const std::string& reason) {
-    throw std::runtime_error(path.string() + ": " + reason);
+    throw std::runtime_error(base::Utf8FromPath(path) + ": " + reason);
 }
 
 void CheckLength(const fs::path& path) {
@@ -33,11 +35,11 @@ void CheckLength(const fs::path& path) {
 // std::system_error.
 std::wstring ServerUser(HANDLE pipe) {
     ULONG id = 0;
-    OwnedHandle process;
+    base::OwnedHandle process;
     if (GetNamedPipeServerProcessId(pipe, &id))
-        process.reset(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
+        process = base::OwnedHandle(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, id));
     if (!process) throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), "its process");
-    return UserOf(process.get());
+    return UserOf(process.Handle());
 }
 
 void CheckServer(HANDLE pipe, const fs::path& path) {
@@ -51,13 +53,13 @@ void CheckServer(HANDLE pipe, const fs::path& path) {
 }
 
 // The server's end of one connection to come; null, with the error set, when there is none to be had.
-OwnedHandle NewInstance(const fs::path& path, bool isFirst) {
+base::OwnedHandle NewInstance(const fs::path& path, bool isFirst) {
     constexpr DWORD kMode = PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS;
     const DWORD open = PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (isFirst ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0);
     OwnUserAlone security;
     const HANDLE instance = CreateNamedPipeW(path.c_str(), open, kMode, PIPE_UNLIMITED_INSTANCES, kBufferBytes,
                                              kBufferBytes, 0, security.Get());
-    return OwnedHandle(instance == INVALID_HANDLE_VALUE ? nullptr : instance);
+    return base::OwnedHandle(instance);
 }
 
 [[noreturn]] void FailAsTaken(const fs::path& path, DWORD error) {
@@ -66,10 +68,10 @@ OwnedHandle NewInstance(const fs::path& path, bool isFirst) {
 
 // That the instance is the name's first is for the system to find out, as nobody can come in between there. The look
 // before it is for Wine, where it does not.
-OwnedHandle FirstInstance(const fs::path& path) {
+base::OwnedHandle FirstInstance(const fs::path& path) {
     CheckLength(path);
     if (WaitNamedPipeW(path.c_str(), 1) || GetLastError() == ERROR_SEM_TIMEOUT) FailAsTaken(path, ERROR_PIPE_BUSY);
-    OwnedHandle instance = NewInstance(path, true);
+    base::OwnedHandle instance = NewInstance(path, true);
     if (instance) return instance;
     const DWORD error = GetLastError();
     if (error == ERROR_ACCESS_DENIED || error == ERROR_PIPE_BUSY) FailAsTaken(path, error);
@@ -84,13 +86,13 @@ std::error_code LastError() { return {static_cast<int>(GetLastError()), asio::er
 PipeSocket ConnectPipe(asio::io_context& io, const fs::path& path) {
     CheckLength(path);
     constexpr DWORD kFlags = FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
-    OwnedHandle pipe(
+    base::OwnedHandle pipe(
         CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, kFlags, nullptr));
-    if (pipe.get() == INVALID_HANDLE_VALUE) Fail(path, base::LastReason());
-    CheckServer(pipe.get(), path);
+    if (!pipe) Fail(path, base::LastReason());
+    CheckServer(pipe.Handle(), path);
     PipeSocket socket(io);
-    socket.assign(pipe.get());
-    pipe.release();
+    socket.assign(pipe.Handle());
+    pipe.ReleaseHandle();
     return socket;
 }
 
@@ -98,17 +100,17 @@ constexpr DWORD kHelloPatience = 5000;  // [ms] with a side that has no room for
 
 // The low bit of the event keeps the write's end away from Asio, which did not begin it.
 bool WriteHello(PipeSocket& socket, std::string_view bytes) {
-    const OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const base::OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     if (!event) return false;
     OVERLAPPED operation{};
-    operation.hEvent = reinterpret_cast<HANDLE>(reinterpret_cast<ULONG_PTR>(event.get()) | 1);
+    operation.hEvent = reinterpret_cast<HANDLE>(reinterpret_cast<ULONG_PTR>(event.Handle()) | 1);
     const HANDLE pipe = socket.native_handle();
     DWORD written = 0;
     if (!WriteFile(pipe, bytes.data(), static_cast<DWORD>(bytes.size()), nullptr, &operation) &&
         GetLastError() != ERROR_IO_PENDING) {
         return false;
     }
-    if (WaitForSingleObject(event.get(), kHelloPatience) != WAIT_OBJECT_0) CancelIoEx(pipe, &operation);
+    if (WaitForSingleObject(event.Handle(), kHelloPatience) != WAIT_OBJECT_0) CancelIoEx(pipe, &operation);
     return GetOverlappedResult(pipe, &operation, &written, TRUE) && written == bytes.size();
 }
 
@@ -143,11 +145,11 @@ struct PipeListener::State : std::enable_shared_from_this<PipeListener::State> {
     // Brings the number of listening instances up. Whoever connected is told of an error only when none listens.
     void Listen() {
         while (!closed && listening.size() < kListening) {
-            OwnedHandle instance = first ? std::move(first) : NewInstance(path, false);
+            base::OwnedHandle instance = first ? std::move(first) : NewInstance(path, false);
             if (!instance) return ready.empty() && listening.empty() ? Ready(LastError(), PipeSocket(io)) : void();
             const auto entry = listening.emplace(listening.end(), io);
-            entry->assign(instance.get());
-            instance.release();
+            entry->assign(instance.Handle());
+            instance.ReleaseHandle();
             Wait(entry);
         }
     }
@@ -193,14 +195,14 @@ struct PipeListener::State : std::enable_shared_from_this<PipeListener::State> {
         accepted = nullptr;
         ready.clear();
         listening.clear();
-        first.reset();
+        first.Close();
     }
 
     static constexpr std::size_t kListening = 4;
 
     asio::io_context& io;
     const fs::path path;
-    OwnedHandle first;
+    base::OwnedHandle first;
     Instances listening;
     std::deque<std::pair<std::error_code, PipeSocket>> ready;
     std::function<void(std::error_code, PipeSocket)> accepted;
