@@ -73,6 +73,14 @@ TEST_F(Resources, TheRowStartsWithItsUpdateButton) {
     }
 }
 
+TEST_F(Resources, AReaderFindsTheRowsProgressAndItsButtons) {
+    Load(kRow);
+    EXPECT_EQ(manager.FindControl(L"progressLayout")->GetRole(), ControlRole::kProgress);
+    for (const wchar_t* name : {L"updateBtn", L"stopBtn", L"pulldown"}) {
+        EXPECT_EQ(manager.FindControl(name)->GetRole(), ControlRole::kButton) << testing::PrintToString(name);
+    }
+}
+
 TEST_F(Resources, TheMeasuringTextHasTheButtonsFont) {
     Load(kRow);
     EXPECT_EQ(manager.FindControl(L"updateBtnText")->GetFont(), manager.FindControl(L"updateBtn")->GetFont());

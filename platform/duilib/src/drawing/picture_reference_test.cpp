@@ -5,6 +5,7 @@
 
 #include "drawing/picture_files.h"
 #include "duilib/paint_surface.h"
+#include "foundation/text_utf8.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {
@@ -121,8 +122,9 @@ protected:
     std::vector<std::wstring> MakePictures(CDuiSize size, std::uint32_t left, std::uint32_t right) {
         PaintSurface png(size);
         for (int i = 0; i < size.cx * size.cy; ++i) png.Pixels()[i] = i % size.cx < size.cx / 2 ? left : right;
-        png.SavePng(skin.Path() / "raster.png");
-        std::vector<std::wstring> names{L"raster.png"};
+        const std::string name = "of" + std::to_string(size.cx);  // each file is read once
+        png.SavePng(skin.Path() / (name + ".png"));
+        std::vector<std::wstring> names{FromUtf8(name + ".png")};
         if (!CanDrawSvg()) return names;
         std::ostringstream svg;
         svg << "<svg xmlns='http://www.w3.org/2000/svg' width='" << size.cx << "' height='" << size.cy << "'>";
@@ -133,8 +135,8 @@ protected:
                 << (color >> 24) / 255.0 << "'/>";
             x += size.cx / 2;
         }
-        skin.Write("drawing.svg", svg.str() + "</svg>");
-        names.push_back(L"drawing.svg");
+        skin.Write(name + "drawn.svg", svg.str() + "</svg>");
+        names.push_back(FromUtf8(name + "drawn.svg"));
         return names;
     }
 
@@ -150,23 +152,15 @@ protected:
     }
 };
 
-TEST_F(DrawnPictures, APictureIsDrawnInItsOwnProportionsInTheMiddle) {
-    for (const std::wstring& name : MakePictures({40, 20}, 0xFFFF0000, 0xFF0000FF)) {
-        const PaintSurface picture = Shown(L"file='" + name + L"'");
-        EXPECT_EQ(picture.Pixel(10, 5), 0xFFFFFFFFu);
-        EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
-        EXPECT_EQ(picture.Pixel(30, 20), 0xFF0000FFu);
-        EXPECT_EQ(picture.Pixel(10, 35), 0xFFFFFFFFu);
-    }
-}
-
-TEST_F(DrawnPictures, ALargePictureIsMadeSmaller) {
-    for (const std::wstring& name : MakePictures({160, 80}, 0xFFFF0000, 0xFF0000FF)) {
-        const PaintSurface picture = Shown(L"file='" + name + L"'");
-        EXPECT_EQ(picture.Pixel(10, 5), 0xFFFFFFFFu);
-        EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
-        EXPECT_EQ(picture.Pixel(30, 20), 0xFF0000FFu);
-        EXPECT_EQ(picture.Pixel(10, 35), 0xFFFFFFFFu);
+TEST_F(DrawnPictures, APictureIsDrawnInItsOwnProportionsInTheMiddleAndALargeOneSmaller) {
+    for (const CDuiSize size : {CDuiSize{40, 20}, CDuiSize{160, 80}}) {
+        for (const std::wstring& name : MakePictures(size, 0xFFFF0000, 0xFF0000FF)) {
+            const PaintSurface picture = Shown(L"file='" + name + L"'");
+            EXPECT_EQ(picture.Pixel(10, 5), 0xFFFFFFFFu);
+            EXPECT_EQ(picture.Pixel(10, 20), 0xFFFF0000u);
+            EXPECT_EQ(picture.Pixel(30, 20), 0xFF0000FFu);
+            EXPECT_EQ(picture.Pixel(10, 35), 0xFFFFFFFFu);
+        }
     }
 }
 
