@@ -98,7 +98,9 @@ TEST_F(MissingControls, TheFirstNameThatIsMissingEndsTheBindingAndLeavesEveryOth
             EXPECT_FALSE(left.HasAttribute(L"height")) << kBound[i];
         }
         const bool complete = missing > 5;  // the progress group behind "pulldown" may lack what it wants
-        if (missing > 0) EXPECT_EQ(Control(L"X1updateBtn").HasAttribute(L"width"), complete);
+        if (missing > 0) {
+            EXPECT_EQ(Control(L"X1updateBtn").HasAttribute(L"width"), complete);
+        }
         EXPECT_EQ(m_page.Find(L"X1devInfo") != nullptr, missing > 4) << "needs \"ver\"";
         EXPECT_EQ(Text(L"desName"), L"Drawing pen");
         EXPECT_EQ(Text(L"version"), L"App version 1.0.2");
