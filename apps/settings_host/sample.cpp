@@ -71,7 +71,7 @@ std::deque<std::string> EndOf(const fs::path& file, std::size_t most) {
 bool Holds(const fs::path& file, const std::string& text) {
     const auto lines = EndOf(file, kShownLines);
     return std::any_of(lines.begin(), lines.end(),
-                       [&](const std::string& line) { return line.find(text) != line.npos; });
+                       [&](const std::string& line) { return line.find(text) != std::string::npos; });
 }
 
 // A program that has just ended may hold files for a moment.
@@ -88,7 +88,7 @@ void Remove(const fs::path& folder) {
 
 // What is missing is told before there is a work folder.
 fs::path CheckedFolder(const CommandLine& commandLine) {
-    const fs::path folder = fs::absolute(commandLine.sample).lexically_normal();
+    fs::path folder = fs::absolute(commandLine.sample).lexically_normal();
     ExpectFile(folder / "catalogue.json");
     if (commandLine.companions.empty()) ExpectFile(folder / "companions.json");
     if (commandLine.tour) {

@@ -6,8 +6,6 @@
 #include <string>
 #include <variant>
 
-namespace settings_host {
-
 // A script drives the host: one command a line, words separated by blanks, "..." around words with blanks, # for
 // comments.
 //
@@ -33,7 +31,7 @@ namespace settings_host {
 //     running N                        so many updates run
 //     nothing-left                     the page said that no row is left
 //     connected, disconnected          the message pipe
-namespace script {
+namespace settings_host::script {
 
 struct Click {
     std::string control;
@@ -95,5 +93,4 @@ private:
     int m_line = 0;
 };
 
-}  // namespace script
-}  // namespace settings_host
+}  // namespace settings_host::script
