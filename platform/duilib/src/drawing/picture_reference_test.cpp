@@ -3,9 +3,9 @@
 #include <iomanip>
 #include <sstream>
 
+#include "base/text.h"
 #include "drawing/picture_files.h"
 #include "duilib/paint_surface.h"
-#include "foundation/text_utf8.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {
@@ -124,7 +124,7 @@ protected:
         for (int i = 0; i < size.cx * size.cy; ++i) png.Pixels()[i] = i % size.cx < size.cx / 2 ? left : right;
         const std::string name = "of" + std::to_string(size.cx);  // each file is read once
         png.SavePng(skin.Path() / (name + ".png"));
-        std::vector<std::wstring> names{FromUtf8(name + ".png")};
+        std::vector<std::wstring> names{base::WideFromUtf8(name + ".png")};
         if (!CanDrawSvg()) return names;
         std::ostringstream svg;
         svg << "<svg xmlns='http://www.w3.org/2000/svg' width='" << size.cx << "' height='" << size.cy << "'>";
@@ -136,7 +136,7 @@ protected:
             x += size.cx / 2;
         }
         skin.Write(name + "drawn.svg", svg.str() + "</svg>");
-        names.push_back(FromUtf8(name + "drawn.svg"));
+        names.push_back(base::WideFromUtf8(name + "drawn.svg"));
         return names;
     }
 
