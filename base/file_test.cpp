@@ -9,13 +9,13 @@
 
 #include "base/path.h"
 #include "base/reason.h"
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace base {
 namespace {
 
 using test_support::ReadFile;
-using test_support::TestFolder;
+using test_support::TemporaryFolder;
 using test_support::WriteFile;
 using testing::ElementsAre;
 
@@ -58,7 +58,7 @@ private:
 };
 
 TEST(File, GrowsAtItsEnd) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const char* text : {"abc", "def"}) {
         AppendFile file(folder / "file");
         file.Append(text);
@@ -72,7 +72,7 @@ TEST(File, GrowsAtItsEnd) {
 }
 
 TEST(File, GrowsAtItsEndWhoeverElseWritesThere) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     AppendFile one(folder / "file");
     AppendFile other(folder / "file");
     one.Append("a");
@@ -82,7 +82,7 @@ TEST(File, GrowsAtItsEndWhoeverElseWritesThere) {
 }
 
 TEST(File, ErrorsNameTheFile) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const auto missing = folder / "missing" / "file";
     try {
         AppendFile file(missing);
@@ -99,14 +99,14 @@ TEST(File, ErrorsNameTheFile) {
 }
 
 TEST(File, WhatTheSystemTakesInPiecesIsWrittenWhole) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     NarrowSystem system(100);
     AppendText(folder / "file", "in many pieces", system);
     EXPECT_EQ(ReadFile(folder / "file"), "in many pieces");
 }
 
 TEST(File, LinesOfSeveralThreadsStayWhole) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     {
         std::vector<std::jthread> threads;
         for (const char letter : {'a', 'b', 'c'}) {
@@ -122,7 +122,7 @@ TEST(File, LinesOfSeveralThreadsStayWhole) {
 }
 
 TEST(File, AReplacedOneHasTheNewContentAndNothingIsLeftBeside) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     WriteFile(folder / "file.new", "left by a crash, and longer");
     ReplaceContent(folder / "file", "one");
     EXPECT_EQ(ReadFile(folder / "file"), "one");
@@ -133,7 +133,7 @@ TEST(File, AReplacedOneHasTheNewContentAndNothingIsLeftBeside) {
 
 // Copied into the old file, the new content would show under the other name too, and half of it to who reads meanwhile.
 TEST(File, AReplacedOneIsAnotherFileAndTheOldOneKeepsItsContent) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     WriteFile(folder / "file", "the old content");
     std::filesystem::create_hard_link(folder / "file", folder / "other name");
     ReplaceContent(folder / "file", "new");
@@ -145,7 +145,7 @@ TEST(File, WhoReadsTheOldOneReadsItToItsEnd) {
 #ifdef _WIN32
     GTEST_SKIP() << "the standard library's files hold their names there";
 #endif
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const std::string old(100'000, 'o');  // more than a reader takes at once
     WriteFile(folder / "file", old);
     std::ifstream reader(folder / "file");
@@ -158,7 +158,7 @@ TEST(File, WhoReadsTheOldOneReadsItToItsEnd) {
 }
 
 TEST(File, AReplacedOneIsOnTheDiskBeforeItGetsTheName) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     WatchedSystem system;
     ReplaceContent(folder / "file", "four", system);
     EXPECT_THAT(system.m_calls, ElementsAre("sync file.new of 4", "rename file.new to file",
@@ -175,7 +175,7 @@ TEST(File, AFileWithoutAFolderInItsNameLiesInTheCurrentOne) {
 }
 
 TEST(File, AFullDiskLeavesTheOldContent) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     WriteFile(folder / "file", "old");
     NarrowSystem system(1);
     EXPECT_THROW(ReplaceContent(folder / "file", "longer", system), std::system_error);

@@ -5,7 +5,7 @@
 #include <system_error>
 
 #include "base/file_system.h"
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace base {
 namespace {
@@ -14,7 +14,7 @@ class Handle : public testing::Test {
 protected:
     OwnedHandle Open() { return TheFileSystem().OpenToAppend(m_folder / "file"); }
 
-    const test_support::TestFolder m_folder;
+    const test_support::TemporaryFolder m_folder;
 };
 
 #ifdef _WIN32

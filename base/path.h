@@ -15,4 +15,8 @@ std::filesystem::path PathFromUtf8(std::string_view text);
 // The folder that the running program lies in. Throws std::system_error when the system does not tell.
 std::filesystem::path ProgramFolder();
 
+// Makes a new, empty folder for this user only among the system's temporary files; its name begins with `prefix`.
+// Throws std::runtime_error, naming the folder and the reason.
+std::filesystem::path MakeTemporaryFolder(const std::string& prefix);
+
 }  // namespace base

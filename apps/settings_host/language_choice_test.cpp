@@ -5,7 +5,7 @@
 
 #include <fstream>
 
-#include "own_folder.h"
+#include "temporary_folder.h"
 
 namespace settings_host {
 namespace {
@@ -78,10 +78,9 @@ TEST(LanguageChoice, ThePseudoLanguageIsOnlyChosenWhenItIsNamed) {
 
 class AvailableLanguagesTest : public testing::Test {
 protected:
-    ~AvailableLanguagesTest() override { std::filesystem::remove_all(m_folder); }
     void Write(const char* name) { std::ofstream(m_folder / name) << "<Language/>"; }
 
-    const std::filesystem::path m_folder = test_support::MakeOwnFolder("languages");
+    const test_support::TemporaryFolder m_folder;
 };
 
 TEST_F(AvailableLanguagesTest, EveryLanguageFileIsALanguage) {

@@ -7,15 +7,15 @@
 #include <string>
 #include <thread>
 
-#include "app_system/arguments.h"
+#include "base/arguments.h"
 #include "base/reason.h"
+#include "base/stop_signal.h"
 #include "duilib/window.h"
 #include "host_program.h"
 #include "ipc_client/ipc_log.h"
 #include "libraries.h"
 #include "options.h"
 #include "sample.h"
-#include "stop_signal/stop_signal.h"
 #include "transcript.h"
 
 namespace {
@@ -67,14 +67,14 @@ int RunToTheEnd(CommandLine& commandLine) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    stop_signal::HoldStopSignals();
-    const app_system::Arguments arguments(argc, argv);
+    base::HoldStopSignals();
+    const base::Arguments arguments(argc, argv);
     int exitCode = 0;
     auto commandLine = ReadCommandLine(arguments.Count(), arguments.Values(), exitCode);
     if (!commandLine) return exitCode;
     std::thread([] {
         for (;;) {
-            stop_signal::WaitForStopSignal();
+            base::WaitForStopSignal();
             HostProgram::AskToStop();
         }
     }).detach();  // lives as long as the process

@@ -11,10 +11,10 @@
 #include <system_error>
 #include <thread>
 
+#include "base/environment.h"
 #include "base/path.h"
 #include "base/reason.h"
 #include "transcript.h"
-#include "work_folder.h"
 
 namespace settings_host {
 
@@ -102,13 +102,13 @@ fs::path CheckedFolder(const CommandLine& commandLine) {
 
 Sample::Sample(CommandLine& commandLine)
     : m_folder(CheckedFolder(commandLine)),
-      m_work(MakeWorkFolder()),
+      m_work(base::MakeTemporaryFolder("settings_host")),
       m_tour(commandLine.tour),
       m_pictures(commandLine.pictures) {
     const fs::path pipes = m_work / "pipe";
     fs::create_directory(pipes);
     fs::permissions(pipes, fs::perms::owner_all);
-    SetVariable("BRINDLE_PIPE_DIR", pipes);
+    base::SetVariable("BRINDLE_PIPE_DIR", Utf8FromPath(pipes));
 
     const auto fill = [](fs::path& choice, const fs::path& file) {
         if (choice.empty()) choice = file;

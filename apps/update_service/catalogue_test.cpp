@@ -4,12 +4,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace update_service {
 namespace {
 
-using test_support::TestFolder;
+using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 using Json = nlohmann::ordered_json;
@@ -57,7 +57,7 @@ protected:
     }
     std::filesystem::path File() const { return m_folder / "catalogue.json"; }
 
-    TestFolder m_folder;
+    TemporaryFolder m_folder;
 };
 
 TEST_F(CatalogueFile, EveryFieldIsRead) {

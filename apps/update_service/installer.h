@@ -19,7 +19,7 @@ enum class InstallerEnd { kSucceeded, kFailed, kAbandoned };
 
 struct InstallerResult {
     InstallerEnd end;
-    std::string reason;  // of a failure: "exit status 3", "signal 9", "cannot be started: ..."
+    std::string reason;  // of a failure: "exit status 3", "signal 9", "PROGRAM: cannot be started: ..."
 };
 
 // Runs the installer and waits for its end; exit status 0 is success. Its output goes to standard error, and it runs in

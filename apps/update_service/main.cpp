@@ -5,9 +5,10 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "app_system/arguments.h"
+#include "base/arguments.h"
 #include "base/path.h"
 #include "base/reason.h"
+#include "base/stop_signal.h"
 #include "base/text.h"
 #include "catalogue.h"
 #include "ipc_client/ipc_broker.h"
@@ -15,7 +16,6 @@
 #include "ipc_page_link.h"
 #include "log.h"
 #include "options.h"
-#include "stop_signal/stop_signal.h"
 #include "update_service.h"
 
 namespace update_service {
@@ -48,18 +48,18 @@ void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
     ReceiveRequests(client, service);
     LogToQxLogger(LOG_LEVEL_EVENT, "ready " + base::Utf8FromWide(IPC_PIPE_ASSISTANT));
 
-    LogToQxLogger(LOG_LEVEL_EVENT, std::string("stops: ") + stop_signal::WaitForStopSignal());
+    LogToQxLogger(LOG_LEVEL_EVENT, std::string("stops: ") + base::WaitForStopSignal());
     client.UnRegisterMessageCallbackAll();
     service.Stop();
 }
 
 int Main(int argc, const char* const* argv) {
-    stop_signal::HoldStopSignals();
-    const app_system::Arguments arguments(argc, argv);
+    base::HoldStopSignals();
+    const base::Arguments arguments(argc, argv);
     int exitCode = 0;
     const auto commandLine = ReadCommandLine(arguments.Count(), arguments.Values(), exitCode);
     if (!commandLine) return exitCode;
-    if (commandLine->endWithInput) stop_signal::StopWithInput();
+    if (commandLine->endWithInput) base::StopWithInput();
     try {
         const Catalogue catalogue = ReadCatalogue(commandLine->catalogue);
         CheckFailKeys(*commandLine, catalogue);

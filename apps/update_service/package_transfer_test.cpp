@@ -6,14 +6,14 @@
 #include <numeric>
 
 #include "sha256.h"
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace update_service {
 namespace {
 
 using test_support::Bytes;
 using test_support::ReadFile;
-using test_support::TestFolder;
+using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 using testing::ElementsAre;
@@ -55,7 +55,7 @@ protected:
     std::string Part() const { return ReadFile(m_transfer.files.part); }
     std::string Package() const { return ReadFile(m_transfer.files.package); }
 
-    TestFolder m_folder;
+    TemporaryFolder m_folder;
     Transfer m_transfer{m_folder / "source", WorkFilesOf(m_folder.Path(), "pen"), "", 0, {}};
     std::vector<int> m_progress;
     std::stop_source m_stop;

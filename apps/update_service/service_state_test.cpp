@@ -2,16 +2,16 @@
 
 #include <gmock/gmock.h>
 
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace update_service {
 namespace {
 
-using test_support::TestFolder;
+using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 TEST(ServiceState, SurvivesTheRoundTrip) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const ServiceState state = {
         {"a", {Phase::kDownloading, "1"}}, {"b", {Phase::kPaused, "2"}}, {"c", {Phase::kInstalling, "3"}},
         {"d", {Phase::kInstalled, "4"}},   {"e", {Phase::kFailed, "5"}}, {"\xC3\xA9\"", {Phase::kIdle, ""}},
@@ -23,12 +23,12 @@ TEST(ServiceState, SurvivesTheRoundTrip) {
 }
 
 TEST(ServiceState, IsEmptyWithoutAFile) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     EXPECT_EQ(ReadState(folder / "state.json"), ServiceState());
 }
 
 TEST(ServiceState, AFileThatCannotBeUnderstoodIsNamed) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const char* text :
          {"", "{", "[]", "{}", R"({"devices": {"a": {}}})", R"({"devices": {"a": {"phase": "odd", "sha256": ""}}})",
           R"({"devices": {"a": {"phase": 7, "sha256": ""}}})"}) {

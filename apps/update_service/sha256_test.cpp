@@ -2,12 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace update_service {
 namespace {
 
-using test_support::TestFolder;
+using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 TEST(Sha256, HasThePublishedValues) {
@@ -20,7 +20,7 @@ TEST(Sha256, HasThePublishedValues) {
         {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
         {std::string(1000000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
     };
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const Case& c : cases) {
         WriteFile(folder / "file", c.content);
         EXPECT_EQ(Sha256OfFile(folder / "file"), c.expected);
@@ -28,7 +28,7 @@ TEST(Sha256, HasThePublishedValues) {
 }
 
 TEST(Sha256, StopsWhenAskedTo) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     WriteFile(folder / "file", "abc");
     std::stop_source stop;
     stop.request_stop();
@@ -36,7 +36,7 @@ TEST(Sha256, StopsWhenAskedTo) {
 }
 
 TEST(Sha256, NamesAFileThatCannotBeRead) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const auto& path : {folder / "missing", folder.Path()}) {
         try {
             Sha256OfFile(path);

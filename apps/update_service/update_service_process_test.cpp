@@ -3,15 +3,21 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <thread>
 
 #include "base/path.h"
-#include "service_process.h"
 #include "sha256.h"
-#include "test_folder.h"
+#include "shell_commands.h"
+#include "temporary_folder.h"
 #include "test_pipe.h"
+#include "test_process.h"
+
+#if !defined(_WIN32)
+#include <signal.h>
+#endif
 
 namespace update_service {
 namespace {
@@ -20,17 +26,12 @@ namespace from_page = channel::from_page;
 namespace to_page = channel::to_page;
 using test_support::Bytes;
 using test_support::ReadFile;
-using test_support::TestFolder;
+using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
-#if defined(_WIN32)
-constexpr const char* kCopy = "copy \"%ACCESSORY_PACKAGE%\" \"%ACCESSORY_KEY%.installed\"";
-#else
-constexpr const char* kCopy = "cp \"$1\" \"$ACCESSORY_KEY.installed\"";
-#endif
 constexpr std::size_t kSize = 500 * 1000;  // [bytes] of a package
 
 class ServiceProcessTest : public testing::Test {
@@ -38,8 +39,8 @@ protected:
     // A service that still runs ends cleanly, which says also that no sanitizer has found anything in it.
     ~ServiceProcessTest() override {
         if (!m_process) return;
-        m_process->AskToEnd();
-        EXPECT_EQ(Wait(), 0) << Errors();
+        m_process->CloseInput();
+        EXPECT_EQ(m_process->WaitForEnd(), 0) << Errors();
     }
 
     void AddAccessory(const std::string& key) {
@@ -51,41 +52,36 @@ protected:
                              {"driver", true},
                              {"package", key + ".source"},
                              {"sha256", *Sha256OfFile(m_folder / (key + ".source"))},
-                             {"installer", kCopy}});
+                             {"installer", test_support::kCopyPackage}});
         WriteFile(m_folder / "catalogue.json", Json{{"accessories", m_entries}}.dump());
     }
 
-    // Starts the program; its standard error goes to the file "stderr".
+    // Starts the program, which ends with its input.
     void Start(std::vector<std::string> options = {}) {
-        options.insert(options.begin(), {"--catalogue", base::Utf8FromPath(m_folder / "catalogue.json"), "--work-dir",
-                                         base::Utf8FromPath(m_folder / "work")});
-        m_process = std::make_unique<ServiceProcess>(std::move(options), m_folder / "stderr");
+        options.insert(options.begin(),
+                       {"--end-with-input", "--catalogue", base::Utf8FromPath(m_folder / "catalogue.json"),
+                        "--work-dir", base::Utf8FromPath(m_folder / "work")});
+        m_process = std::make_unique<test_process::Process>(UPDATE_SERVICE_PROGRAM, options);
     }
 
-    // Waits for the process's end and returns its exit status.
-    int Wait() {
-        const int status = m_process->Wait();
-        m_process.reset();
-        return status;
-    }
-
-    std::string Errors() const { return ReadFile(m_folder / "stderr"); }
-
-    bool WaitForError(const std::string& text) const { return WaitForText("stderr", text); }
+    std::string Errors() const { return m_process->Errors().Text(); }
+    bool WaitForError(const std::string& text) const { return m_process->Errors().WaitFor(text); }
 
     // Waits until a file of the test's folder holds the text.
     bool WaitForText(const std::string& file, const std::string& text) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        const auto deadline = std::chrono::steady_clock::now() + test_process::kPatience;
         while (ReadFile(m_folder / file).find(text) == std::string::npos) {
             if (std::chrono::steady_clock::now() > deadline) return false;
-            std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
         return true;
     }
 
-    bool WaitForPercent(const std::string& key, int percent) {
+    // Waits for a percentage that is told after the first `seen` messages.
+    bool WaitForPercent(const std::string& key, int percent, std::size_t seen = 0) {
         return m_page.Wait([&](const auto& messages) {
-            const std::vector<int> told = Percentages(messages, key);
+            const std::vector<int> told =
+                Percentages({messages.begin() + static_cast<std::ptrdiff_t>(seen), messages.end()}, key);
             return !told.empty() && told.back() >= percent;
         });
     }
@@ -120,11 +116,11 @@ protected:
 
     bool IsInstalled(const std::string& key) const { return ReadFile(m_folder / (key + ".installed")) == Bytes(kSize); }
 
-    TestFolder m_folder;
+    TemporaryFolder m_folder;
     TestPipe m_pipe;
     PipePage m_page;
     Json m_entries = Json::array();
-    std::unique_ptr<ServiceProcess> m_process;
+    std::unique_ptr<test_process::Process> m_process;
 };
 
 TEST_F(ServiceProcessTest, APageThatWasThereFirstGetsItsListAndItsUpdate) {
@@ -145,7 +141,6 @@ TEST_F(ServiceProcessTest, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAga
     m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
     ASSERT_TRUE(WaitForPercent("pen", 10));
     m_process->Kill();
-    m_process.reset();
     const auto part = std::filesystem::file_size(m_folder / "work" / "pen.part");
     EXPECT_GE(part, kSize / 10);
     EXPECT_LT(part, kSize);
@@ -159,18 +154,34 @@ TEST_F(ServiceProcessTest, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAga
     EXPECT_THAT(Errors(), HasSubstr("pen: goes on: it was downloading"));
 }
 
+// Another way to ask in each round, in which the download has to go on first.
 TEST_F(ServiceProcessTest, EndsCleanlyHoweverItIsAskedTo) {
+    struct Way {
+        const char* logged;
+        std::function<void()> ask;
+    };
+    const Way ways[] = {
+        {"stops: end of input", [&] { m_process->CloseInput(); }},
+#if !defined(_WIN32)
+        {"stops: SIGTERM", [&] { m_process->AskToEnd(); }},
+        {"stops: SIGINT", [&] { kill(m_process->Id(), SIGINT); }},
+        {"stops: SIGHUP", [&] { kill(m_process->Id(), SIGHUP); }},
+#endif
+    };
     AddAccessory("pen");
-    const std::vector<std::string> ways = ServiceProcess::WaysToEnd();
-    for (std::size_t way = 0; way < ways.size(); ++way) {
+    std::uintmax_t fetched = 0;
+    for (const Way& way : ways) {
+        const std::size_t seen = m_page.Messages().size();
         Start({"--rate", "100000"});
-        m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
         ASSERT_TRUE(WaitForError("ready"));
-        ASSERT_TRUE(WaitForPercent("pen", 1));
-        m_process->AskToEnd(way);
-        EXPECT_EQ(Wait(), 0);
-        EXPECT_GT(std::filesystem::file_size(m_folder / "work" / "pen.part"), 0u);
-        EXPECT_THAT(Errors(), HasSubstr(ways[way]));
+        m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
+        ASSERT_TRUE(WaitForPercent("pen", 1, seen)) << way.logged;
+        way.ask();
+        EXPECT_EQ(m_process->WaitForEnd(), 0) << Errors();
+        EXPECT_THAT(Errors(), HasSubstr(way.logged));
+        const auto part = std::filesystem::file_size(m_folder / "work" / "pen.part");
+        EXPECT_GT(part, fetched);
+        fetched = part;
     }
 }
 
@@ -178,7 +189,7 @@ TEST_F(ServiceProcessTest, SaysWhenItIsReadyOnTheConsoleAndInTheLogFile) {
     AddAccessory("pen");
     Start({"--log-file", (m_folder / "service.log").string()});
     const std::string ready = "[4] [UpdateService]ready \\\\.\\Pipe\\iKorvelAssistant";
-    EXPECT_TRUE(WaitForText("stderr", ready));
+    EXPECT_TRUE(WaitForError(ready));
     EXPECT_TRUE(WaitForText("service.log", ready));
 }
 
@@ -196,13 +207,14 @@ TEST_F(ServiceProcessTest, ADownloadThatIsToFailDoesSoOnce) {
 TEST_F(ServiceProcessTest, ErrorsAtItsStartAreToldAndGiveExitCodeOne) {
     AddAccessory("pen");
     Start({"--fail", "pencil:30"});
-    EXPECT_EQ(Wait(), 1);
+    EXPECT_EQ(m_process->WaitForEnd(), 1);
     EXPECT_THAT(Errors(), HasSubstr("has no accessory \"pencil\""));
 
     WriteFile(m_folder / "catalogue.json", R"({"accessories": [{"deviceKey": 7}]})");
     Start();
-    EXPECT_EQ(Wait(), 1);
+    EXPECT_EQ(m_process->WaitForEnd(), 1);
     EXPECT_THAT(Errors(), HasSubstr("catalogue.json: accessories[0].deviceKey: must be a text"));
+    m_process.reset();
 }
 
 TEST_F(ServiceProcessTest, ASecondOneOnThePipeEndsAndLeavesTheFirstAlone) {
@@ -211,7 +223,7 @@ TEST_F(ServiceProcessTest, ASecondOneOnThePipeEndsAndLeavesTheFirstAlone) {
     ASSERT_TRUE(WaitForError("ready"));
     auto first = std::move(m_process);
     Start();
-    EXPECT_EQ(Wait(), 1);
+    EXPECT_EQ(m_process->WaitForEnd(), 1);
     m_process = std::move(first);
     m_page.Ready();
     EXPECT_THAT(ListedKeys(), testing::ElementsAre("pen"));

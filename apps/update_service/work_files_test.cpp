@@ -3,13 +3,13 @@
 #include <iterator>
 #include <set>
 
-#include "test_folder.h"
+#include "temporary_folder.h"
 
 namespace update_service {
 namespace {
 
 using test_support::ReadFile;
-using test_support::TestFolder;
+using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 TEST(WorkFiles, KeysBecomeSafeFileNames) {
@@ -37,7 +37,7 @@ TEST(WorkFiles, EveryByteHasANameOfItsOwn) {
 
 // On disk, where a system may take "Pen" and "pen" for one file, and "nul" for none.
 TEST(WorkFiles, KeysThatDifferHaveFilesThatDo) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const std::string keys[] = {"pen", "Pen", "PEN", "nul", "con.1", "com1", "lpt9"};
     for (const std::string& key : keys) WriteFile(WorkFilesOf(folder.Path(), key).part, key);
     for (const std::string& key : keys) EXPECT_EQ(ReadFile(WorkFilesOf(folder.Path(), key).part), key);
@@ -45,7 +45,7 @@ TEST(WorkFiles, KeysThatDifferHaveFilesThatDo) {
 }
 
 TEST(WorkFiles, RemovesWhatIsThere) {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const WorkFiles files = WorkFilesOf(folder.Path(), "pen");
     EXPECT_EQ(files.part.filename(), "pen.part");
     EXPECT_EQ(files.package.filename(), "pen.pkg");

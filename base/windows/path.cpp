@@ -2,8 +2,10 @@
 
 #include <windows.h>
 
+#include <stdexcept>
 #include <system_error>
 
+#include "base/reason.h"
 #include "base/text.h"
 
 namespace base {
@@ -20,6 +22,18 @@ std::filesystem::path ProgramFolder() {
         if (length == 0) throw std::system_error(static_cast<int>(GetLastError()), std::system_category());
         if (length < path.size()) return std::filesystem::path(path.substr(0, length)).parent_path();
         path.resize(path.size() * 2);
+    }
+}
+
+// The folder of the user's temporary files is closed to other users.
+std::filesystem::path MakeTemporaryFolder(const std::string& prefix) {
+    const std::filesystem::path all = std::filesystem::temp_directory_path();
+    for (unsigned number = GetTickCount();; ++number) {
+        const std::filesystem::path folder = all / PathFromUtf8(prefix + "_" + std::to_string(number));
+        if (CreateDirectoryW(folder.c_str(), nullptr)) return folder;
+        if (GetLastError() == ERROR_ALREADY_EXISTS) continue;
+        const std::string reason = LastReason();
+        throw std::runtime_error(Utf8FromPath(folder) + ": cannot be made: " + reason);
     }
 }
 

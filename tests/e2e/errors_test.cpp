@@ -123,7 +123,7 @@ TEST_F(ErrorsTest, ASignalWhileAScriptWaitsEndsTheHostWell) {
     WriteFile(script, "say waiting\nwait nothing-left within 600\n");
     test_process::Process host(SETTINGS_HOST_PROGRAM, {"--headless", "--script", script}, HostEnvironment());
     ASSERT_TRUE(host.Output().WaitFor("# waiting"));
-    host.Signal(SIGTERM);
+    host.AskToEnd();
     EXPECT_EQ(host.WaitForEnd(), 0) << host.Errors().Text();
     EXPECT_EQ(host.Output().Lines().back(), "stopped");
 }

@@ -109,13 +109,13 @@ void PageE2ETest::StartService(std::vector<std::string> options, std::filesystem
 }
 
 void PageE2ETest::KillService() {
-    m_service->Signal(SIGKILL);
+    m_service->Kill();
     EXPECT_EQ(m_service->WaitForEnd(), -SIGKILL);
     m_service.reset();
 }
 
 void PageE2ETest::StopService() {
-    m_service->Signal(SIGTERM);
+    m_service->AskToEnd();
     EXPECT_EQ(m_service->WaitForEnd(), 0) << ServiceLog();
     m_service.reset();
 }

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "test_folder.h"
+#include "temporary_folder.h"
 #include "test_process.h"
 
 // The accessory page from end to end: the built service and the built host, each in a process of its own, over a real
@@ -103,7 +103,7 @@ protected:
     static constexpr std::size_t kSize = 200 * 1000;       // [bytes] of a package
     static inline const std::string kSlowRate = "100000";  // [bytes/s] slow enough to be caught on the way
 
-    test_support::TestFolder m_folder;
+    test_support::TemporaryFolder m_folder;
     std::unique_ptr<test_process::Process> m_service;
 
 private:

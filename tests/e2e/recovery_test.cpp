@@ -73,7 +73,7 @@ TEST_F(RecoveryTest, AHostThatEndsWhileItsPageIsOpenLeavesTheServiceUndisturbed)
     for (int i = 0; i < 3; ++i) {
         const auto host = StartHost();
         ASSERT_TRUE(host->Play("wait shown penupdateBtn"));
-        host->Program().Signal(SIGKILL);
+        host->Program().Kill();
         EXPECT_EQ(host->Program().WaitForEnd(), -SIGKILL);
     }
     const auto host = StartHost();

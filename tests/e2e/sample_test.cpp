@@ -111,7 +111,7 @@ TEST_F(SampleTest, ATourThatIsStoppedFails) {
     MakeSample("true", "say waiting\nwait nothing-left within 600\n");
     const auto host = Start();
     ASSERT_TRUE(host->Output().WaitFor("# waiting"));
-    host->Signal(SIGTERM);
+    host->AskToEnd();
     EXPECT_EQ(host->WaitForEnd(), 1) << host->Output().Text();
     EXPECT_EQ(host->Output().Lines().back(), "stopped");
 }
@@ -132,7 +132,7 @@ TEST_F(SampleTest, TheServiceEndsWithAHostThatIsKilled) {
     ASSERT_TRUE(host->Output().WaitFor("# waiting"));
     ASSERT_THAT(WorkFolders(), testing::SizeIs(1));
     const fs::path log = fs::path(WorkFolders()[0]) / "service.log";
-    host->Signal(SIGKILL);
+    host->Kill();
     EXPECT_EQ(host->WaitForEnd(), -SIGKILL);
     const auto end = std::chrono::steady_clock::now() + test_process::kPatience;
     const std::string last = "[UpdateService]stops: end of input";

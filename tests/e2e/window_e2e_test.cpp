@@ -84,7 +84,7 @@ void Companion::Start() {
 }
 
 void Companion::Stop() {
-    m_process->Signal(SIGTERM);
+    m_process->AskToEnd();
     EXPECT_EQ(m_process->WaitForEnd(), -SIGTERM);
 }
 

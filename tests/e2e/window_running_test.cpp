@@ -151,7 +151,7 @@ TEST_F(CloseTest, CloseAnywayEndsTheHostWhileTheServiceGoesOn) {
 
 TEST_F(CloseTest, ASignalEndsTheHostAlsoWhileAnUpdateRuns) {
     OpenPageAndStartAnUpdate();
-    m_host->Program().Signal(SIGTERM);
+    m_host->Program().AskToEnd();
     ExpectEnd();
     EXPECT_THAT(m_host->Transcript(), HasSubstr("stopped\n"));
 }

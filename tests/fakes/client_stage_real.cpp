@@ -7,9 +7,10 @@
 #include <mutex>
 #include <set>
 
+#include "base/environment.h"
 #include "client_stage.h"
 #include "ipc_client/ipc_broker.h"
-#include "own_folder.h"
+#include "temporary_folder.h"
 
 namespace {
 constexpr wchar_t kPipe[] = L"\\\\.\\Pipe\\Stage";
@@ -20,14 +21,13 @@ constexpr int kSender = 0x7001;
 class ClientStage::System {
 public:
     System() {
-        test_support::SetVariable("BRINDLE_PIPE_DIR", m_folder.string().c_str());
+        base::SetVariable("BRINDLE_PIPE_DIR", base::Utf8FromPath(m_folder));
         m_broker.Start();
         m_sender = std::make_unique<IPCMessageClient>(kSender, false, false, kPipe);
     }
     ~System() {
         m_sender.reset();
         m_broker.Stop();
-        std::filesystem::remove_all(m_folder);
     }
 
     void Post(int endpointId, int msgId, std::string payload) {
@@ -56,7 +56,7 @@ public:
     }
 
 private:
-    const std::filesystem::path m_folder = test_support::MakeOwnFolder("client_stage");
+    const test_support::TemporaryFolder m_folder;
     IPCBroker m_broker{kPipe};
     std::unique_ptr<IPCMessageClient> m_sender;
     std::mutex m_mutex;

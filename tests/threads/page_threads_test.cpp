@@ -10,6 +10,7 @@
 #include <mutex>
 #include <thread>
 
+#include "base/environment.h"
 #include "channel_client.h"
 #include "duilib/render_engine.h"
 #include "fixed_cell_measurer.h"
@@ -22,8 +23,8 @@
 #include "kernel/ui_turn.h"
 #include "minimal_layouts.h"
 #include "module_loader/page_module.h"
-#include "own_folder.h"
 #include "qx_logger/qx_logger.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -37,11 +38,10 @@ constexpr std::uint32_t kHeightPause = 100, kEndPause = 2000;  // [ms] what the 
 // A pipe folder of one test. Clients of an earlier test's rows, which live on, go on looking at theirs.
 class PipeFolder {
 public:
-    PipeFolder() { test_support::SetVariable("BRINDLE_PIPE_DIR", m_folder.string().c_str()); }
-    ~PipeFolder() { std::filesystem::remove_all(m_folder); }
+    PipeFolder() { base::SetVariable("BRINDLE_PIPE_DIR", base::Utf8FromPath(m_folder)); }
 
 private:
-    const std::filesystem::path m_folder = test_support::MakeOwnFolder("page_threads");
+    const test_support::TemporaryFolder m_folder;
 };
 
 // An endpoint that keeps what it is sent: "MSG payload", ids in hex, zero bytes left out.

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "own_folder.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -16,10 +16,7 @@ using testing::HasSubstr;
 
 class Config : public testing::Test {
 protected:
-    ~Config() override {
-        Load(R"({"companions": {}})");
-        fs::remove_all(m_folder);
-    }
+    ~Config() override { Load(R"({"companions": {}})"); }
 
     void Load(const std::string& text) {
         std::ofstream(File()) << text;
@@ -37,7 +34,7 @@ protected:
 
     fs::path File() const { return m_folder / "companions.json"; }
 
-    const fs::path m_folder = test_support::MakeOwnFolder("companions");
+    const test_support::TemporaryFolder m_folder;
 };
 
 TEST_F(Config, KnowsWhichAccessoriesHaveACompanion) {

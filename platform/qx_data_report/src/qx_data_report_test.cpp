@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "kernel/code_pages.h"
-#include "own_folder.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -34,7 +34,6 @@ protected:
     ~Report() override {
         QxDataReport::Instance()->SetFile({});
         kernel::SetAnsiCodePage(kernel::kCodePageUtf8);
-        std::filesystem::remove_all(m_folder);
     }
 
     std::filesystem::path File() const { return m_folder / "events.jsonl"; }
@@ -46,7 +45,7 @@ protected:
         return lines;
     }
 
-    const std::filesystem::path m_folder = test_support::MakeOwnFolder("qx_report");
+    const test_support::TemporaryFolder m_folder;
 };
 
 TEST_F(Report, AnEventIsAppendedAsOneLine) {
@@ -112,7 +111,7 @@ TEST_F(Report, FieldsAreReadInTheAnsiCodePage) {
 TEST_F(Report, WithoutAFileEventsAreAcceptedAndDropped) {
     QxDataReport::Instance()->SetFile({});
     EXPECT_EQ(QxDataReport::Instance()->SendMsg(QxDataEvent("1", REPORT_PLATFORM_DEFAULT)), 0);
-    EXPECT_TRUE(std::filesystem::is_empty(m_folder));
+    EXPECT_TRUE(std::filesystem::is_empty(m_folder.Path()));
 }
 
 TEST_F(Report, ALineThatCannotBeWrittenIsAnError) {
@@ -149,7 +148,7 @@ TEST_F(Report, InitChoosesApplicationAndFolder) {
     if (!ChooseAnsiPage(1252)) GTEST_SKIP() << "this system has another page";
     const auto folder = m_folder / u8"caf\u00E9";
     std::filesystem::create_directory(folder);
-    QxDataReport::Instance()->Init(7, m_folder.string() + "/caf\xE9");
+    QxDataReport::Instance()->Init(7, m_folder.Path().string() + "/caf\xE9");
     EXPECT_EQ(QxDataReport::Instance()->SendMsg(QxDataEvent("1", REPORT_PLATFORM_DEFAULT)), 0);
     std::ifstream file(folder / "events.jsonl");
     EXPECT_EQ(Json::parse(file)["application"], 7);

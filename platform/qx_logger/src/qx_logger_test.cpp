@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/path.h"
-#include "own_folder.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -23,10 +23,7 @@ MATCHER_P(MatchesWholly, expression, "") { return std::regex_match(arg, std::reg
 
 class Logger : public testing::Test {
 protected:
-    ~Logger() override {
-        QxLogger::GetInstance()->Open({});
-        std::filesystem::remove_all(m_folder);
-    }
+    ~Logger() override { QxLogger::GetInstance()->Open({}); }
 
     void OpenFile() { QxLogger::GetInstance()->Open({.file = File(), .console = false}); }
     std::filesystem::path File() const { return m_folder / "page.log"; }
@@ -45,7 +42,7 @@ protected:
         return lines;
     }
 
-    const std::filesystem::path m_folder = test_support::MakeOwnFolder("qx_logger");
+    const test_support::TemporaryFolder m_folder;
 };
 
 TEST_F(Logger, ALineHasTheTimeAndTheLevelNumberBesideTheText) {
@@ -130,7 +127,7 @@ TEST_F(Logger, AFileThatReachesItsSizeIsRotatedAndOldOnesAreDropped) {
     EXPECT_THAT(Lines().back(), HasSubstr("line 19-"));
     EXPECT_LE(std::filesystem::file_size(File()), 200u);
     std::size_t files = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_folder)) ++files;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(m_folder.Path())) ++files;
     EXPECT_EQ(files, 3u);
 }
 

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <thread>
 
+#include "base/environment.h"
 #include "ipc_client/ipc_log.h"
-#include "own_folder.h"
 #include "pipe/pipe_path.h"
 #include "wire/frame.h"
 
@@ -41,8 +41,8 @@ TimeLimit::~TimeLimit() {
     m_thread.join();
 }
 
-PipeTest::PipeTest() : m_folder(test_support::MakeOwnFolder("ipc_test")) {
-    test_support::SetVariable("BRINDLE_PIPE_DIR", m_folder.string().c_str());
+PipeTest::PipeTest() {
+    base::SetVariable("BRINDLE_PIPE_DIR", base::Utf8FromPath(m_folder));
     SetIpcLogSink([this](int, const std::string& line) {
         const std::lock_guard lock(m_mutex);
         m_lines.push_back(line);
@@ -52,8 +52,7 @@ PipeTest::PipeTest() : m_folder(test_support::MakeOwnFolder("ipc_test")) {
 
 PipeTest::~PipeTest() {
     SetIpcLogSink(nullptr);
-    test_support::SetVariable("BRINDLE_PIPE_DIR", nullptr);
-    std::filesystem::remove_all(m_folder);
+    base::SetVariable("BRINDLE_PIPE_DIR", std::nullopt);
 }
 
 std::filesystem::path PipeTest::SocketPath() const { return ipc_client::PipePath(kPipe); }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "ipc_client/ipc_message_client.h"
+#include "temporary_folder.h"
 
 // What the tests of the message pipe share.
 namespace ipc_test {
@@ -55,7 +56,7 @@ protected:
 
 private:
     TimeLimit m_limit;
-    std::filesystem::path m_folder;
+    test_support::TemporaryFolder m_folder;
     std::mutex m_mutex;
     std::condition_variable m_lineCame;
     std::vector<std::string> m_lines;

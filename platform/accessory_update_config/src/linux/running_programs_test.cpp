@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "accessory_update_config/accessory_update_config.h"
-#include "own_folder.h"
+#include "temporary_folder.h"
 
 extern char** environ;
 
@@ -61,10 +61,7 @@ bool IsSeenRunning(const std::wstring& deviceKey) {
 
 class Companion : public testing::Test {
 protected:
-    ~Companion() override {
-        Load(R"({"companions": {}})");
-        fs::remove_all(m_folder);
-    }
+    ~Companion() override { Load(R"({"companions": {}})"); }
 
     void Load(const std::string& text) {
         std::ofstream(m_folder / "companions.json") << text;
@@ -78,9 +75,9 @@ protected:
     }
 
     // Names that nothing else on this machine has.
-    std::string Unique(const std::string& suffix) const { return m_folder.filename().string() + suffix; }
+    std::string Unique(const std::string& suffix) const { return m_folder.Path().filename().string() + suffix; }
 
-    const fs::path m_folder = test_support::MakeOwnFolder("companions");
+    const test_support::TemporaryFolder m_folder{"companions"};
 };
 
 TEST_F(Companion, ACompanionRunsFromItsStartToItsEnd) {

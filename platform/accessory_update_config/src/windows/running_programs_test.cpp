@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "accessory_update_config/accessory_update_config.h"
-#include "own_folder.h"
+#include "temporary_folder.h"
 
 namespace {
 
@@ -54,10 +54,7 @@ TEST(StandIn, DISABLED_Waits) { ::Sleep(60'000); }
 
 class Companion : public testing::Test {
 protected:
-    ~Companion() override {
-        Load("unset");
-        fs::remove_all(m_folder);
-    }
+    ~Companion() override { Load("unset"); }
 
     void Load(const std::string& program) {
         std::ofstream(m_folder / "companions.json")
@@ -68,9 +65,9 @@ protected:
     static bool Runs() { return AccessoryUpdateConfig::IsAccessoryAppRunning(L"pen"); }
 
     // Names that nothing else on this machine has.
-    std::string Unique(const std::string& suffix) const { return m_folder.filename().string() + suffix; }
+    std::string Unique(const std::string& suffix) const { return m_folder.Path().filename().string() + suffix; }
 
-    const fs::path m_folder = test_support::MakeOwnFolder("companions");
+    const test_support::TemporaryFolder m_folder{"companions"};
 };
 
 TEST_F(Companion, RunsFromItsStartToItsEnd) {

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "pipe_folder.h"
+#include "temporary_folder.h"
 
 namespace ipc_client {
 namespace {
@@ -36,24 +37,18 @@ private:
 
 class PipePathTest : public ::testing::Test {
 protected:
-    PipePathTest() {
-        char name[] = "/tmp/pipe_path_test_XXXXXX";
-        m_folder = mkdtemp(name);
-    }
-    ~PipePathTest() override { fs::remove_all(m_folder); }
-
-    fs::path m_folder;
+    const test_support::TemporaryFolder m_folder;
 };
 
 TEST_F(PipePathTest, TheNamedFolderComesFirst) {
     const Variable chosen("BRINDLE_PIPE_DIR", "/some/folder");
-    const Variable runtime("XDG_RUNTIME_DIR", m_folder.c_str());
+    const Variable runtime("XDG_RUNTIME_DIR", m_folder.Path().c_str());
     EXPECT_EQ(PipePath(L"\\\\.\\Pipe\\iKorvelAssistant"), "/some/folder/iKorvelAssistant.sock");
 }
 
 TEST_F(PipePathTest, TheRuntimeFolderComesSecond) {
     const Variable chosen("BRINDLE_PIPE_DIR", nullptr);
-    const Variable runtime("XDG_RUNTIME_DIR", m_folder.c_str());
+    const Variable runtime("XDG_RUNTIME_DIR", m_folder.Path().c_str());
     EXPECT_EQ(PipePath(L"\\\\.\\Pipe\\P"), m_folder / "brindle" / "P.sock");
 }
 
@@ -94,16 +89,16 @@ TEST_F(PipePathTest, AMissingFolderIsMadeForThisUserAlone) {
 
 TEST_F(PipePathTest, AFolderOpenToOthersIsRefused) {
     for (const mode_t mode : {0777, 0710, 0704, 01777}) {
-        chmod(m_folder.c_str(), mode);
-        EXPECT_THAT(
-            [&] { PreparePipeFolder(m_folder); },
-            ThrowsMessage<std::runtime_error>(AllOf(HasSubstr(m_folder.string()), HasSubstr("open to other users"))));
+        chmod(m_folder.Path().c_str(), mode);
+        EXPECT_THAT([&] { PreparePipeFolder(m_folder); },
+                    ThrowsMessage<std::runtime_error>(
+                        AllOf(HasSubstr(m_folder.Path().string()), HasSubstr("open to other users"))));
     }
 }
 
 TEST_F(PipePathTest, AFolderOfAnotherUserIsRefused) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
-    ASSERT_EQ(chown(m_folder.c_str(), 12345, 12345), 0);
+    ASSERT_EQ(chown(m_folder.Path().c_str(), 12345, 12345), 0);
     EXPECT_THAT([&] { PreparePipeFolder(m_folder); },
                 ThrowsMessage<std::runtime_error>(HasSubstr("belongs to another user")));
 }

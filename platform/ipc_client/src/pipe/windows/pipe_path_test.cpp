@@ -2,17 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "own_folder.h"
+#include "base/environment.h"
 
 namespace ipc_client {
 namespace {
 
-using test_support::SetVariable;
+using base::SetVariable;
 
 class PipePathTest : public ::testing::Test {
 protected:
-    PipePathTest() { SetVariable("BRINDLE_PIPE_DIR", nullptr); }
-    ~PipePathTest() override { SetVariable("BRINDLE_PIPE_DIR", nullptr); }
+    PipePathTest() { SetVariable("BRINDLE_PIPE_DIR", std::nullopt); }
+    ~PipePathTest() override { SetVariable("BRINDLE_PIPE_DIR", std::nullopt); }
 };
 
 TEST_F(PipePathTest, WithoutAChosenFolderThePipeHasItsOwnName) {

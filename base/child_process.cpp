@@ -1,0 +1,217 @@
+#include "base/child_process.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+#include "base/child_system.h"
+#include "base/environment.h"
+#include "base/path.h"
+
+namespace base {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Kind = ChildStream::Kind;
+using child_system::File;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLongestPause{20};  // between two looks for a child's end
+
+std::vector<std::string> EnvironmentWith(const std::vector<std::pair<std::string, std::string>>& added) {
+    std::map<std::string, std::string, decltype(&ComesBefore)> variables(ComesBefore);
+    for (const std::string& variable : OwnEnvironment()) {
+        const std::size_t end = std::min(variable.find('=', 1), variable.size());  // Windows has names such as "=C:"
+        variables[variable.substr(0, end)] = variable.substr(end);
+    }
+    for (const auto& [name, value] : added) variables[name] = "=" + value;
+    std::vector<std::string> all;
+    for (const auto& [name, value] : variables) all.push_back(name + value);
+    return all;
+}
+
+// The child's end of a stream; ours, of a pipe, goes to `ours`.
+File OpenStream(const ChildStream& stream, std::size_t number, File& ours) {
+    switch (stream.kind) {
+        case Kind::kNothing:
+            return child_system::OpenNothing();
+        case Kind::kInherited:
+            return child_system::CopyOfOwn(number);
+        case Kind::kAsErrors:
+            throw std::logic_error("only the output can go where the errors go");
+        case Kind::kNewFile:
+            try {
+                return child_system::CreateNewFile(stream.file);
+            } catch (const std::runtime_error& error) {
+                throw std::runtime_error(Utf8FromPath(stream.file) + ": cannot be written: " + error.what());
+            }
+        case Kind::kPipe:
+            break;
+    }
+    child_system::Pipe pipe = number == 0 ? child_system::MakeInputPipe() : child_system::MakeOutputPipe();
+    ours = std::move(pipe.ours);
+    return std::move(pipe.theirs);
+}
+
+}  // namespace
+
+std::string Description(const ChildEnd& end) {
+    if (end.signal != 0) return "signal " + std::to_string(end.signal);
+    if (end.code < 0xC0000000) return "exit status " + std::to_string(end.code);
+    static constexpr char kDigits[] = "0123456789ABCDEF";  // exceptions are known by these
+    std::string text = "exception 0x";
+    for (int shift = 28; shift >= 0; shift -= 4) text += kDigits[(end.code >> shift) & 15];
+    return text;
+}
+
+// ---- Output
+
+struct ChildOutput::State {
+    explicit State(File ours) : file(std::move(ours)), reader([this] { ReadAll(); }) {}
+    ~State() {
+        stop = true;
+        reader.join();
+    }
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    void ReadAll() {
+        std::array<char, 4096> bytes;
+        while (!ended) {
+            const std::size_t size = child_system::Read(file, bytes.data(), bytes.size(), stop);
+            const std::lock_guard guard(mutex);
+            text.append(bytes.data(), size);
+            ended = size == 0;
+            changed.notify_all();
+        }
+    }
+
+    const File file;
+    std::atomic<bool> stop = false;
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::string text;
+    bool ended = false;  // written by the reader only
+    std::thread reader;  // last: it uses the rest
+};
+
+ChildOutput::ChildOutput(std::unique_ptr<State> state) : m_state(std::move(state)) {}
+
+ChildOutput::~ChildOutput() = default;
+
+bool ChildOutput::WaitForLine(std::string_view wanted, milliseconds limit) const {
+    std::unique_lock lock(m_state->mutex);
+    const std::string& text = m_state->text;
+    std::size_t lookFrom = 0;
+    bool found = false;
+    m_state->changed.wait_for(lock, limit, [&] {
+        const std::size_t at = text.find(wanted, lookFrom);
+        found = at != text.npos && text.find('\n', at + wanted.size()) != text.npos;
+        if (at == text.npos && text.size() > wanted.size()) lookFrom = text.size() - wanted.size();
+        return found || m_state->ended;
+    });
+    return found;
+}
+
+bool ChildOutput::WaitForEnd(milliseconds limit) const {
+    std::unique_lock lock(m_state->mutex);
+    return m_state->changed.wait_for(lock, limit, [this] { return m_state->ended; });
+}
+
+std::string ChildOutput::Text() const {
+    const std::lock_guard guard(m_state->mutex);
+    return m_state->text;
+}
+
+std::vector<std::string> ChildOutput::Lines() const {
+    std::vector<std::string> lines;
+    std::istringstream text(Text());
+    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    return lines;
+}
+
+// ---- Process
+
+struct ChildProcess::State {
+    child_system::Started child;
+    File input;
+    std::unique_ptr<ChildOutput> output;
+    std::unique_ptr<ChildOutput> errors;
+    std::optional<ChildEnd> end;
+};
+
+ChildProcess::ChildProcess(const ChildSettings& settings) : m_state(std::make_unique<State>()) {
+    File output;
+    File errors;
+    std::array<File, 3> streams;
+    streams[0] = OpenStream(settings.input, 0, m_state->input);
+    if (settings.output.kind != Kind::kAsErrors) streams[1] = OpenStream(settings.output, 1, output);
+    streams[2] = OpenStream(settings.errors, 2, errors);
+    try {
+        m_state->child = child_system::Start(settings, EnvironmentWith(settings.environment), streams);
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(settings.command.at(0) + ": cannot be started: " + error.what());
+    }
+    streams = {};
+    const auto collect = [](File& file) {
+        return file ? std::unique_ptr<ChildOutput>(
+                          new ChildOutput(std::make_unique<ChildOutput::State>(std::move(file))))
+                    : nullptr;
+    };
+    m_state->output = collect(output);
+    m_state->errors = collect(errors);
+}
+
+ChildProcess::~ChildProcess() = default;
+ChildProcess::ChildProcess(ChildProcess&&) noexcept = default;
+ChildProcess& ChildProcess::operator=(ChildProcess&&) noexcept = default;
+
+int ChildProcess::Id() const { return m_state->child.id; }
+
+bool ChildProcess::IsRunning() { return !WaitForEnd(milliseconds(0)); }
+
+// Looks seldom at one that takes long.
+std::optional<ChildEnd> ChildProcess::WaitForEnd(milliseconds limit, const std::stop_token& stop) {
+    const auto begin = Clock::now();
+    milliseconds pause(0);
+    while (!m_state->end) {
+        m_state->end = child_system::WaitForEnd(m_state->child, pause);
+        const auto waited = std::chrono::floor<milliseconds>(Clock::now() - begin);
+        if (waited >= limit || stop.stop_requested()) break;
+        pause = std::min({std::max(pause * 2, milliseconds(1)), kLongestPause, limit - waited});
+    }
+    return m_state->end;
+}
+
+ChildEnd ChildProcess::WaitForEnd() { return *WaitForEnd(milliseconds::max()); }
+
+void ChildProcess::Write(std::string_view text) {
+    while (!text.empty() && m_state->input) {
+        const std::size_t written = child_system::Write(m_state->input, text);
+        if (written == 0) return;
+        text.remove_prefix(written);
+    }
+}
+
+void ChildProcess::CloseInput() { m_state->input.Close(); }
+
+const ChildOutput& ChildProcess::Output() const { return *m_state->output; }
+const ChildOutput& ChildProcess::Errors() const { return *m_state->errors; }
+
+void ChildProcess::AskToEnd() {
+    if (!m_state->end && !child_system::AskToEnd(m_state->child)) CloseInput();
+}
+
+ChildEnd ChildProcess::Kill() {
+    if (!m_state->end) child_system::Kill(m_state->child);
+    return WaitForEnd();
+}
+
+}  // namespace base

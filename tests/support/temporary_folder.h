@@ -1,0 +1,59 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include "base/path.h"
+
+namespace test_support {
+
+// A new, empty folder for one test, for this user only, removed at its end.
+class TemporaryFolder {
+public:
+    explicit TemporaryFolder(const std::string& prefix = "accessory_test")
+        : m_path(std::filesystem::canonical(base::MakeTemporaryFolder(prefix))) {}
+    ~TemporaryFolder() {
+        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        std::error_code error;
+        // On Windows the folder of a program that is just ending cannot be removed.
+        for (std::filesystem::remove_all(m_path, error); error && std::chrono::steady_clock::now() < patience;
+             std::filesystem::remove_all(m_path, error)) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+        EXPECT_FALSE(error) << error.message();
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return m_path; }
+    operator const std::filesystem::path&() const { return m_path; }
+    std::filesystem::path operator/(const std::filesystem::path& name) const { return m_path / name; }
+
+private:
+    const std::filesystem::path m_path;
+};
+
+inline void WriteFile(const std::filesystem::path& file, const std::string& content) {
+    std::ofstream(file, std::ios::binary) << content;
+}
+
+inline std::string ReadFile(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+// Bytes that do not repeat with any power of two.
+inline std::string Bytes(std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * i % 251);
+    return bytes;
+}
+
+}  // namespace test_support
