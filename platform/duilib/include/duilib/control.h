@@ -122,7 +122,7 @@ public:
 
 protected:
     // ---- What a class of controls tells the layout. All [device px], the space around the control excluded. They are
-    // asked for visible controls alone, and their answers are kept until NeedLayout.
+    // asked only for visible controls, and their answers are kept until NeedLayout.
     virtual int ContentWidth();                       // with nothing broken; 0 here
     virtual int ContentHeight(int width);             // at that width; 0 here
     virtual bool ContentIsFlexible(LayoutAxis axis);  // takes what others leave; true here, where there is no content

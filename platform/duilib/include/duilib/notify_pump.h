@@ -16,7 +16,7 @@ class CNotifyPump;
 inline constexpr const wchar_t* kNotifyClick = L"click";
 inline constexpr const wchar_t* kNotifyCancel = L"cancel";  // Escape, to the control that holds the input
 
-// One notification: something happened to a control. Lives during the call alone.
+// One notification: something happened to a control. Lives only during the call.
 struct TNotifyUI {
     CDuiString type;               // for example "click"
     CControlUI* sender = nullptr;  // may be null

@@ -91,7 +91,7 @@ public:
     CControlUI* GetFocus() const;        // null when nothing has it, or when what had it is gone
     void SetFocus(CControlUI* control);  // as the keyboard would; null takes it away
 
-    // While this control is shown, input goes to it and what lies in it alone; null ends that.
+    // While this control is shown, input goes only to it and what lies in it; null ends that.
     void SetModal(CControlUI* control);
 
     // Scrolls so that the control is seen.

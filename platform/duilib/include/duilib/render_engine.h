@@ -18,7 +18,7 @@ inline constexpr unsigned kTextVCenter = 0x4;
 inline constexpr unsigned kTextBottom = 0x8;
 inline constexpr unsigned kTextWordBreak = 0x10;
 inline constexpr unsigned kTextSingleLine = 0x20;
-inline constexpr unsigned kTextCalcRect = 0x400;  // measure alone, nothing is painted
+inline constexpr unsigned kTextCalcRect = 0x400;  // measure only, nothing is painted
 inline constexpr unsigned kTextEndEllipsis = 0x8000;
 
 // What measures text. One is in use at a time, by default the system's (Pango or GDI+).

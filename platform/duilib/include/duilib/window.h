@@ -21,8 +21,9 @@ struct WindowOptions {
     std::optional<unsigned> scale;  // [percent] nothing: the display's, also when the window moves to another one
 };
 
-// A window of the desktop that shows a paint manager's tree and hands it the input. It works when something happened
-// alone: between input and changes nothing runs. The thread that made it is the UI thread, which does all the rest.
+// A window of the desktop that shows a paint manager's tree and hands it the input. It works only
+// when something happened: between input and changes nothing runs. The thread that made it is the UI thread, which does
+// all the rest.
 class DUILIB_API CWindowWnd {
 public:
     // Whether there is a desktop to open a window on; if not, says why.

@@ -1,5 +1,5 @@
 // How one control takes part in the layout. A control's sizes are kept until NeedLayout, which marks the control and
-// what lies around it up to the root; Arrange then enters marked or resized subtrees alone.
+// what lies around it up to the root; Arrange then enters marked or resized subtrees only.
 #include <algorithm>
 
 #include "duilib/container.h"

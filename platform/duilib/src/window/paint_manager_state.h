@@ -31,7 +31,7 @@ struct CPaintManagerUI::State final : TreeWindow {
     CControlUI* hovered = nullptr;
     CControlUI* pressed = nullptr;
     CControlUI* focused = nullptr;
-    CControlUI* modal = nullptr;          // input goes to it and what lies in it alone
+    CControlUI* modal = nullptr;          // input goes to it and what lies in it only
     CControlUI* focusedBefore = nullptr;  // what gets the focus back after that
     CControlUI* dragged = nullptr;        // follows the pointer
     std::vector<CControlUI*> moving;      // their content does

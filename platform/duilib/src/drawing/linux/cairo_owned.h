@@ -22,7 +22,7 @@ inline CairoSurface CairoView(PaintSurface& surface) {
                                                             surface.BytesPerRow()));
 }
 
-// ... to read from alone.
+// ... only to read from.
 inline CairoSurface CairoView(const PaintSurface& surface) { return CairoView(const_cast<PaintSurface&>(surface)); }
 
 }  // namespace DuiLib

@@ -65,7 +65,7 @@ bool HasLetters(const std::wstring& family, std::wstring_view text) {
 
 namespace {
 
-// Of the system, and of systems that have free fonts alone: Chinese, Japanese, Korean, Arabic, and much of the rest.
+// Of the system, and of systems that have only free fonts: Chinese, Japanese, Korean, Arabic, and much of the rest.
 constexpr const wchar_t* kFallbackFamilies[] = {
     L"Microsoft YaHei UI", L"Yu Gothic UI",     L"Malgun Gothic", L"Segoe UI",
     L"Noto Sans CJK SC",   L"Noto Sans Arabic", L"Arial"};
