@@ -70,7 +70,7 @@ private:
             if (!container->Add(child.get())) {
                 throw XmlError(At(childElement.line) + "<" + element.name + "> refuses <" + childElement.name + ">");
             }
-            child.release();
+            static_cast<void>(child.release());  // the container has it now
         }
     }
 
