@@ -1,10 +1,9 @@
 #include "page_waits.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 
+#include "base/mutex.h"
 #include "kernel/sleep.h"
 
 namespace settings_host {
@@ -16,24 +15,25 @@ using std::chrono::steady_clock;
 class PageWaits {
 public:
     void SetPercent(unsigned percent) {
-        const std::lock_guard lock(m_mutex);
+        const base::MutexLock lock(m_mutex);
         m_percent = percent;
-        m_changed.notify_all();
+        m_changed.NotifyAll();
     }
 
     void Wait(std::uint32_t milliseconds) {
         const steady_clock::time_point begin = steady_clock::now();
-        std::unique_lock lock(m_mutex);
-        const auto end = [&] {
-            return begin + std::chrono::microseconds(std::uint64_t{10} * m_percent * milliseconds);
-        };
-        while (steady_clock::now() < end()) m_changed.wait_until(lock, end());
+        const base::MutexLock lock(m_mutex);
+        for (;;) {
+            const auto end = begin + std::chrono::microseconds(std::uint64_t{10} * m_percent * milliseconds);
+            if (steady_clock::now() >= end) return;
+            m_changed.WaitUntil(m_mutex, end);
+        }
     }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    unsigned m_percent = 100;
+    base::Mutex m_mutex;
+    base::Condition m_changed;
+    unsigned m_percent GUARDED_BY(m_mutex) = 100;
 };
 
 // Never destroyed: page code may wait while the process exits.

@@ -34,7 +34,7 @@ Connection::~Connection() {
 }
 
 bool Connection::IsOpen() const {
-    const std::lock_guard lock(m_stateMutex);
+    const base::MutexLock lock(m_stateMutex);
     return m_phase == Phase::kOpen;
 }
 
@@ -42,7 +42,7 @@ bool Connection::Post(const TagIPCMessageItem& item) {
     if (!IsPostable(item)) return false;
     std::string frame;
     AppendMessage(frame, item);
-    const std::lock_guard lock(m_stateMutex);
+    const base::MutexLock lock(m_stateMutex);
     const std::size_t waiting = m_open ? m_open->Backlog() : m_unsent.size();
     if (waiting + frame.size() > kMaxUnsentBytes) return false;
     if (!m_open) {
@@ -55,7 +55,7 @@ bool Connection::Post(const TagIPCMessageItem& item) {
 }
 
 void Connection::AddReceiver(Receiver& receiver, int msgId) {
-    const std::lock_guard lock(m_routesMutex);
+    const base::MutexLock lock(m_routesMutex);
     const Route route{receiver.endpointId(), msgId};
     std::vector<Receiver*>& receivers = m_receivers[route];
     if (std::find(receivers.begin(), receivers.end(), &receiver) != receivers.end()) return;
@@ -64,7 +64,7 @@ void Connection::AddReceiver(Receiver& receiver, int msgId) {
 }
 
 void Connection::RemoveReceiver(Receiver& receiver, const std::vector<int>& msgIds) {
-    const std::lock_guard lock(m_routesMutex);
+    const base::MutexLock lock(m_routesMutex);
     std::vector<Route> withdrawn;
     for (const int msgId : msgIds) {
         const auto entry = m_receivers.find({receiver.endpointId(), msgId});
@@ -82,7 +82,7 @@ void Connection::SendRoutes(FrameType type, const std::vector<Route>& routes) {
     if (routes.empty()) return;
     std::string frame;
     AppendRoutes(frame, type, routes);
-    const std::lock_guard lock(m_stateMutex);
+    const base::MutexLock lock(m_stateMutex);
     if (!m_open) return;
     m_open->Append(frame);
     m_open->Flush();
@@ -100,10 +100,10 @@ void Connection::Connect() {
 void Connection::ConnectLater(const std::string& reason) {
     bool changed = false;
     {
-        const std::lock_guard lock(m_stateMutex);
+        const base::MutexLock lock(m_stateMutex);
         changed = std::exchange(m_phase, Phase::kUnreachable) != Phase::kUnreachable;
     }
-    m_phaseChanged.notify_all();
+    m_phaseChanged.NotifyAll();
     if (changed) TellOfChange();
     if (std::exchange(m_lastReason, reason) != reason) {
         Log(kIpcLogEvent, "the pipe cannot be reached, trying again: " + reason);
@@ -118,10 +118,10 @@ void Connection::Opened() {
     m_openedAt = steady_clock::now();
     m_lastReason.clear();
     {
-        const std::lock_guard routesLock(m_routesMutex);
+        const base::MutexLock routesLock(m_routesMutex);
         std::vector<Route> routes;
         for (const auto& [route, receivers] : m_receivers) routes.push_back(route);
-        const std::lock_guard lock(m_stateMutex);
+        const base::MutexLock lock(m_stateMutex);
         std::string frames;
         if (!routes.empty()) AppendRoutes(frames, FrameType::kAnnounce, routes);
         m_channel->Append(frames);
@@ -131,7 +131,7 @@ void Connection::Opened() {
         m_open->Flush();
         m_phase = Phase::kOpen;
     }
-    m_phaseChanged.notify_all();
+    m_phaseChanged.NotifyAll();
     TellOfChange();
     Log(kIpcLogDetail, base::Utf8FromPath(m_path) + ": connected");
 }
@@ -139,7 +139,7 @@ void Connection::Opened() {
 void Connection::FrameArrived(const FrameView& frame) {
     if (frame.type != FrameType::kMessage) throw ProtocolError("a broker announces nothing");
     const MessageView message = DecodeMessage(frame.body);
-    const std::lock_guard lock(m_routesMutex);
+    const base::MutexLock lock(m_routesMutex);
     const auto entry = m_receivers.find(message.route());
     if (entry == m_receivers.end()) return;
     for (Receiver* receiver : entry->second) receiver->Deliver(message);
@@ -148,7 +148,7 @@ void Connection::FrameArrived(const FrameView& frame) {
 void Connection::Closed(const std::string& reason, int) {
     bool wasOpen = false;
     {
-        const std::lock_guard lock(m_stateMutex);
+        const base::MutexLock lock(m_stateMutex);
         if (m_open) m_unsent = m_open->TakeMessages();
         wasOpen = std::exchange(m_open, nullptr) != nullptr;
     }
@@ -160,10 +160,14 @@ void Connection::Closed(const std::string& reason, int) {
 // A broker that has not been tried yet counts as one that takes messages: a process may post one and end.
 void Connection::WaitUntilWritten() {
     const auto until = steady_clock::now() + m_times.linger;
-    std::unique_lock lock(m_stateMutex);
-    m_phaseChanged.wait_until(lock, until, [this] { return m_phase != Phase::kConnecting || m_unsent.empty(); });
-    const std::shared_ptr<PipeChannel> open = m_open;
-    lock.unlock();
+    std::shared_ptr<PipeChannel> open;
+    {
+        const base::MutexLock lock(m_stateMutex);
+        while (m_phase == Phase::kConnecting && !m_unsent.empty()) {
+            if (!m_phaseChanged.WaitUntil(m_stateMutex, until)) break;
+        }
+        open = m_open;
+    }
     if (open) open->WaitWritten(until);
 }
 
@@ -172,8 +176,8 @@ void Connection::WaitUntilWritten() {
 namespace {
 
 struct Registry {
-    std::mutex mutex;
-    std::unordered_map<std::string, std::weak_ptr<Connection>> connections;  // by path
+    base::Mutex mutex;
+    std::unordered_map<std::string, std::weak_ptr<Connection>> connections GUARDED_BY(mutex);  // by path
 };
 
 // Never destroyed: clients may live until the process ends.
@@ -183,8 +187,8 @@ Registry& TheRegistry() {
 }
 
 struct ChangeSink {
-    std::mutex mutex;
-    std::function<void()> changed;
+    base::Mutex mutex;
+    std::function<void()> changed GUARDED_BY(mutex);
 };
 
 ChangeSink& TheSink() {
@@ -196,20 +200,20 @@ ChangeSink& TheSink() {
 
 void Connection::TellOfChange() {
     ChangeSink& sink = TheSink();
-    const std::lock_guard lock(sink.mutex);
+    const base::MutexLock lock(sink.mutex);
     if (sink.changed) sink.changed();
 }
 
 void SetChangeSink(std::function<void()> changed) {
     ChangeSink& sink = TheSink();
-    const std::lock_guard lock(sink.mutex);
+    const base::MutexLock lock(sink.mutex);
     sink.changed = std::move(changed);
 }
 
 std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
     const std::filesystem::path path = PipePath(pipeName);
     Registry& registry = TheRegistry();
-    const std::lock_guard lock(registry.mutex);
+    const base::MutexLock lock(registry.mutex);
     std::weak_ptr<Connection>& known = registry.connections[base::Utf8FromPath(path)];
     std::shared_ptr<Connection> connection = known.lock();
     if (!connection) {
@@ -223,7 +227,7 @@ std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
 std::shared_ptr<Connection> Connection::Existing(const std::wstring& pipeName) {
     const std::string path = base::Utf8FromPath(PipePath(pipeName));
     Registry& registry = TheRegistry();
-    const std::lock_guard lock(registry.mutex);
+    const base::MutexLock lock(registry.mutex);
     const auto known = registry.connections.find(path);
     return known == registry.connections.end() ? nullptr : known->second.lock();
 }

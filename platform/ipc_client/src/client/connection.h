@@ -3,16 +3,15 @@
 #include <asio/executor_work_guard.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
-#include <condition_variable>
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <unordered_map>
 #include <vector>
 
+#include "base/mutex.h"
 #include "client/connection_times.h"
 #include "pipe/pipe_channel.h"
 #include "pipe/pipe_transport.h"
@@ -79,14 +78,14 @@ private:
     std::string m_lastReason;  // why the pipe could not be reached, as last logged
     std::shared_ptr<PipeChannel> m_channel;
 
-    std::mutex m_routesMutex;                                       // taken before m_stateMutex where both are
-    std::unordered_map<Route, std::vector<Receiver*>> m_receivers;  // no list is empty
+    base::Mutex m_routesMutex;  // taken before m_stateMutex where both are
+    std::unordered_map<Route, std::vector<Receiver*>> m_receivers GUARDED_BY(m_routesMutex);  // no list is empty
 
-    mutable std::mutex m_stateMutex;
-    std::condition_variable m_phaseChanged;
-    Phase m_phase = Phase::kConnecting;
-    std::shared_ptr<PipeChannel> m_open;  // null while the phase is not kOpen
-    std::string m_unsent;                 // message frames posted while the phase is not kOpen
+    mutable base::Mutex m_stateMutex;
+    base::Condition m_phaseChanged;
+    Phase m_phase GUARDED_BY(m_stateMutex) = Phase::kConnecting;
+    std::shared_ptr<PipeChannel> m_open GUARDED_BY(m_stateMutex);  // null while the phase is not kOpen
+    std::string m_unsent GUARDED_BY(m_stateMutex);                 // message frames posted while the phase is not kOpen
 
     std::thread m_thread;  // last: everything it uses is there before it starts
 };

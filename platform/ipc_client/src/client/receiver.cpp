@@ -29,29 +29,29 @@ Receiver::Receiver(int endpointId) : m_endpointId(endpointId), m_thread([this] {
 
 Receiver::~Receiver() {
     {
-        const std::lock_guard lock(m_mutex);
+        const base::MutexLock lock(m_mutex);
         m_stopping = true;
     }
-    m_arrived.notify_one();
+    m_arrived.NotifyOne();
     const kernel::UiTurnPause pause;  // the thread may be waiting for the turn
     m_thread.join();
 }
 
 Receiver::Held Receiver::Set(int msgId, Callback callback) {
     Held held = std::make_shared<const Callback>(std::move(callback));
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     m_callbacks[msgId].swap(held);
     return held;
 }
 
 Receiver::Held Receiver::Remove(int msgId) {
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     auto node = m_callbacks.extract(msgId);
     return node ? std::move(node.mapped()) : nullptr;
 }
 
 std::unordered_map<int, Receiver::Held> Receiver::RemoveAll() {
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     return std::exchange(m_callbacks, {});
 }
 
@@ -59,13 +59,13 @@ void Receiver::WaitUntilDone(std::optional<int> msgId) {
     if (std::this_thread::get_id() == m_thread.get_id()) return;
     unsigned callNumber = 0;
     {
-        const std::lock_guard lock(m_mutex);
+        const base::MutexLock lock(m_mutex);
         if (!m_calling || (msgId && *msgId != m_calledMsgId)) return;
         callNumber = m_callNumber;
     }
     const kernel::UiTurnPause pause;  // before the lock: it must be given back before the turn is taken again
-    std::unique_lock lock(m_mutex);
-    m_callEnded.wait(lock, [&] { return !m_calling || m_callNumber != callNumber; });
+    const base::MutexLock lock(m_mutex);
+    while (m_calling && m_callNumber == callNumber) m_callEnded.Wait(m_mutex);
 }
 
 void Receiver::Deliver(const MessageView& view) {
@@ -73,7 +73,7 @@ void Receiver::Deliver(const MessageView& view) {
     std::deque<Message> dropped;  // freed without the lock
     std::size_t droppedSoFar = 0;
     {
-        const std::lock_guard lock(m_mutex);
+        const base::MutexLock lock(m_mutex);
         m_bytes += message.Cost();
         m_messages.push_back(std::move(message));
         while (m_bytes > kMaxUndeliveredBytes) {
@@ -83,42 +83,52 @@ void Receiver::Deliver(const MessageView& view) {
             droppedSoFar = ++m_dropped;
         }
     }
-    m_arrived.notify_one();
+    m_arrived.NotifyOne();
     if (droppedSoFar == 0 || !IsWorthALine(droppedSoFar)) return;
     Log(kIpcLogEvent, "the callbacks take too long, the oldest message dropped (" + std::to_string(droppedSoFar) +
                           " so far): " + Describe({dropped.front().item.destId, dropped.front().item.msgId}));
 }
 
 void Receiver::DeliverMessages() {
-    while (true) {
-        {
-            std::unique_lock lock(m_mutex);
-            m_arrived.wait(lock, [this] { return m_stopping || !m_messages.empty(); });
-            if (m_stopping) return;
-        }
+    while (WaitForMessage()) {
         const kernel::UiTurn turn;
-        std::unique_lock lock(m_mutex);
-        if (m_stopping) return;
-        DeliverOne(lock);
+        DeliverOne();
     }
 }
 
-void Receiver::DeliverOne(std::unique_lock<std::mutex>& lock) {
-    Message message = std::move(m_messages.front());
-    m_messages.pop_front();
-    m_bytes -= message.Cost();
-    const auto entry = m_callbacks.find(message.item.msgId);
-    if (entry == m_callbacks.end()) return;
-    Held callback = entry->second;
-    m_calling = true;
-    m_calledMsgId = message.item.msgId;
-    ++m_callNumber;
-    lock.unlock();
-    Call(*callback, message);
+bool Receiver::WaitForMessage() {
+    const base::MutexLock lock(m_mutex);
+    while (!m_stopping && m_messages.empty()) m_arrived.Wait(m_mutex);
+    return !m_stopping;
+}
+
+void Receiver::DeliverOne() {
+    std::optional<Message> message;
+    Held callback = BeginCall(message);
+    if (!callback) return;
+    Call(*callback, *message);
     callback.reset();  // what a removed callback holds goes before whoever removed it goes on
-    lock.lock();
+    EndCall();
+}
+
+Receiver::Held Receiver::BeginCall(std::optional<Message>& message) {
+    const base::MutexLock lock(m_mutex);
+    if (m_stopping) return nullptr;
+    message.emplace(std::move(m_messages.front()));
+    m_messages.pop_front();
+    m_bytes -= message->Cost();
+    const auto entry = m_callbacks.find(message->item.msgId);
+    if (entry == m_callbacks.end()) return nullptr;
+    m_calling = true;
+    m_calledMsgId = message->item.msgId;
+    ++m_callNumber;
+    return entry->second;
+}
+
+void Receiver::EndCall() {
+    const base::MutexLock lock(m_mutex);
     m_calling = false;
-    m_callEnded.notify_all();
+    m_callEnded.NotifyAll();
 }
 
 void Receiver::Call(const Callback& callback, Message& message) const {

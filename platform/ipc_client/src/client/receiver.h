@@ -1,17 +1,16 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
 #include <unordered_map>
 #include <vector>
 
+#include "base/mutex.h"
 #include "wire/frame.h"
 
 namespace ipc_client {
@@ -59,22 +58,26 @@ private:
         std::string data;        // with the zero byte that a string keeps behind its end
     };
 
+    // Delivery thread.
     void DeliverMessages();
-    void DeliverOne(std::unique_lock<std::mutex>& lock);
+    bool WaitForMessage();  // false when the thread is to end
+    void DeliverOne();
+    Held BeginCall(std::optional<Message>& message);  // null when there is nothing to call
+    void EndCall();
     void Call(const Callback& callback, Message& message) const;
 
     const int m_endpointId;
-    std::mutex m_mutex;  // guards what follows; never held while the UI turn is waited for
-    std::condition_variable m_arrived;
-    std::condition_variable m_callEnded;
-    std::unordered_map<int, Held> m_callbacks;
-    std::deque<Message> m_messages;
-    std::size_t m_bytes = 0;  // what m_messages cost
-    std::size_t m_dropped = 0;
-    bool m_calling = false;     // a callback runs,
-    int m_calledMsgId = 0;      // for this id,
-    unsigned m_callNumber = 0;  // and is this one
-    bool m_stopping = false;
+    base::Mutex m_mutex;  // never held while the UI turn is waited for
+    base::Condition m_arrived;
+    base::Condition m_callEnded;
+    std::unordered_map<int, Held> m_callbacks GUARDED_BY(m_mutex);
+    std::deque<Message> m_messages GUARDED_BY(m_mutex);
+    std::size_t m_bytes GUARDED_BY(m_mutex) = 0;  // what m_messages cost
+    std::size_t m_dropped GUARDED_BY(m_mutex) = 0;
+    bool m_calling GUARDED_BY(m_mutex) = false;     // a callback runs,
+    int m_calledMsgId GUARDED_BY(m_mutex) = 0;      // for this id,
+    unsigned m_callNumber GUARDED_BY(m_mutex) = 0;  // and is this one
+    bool m_stopping GUARDED_BY(m_mutex) = false;
     std::thread m_thread;  // last: everything it uses is there before it starts
 };
 

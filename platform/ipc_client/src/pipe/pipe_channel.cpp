@@ -21,12 +21,12 @@ void PipeChannel::Start(std::chrono::milliseconds handshake) {
 }
 
 void PipeChannel::Append(std::string_view frames) {
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     m_out.Append(frames);
 }
 
 void PipeChannel::Flush() {
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     if (m_closed || m_writing || !m_writable) return;
     for (std::string_view chunk = m_out.Chunk(); !chunk.empty(); chunk = m_out.Chunk()) {
         const std::size_t written = WriteNow(m_socket, chunk);
@@ -39,30 +39,32 @@ void PipeChannel::Flush() {
 }
 
 std::size_t PipeChannel::Backlog() const {
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     return m_out.Bytes();
 }
 
 void PipeChannel::WaitWritten(std::chrono::steady_clock::time_point until) {
-    std::unique_lock lock(m_mutex);
-    m_written.wait_until(lock, until, [this] { return m_out.Bytes() == 0 || m_closed || !m_writable; });
+    const base::MutexLock lock(m_mutex);
+    while (m_out.Bytes() != 0 && !m_closed && m_writable) {
+        if (!m_written.WaitUntil(m_mutex, until)) return;
+    }
 }
 
 void PipeChannel::Close(const std::string& reason, int level) {
     {
-        const std::lock_guard lock(m_mutex);
+        const base::MutexLock lock(m_mutex);
         if (m_closed) return;
         m_closed = true;
         std::error_code ignored;
         m_socket.close(ignored);
-        m_written.notify_all();
+        m_written.NotifyAll();
     }
     m_timer.cancel();
     m_listener.Closed(reason, level);
 }
 
 std::string PipeChannel::TakeMessages() {
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     return m_out.TakeMessages();
 }
 
@@ -74,7 +76,7 @@ void PipeChannel::Read() {
 }
 
 void PipeChannel::HandleRead(std::error_code error, std::size_t bytes) {
-    if (m_closed) return;  // written on this thread alone
+    if (m_closed) return;
     if (error) return Close(IsEndOfPipe(error) ? "the other side closed it" : base::Reason(error), kIpcLogDetail);
     m_reader.Commit(bytes);
     try {
@@ -102,7 +104,7 @@ void PipeChannel::TakeFrames() {
 }
 
 void PipeChannel::WriteAsync() {
-    const std::lock_guard lock(m_mutex);
+    const base::MutexLock lock(m_mutex);
     if (m_closed) return;
     const std::string_view chunk = m_out.Chunk();
     m_socket.async_write_some(
@@ -114,12 +116,12 @@ void PipeChannel::WriteAsync() {
 // a failed write ends writing alone; the end of the connection is found by reading.
 void PipeChannel::HandleWritten(std::error_code error, std::size_t bytes) {
     {
-        const std::lock_guard lock(m_mutex);
+        const base::MutexLock lock(m_mutex);
         if (m_closed) return;
         m_out.Written(bytes);
         if (error) m_writable = false;
         m_writing = !error && m_out.Bytes() != 0;
-        if (m_out.Bytes() == 0 || error) m_written.notify_all();
+        if (m_out.Bytes() == 0 || error) m_written.NotifyAll();
         if (!m_writing) return;
     }
     WriteAsync();

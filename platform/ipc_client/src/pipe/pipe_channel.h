@@ -1,13 +1,13 @@
 #pragma once
 
 #include <asio/steady_timer.hpp>
+#include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <string_view>
 
+#include "base/mutex.h"
 #include "ipc_client/ipc_log.h"
 #include "pipe/pipe_transport.h"
 #include "wire/frame_reader.h"
@@ -72,12 +72,12 @@ private:
     FrameReader m_reader;
     bool m_opened = false;
 
-    mutable std::mutex m_mutex;  // guards what follows, and m_socket against being closed during a write
-    std::condition_variable m_written;
-    OutQueue m_out;
-    bool m_writing = false;  // an asynchronous write is under way or about to be
-    bool m_writable = true;  // no write has failed
-    bool m_closed = false;
+    mutable base::Mutex m_mutex;  // also keeps m_socket from being closed during a write
+    base::Condition m_written;
+    OutQueue m_out GUARDED_BY(m_mutex);
+    bool m_writing GUARDED_BY(m_mutex) = false;  // an asynchronous write is under way or about to be
+    bool m_writable GUARDED_BY(m_mutex) = true;  // no write has failed
+    std::atomic<bool> m_closed{false};           // set on the I/O thread, with the mutex held
 };
 
 // Runs the I/O thread's work until the context is stopped. An exception (no memory left, say) costs the one handler
