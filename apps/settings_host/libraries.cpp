@@ -51,7 +51,7 @@ void SetUpLibraries(const CommandLine& commandLine) {
     resources->SetScale(commandLine.scale.value_or(100));
     resources->SetResourceBase(commandLine.components / ".." / "bin");
     resources->SetSkinFolder(skin);
-    resources->SetFallbackPicture(skin / "drawable" / "Brindle" / "fallback.svg");
+    resources->SetFallbackPicture(skin / "drawable/Brindle/fallback.svg");
     LoadLanguage(skin / "language", commandLine.language);
 }
 

@@ -2,19 +2,31 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
+#include <regex>
 #include <set>
 
 #include "duilib/duilib.h"
 #include "kernel/ui_turn.h"
+#include "named_in_sources.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace DuiLib;
+using named_in_sources::Everywhere;
+using named_in_sources::InSources;
 
 constexpr const wchar_t* kPage = L"../components/brindle/res/layout/Tolvane.xml";
 constexpr const wchar_t* kRow = L"../components/brindle/res/layout/AccessoriesFirmwareWnd.xml";
+
+constexpr const wchar_t* kWindow = L"../components/brindle/res/layout/SettingsWindow.xml";
+
+// How the module looks controls up.
+const std::regex kLookedUp(R"re(\b(?:FindControl|BindControl|BindContainer)\(L"(\w+)")re");
+const std::regex kLookedUpAsContainer(
+    R"re((?:BindContainer\(|dynamic_cast<CContainerUI\*>\(m_paintManager->FindControl\()L"(\w+)")re");
 
 fs::path Skin() { return CResourceManager::GetInstance()->Resolve(L"../components/brindle/res"); }
 
@@ -41,28 +53,55 @@ protected:
         EXPECT_TRUE(m_diagnostics.empty()) << m_diagnostics.front();
     }
 
+    // Other layouts within it, where the module and the host put them.
+    void AddRow() { Add(kRow, "accessVer"); }
+    void AddPage() { Add(kPage, "page"); }
+
+    CControlUI* Find(const std::string& name) { return manager.FindControl(std::wstring(name.begin(), name.end())); }
+
+    // All of these names, among them at least those that the test knows of.
+    void ExpectControls(const named_in_sources::Names& names, std::initializer_list<const char*> known) {
+        for (const auto& [name, file] : names) EXPECT_NE(Find(name), nullptr) << name << " in " << file;
+        for (const char* name : known) EXPECT_TRUE(names.contains(name)) << name << " is not looked for";
+    }
+
     CPaintManagerUI manager;
 
 private:
+    void Add(const wchar_t* layout, const char* container) {
+        const kernel::UiTurn turn;
+        CDialogBuilder builder;
+        CControlUI* const root = builder.Create(layout);
+        auto* const parent = dynamic_cast<CContainerUI*>(Find(container));
+        ASSERT_NE(parent, nullptr) << container;
+        parent->Add(root);
+    }
+
     std::vector<std::string> m_diagnostics;
 };
 
-TEST_F(Resources, ThePageHasEveryNameThatTheModuleLooksUp) {
+TEST_F(Resources, ThePageHasEveryNameThatItsListLooksUp) {
     Load(kPage);
-    for (const wchar_t* name : {L"topName", L"DeviceUpdateTitle"}) {
-        EXPECT_NE(manager.FindControl(name), nullptr) << testing::PrintToString(std::wstring(name));
-    }
-    EXPECT_NE(dynamic_cast<CContainerUI*>(manager.FindControl(L"accessVer")), nullptr);
+    ExpectControls(InSources("plugin/update_list", kLookedUp), {"topName", "accessVer"});
 }
 
-TEST_F(Resources, TheRowHasEveryNameThatTheModuleLooksUp) {
-    Load(kRow);
-    for (const wchar_t* name : {L"version", L"desName", L"imageLabel", L"updateBtn", L"stopBtn", L"progress",
-                                L"pulldown", L"progressLayout", L"progressBtn", L"progressLabel", L"updateBtnText"}) {
-        EXPECT_NE(manager.FindControl(name), nullptr) << testing::PrintToString(std::wstring(name));
+// A row lies in its page, whose title and list it looks up as well.
+TEST_F(Resources, RowAndPageHaveEveryNameThatTheModuleLooksUp) {
+    Load(kPage);
+    AddRow();
+    ExpectControls(InSources("plugin", kLookedUp), {"topName", "DeviceUpdateTitle", "version", "desName", "imageLabel",
+                                                    "updateBtn", "hor", "progressLabel", "updateBtnText"});
+    for (const auto& [name, file] : InSources("plugin", kLookedUpAsContainer)) {
+        EXPECT_NE(dynamic_cast<CContainerUI*>(Find(name)), nullptr) << name << " in " << file;
     }
-    EXPECT_NE(dynamic_cast<CContainerUI*>(manager.FindControl(L"hor")), nullptr);
-    EXPECT_NE(dynamic_cast<CVerticalLayoutUI*>(manager.FindControl(L"ver")), nullptr);
+    EXPECT_NE(dynamic_cast<CVerticalLayoutUI*>(Find("ver")), nullptr);
+}
+
+TEST_F(Resources, TheWindowAndThePageHaveEveryNameThatTheHostLooksUp) {
+    Load(kWindow);
+    AddPage();
+    ExpectControls(InSources("apps/settings_host", std::regex(R"re(\bFind\(L"(\w+)")re")),
+                   {"page", "topName", "navAbout", "serviceBar", "keepOpen"});
 }
 
 TEST_F(Resources, TheRowStartsWithItsUpdateButton) {
@@ -86,17 +125,20 @@ TEST_F(Resources, TheMeasuringTextHasTheButtonsFont) {
     EXPECT_EQ(manager.FindControl(L"updateBtnText")->GetFont(), manager.FindControl(L"updateBtn")->GetFont());
 }
 
-TEST_F(Resources, ThePicturesThatTheModuleAndTheCatalogueNameAreThere) {
-    for (const char* picture : {"ic_up.png", "ic_down.png", "pen.svg", "mouse.svg", "dock.svg", "headset.svg",
-                                "keyboard.svg", "fallback.svg"}) {
-        EXPECT_TRUE(IsThere(Skin() / "drawable" / "Brindle" / picture)) << picture;
+// Pictures are named in layouts, in sources and in the catalogue; what nobody names need not ship.
+TEST_F(Resources, EveryPictureThatIsNamedIsThereAndEveryOneThatIsThereIsNamed) {
+    std::set<std::string> named;
+    for (const auto& [picture, file] : Everywhere(std::regex(R"(drawable/(\w+/\w+\.(?:png|svg)))"))) {
+        EXPECT_TRUE(IsThere(Skin() / "drawable" / picture)) << picture << " in " << file;
+        named.insert(fs::path(picture).replace_extension().generic_string());
     }
-}
-
-TEST_F(Resources, TheHostHasItsPictures) {
-    for (const char* picture : {"accessories.svg", "about.svg", "up_to_date.svg", "warning.svg", "searching.svg"}) {
-        EXPECT_TRUE(IsThere(Skin() / "drawable" / "Host" / picture)) << picture;
+    std::set<std::string> shipped;
+    for (const fs::directory_entry& file : fs::recursive_directory_iterator(Skin() / "drawable")) {
+        if (!file.is_regular_file()) continue;
+        const fs::path picture = file.path().lexically_relative(Skin() / "drawable");
+        shipped.insert(fs::path(picture).replace_extension().generic_string());
     }
+    EXPECT_EQ(shipped, named);
 }
 
 }  // namespace
