@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "channel/payload.h"
@@ -240,11 +241,27 @@ TEST(RecordCodec, DecodesTheGoldenBytes) {
     EXPECT_EQ(decoded.cursor, kTwoRecords.size());
 }
 
+// What is behind a cut is read as the next field: texts whose second characters are zeros, and the number, read as
+// counts that are small.
+List RecordsThatReadAsSmallCounts() {
+    List list = TwoRecords();
+    list[0].imagePath = L"p\0.\0s"s;
+    list[0].version = L"2\0."s;
+    list[0].descLines = {L"o\0n"s, L""s};
+    list[0].reserved = 0x1100000000000322u;
+    return list;
+}
+
 TEST(RecordCodec, EveryMessageCutAtEveryLengthDecodesWithoutFailing) {
-    for (std::size_t length = 0; length <= kTwoRecords.size(); ++length) {
-        EXPECT_LE(Decode<List>(kTwoRecords.substr(0, length)).cursor, length);
-        EXPECT_LE(Decode<PkgDownloadProcess>(kTwoRecords.substr(0, length)).cursor, length);
+    const std::string payload = Encode(RecordsThatReadAsSmallCounts());
+    std::size_t mostLines = 0;
+    for (std::size_t length = 0; length <= payload.size(); ++length) {
+        const auto decoded = Decode<List>(payload.substr(0, length));
+        EXPECT_LE(decoded.cursor, length);
+        for (const auto& record : decoded.record) mostLines = std::max(mostLines, record.descLines.size());
+        EXPECT_LE(Decode<PkgDownloadProcess>(payload.substr(0, length)).cursor, length);
     }
+    EXPECT_EQ(mostLines, std::size_t{'2'}) << "the version, cut short, is read as a count";
     for (std::size_t length = 0; length <= kProgressExample.size(); ++length) {
         const auto decoded = Decode<PkgDownloadProcess>(kProgressExample.substr(0, length));
         EXPECT_EQ(decoded.record.progress, length == 14 ? 37 : 0) << length;
