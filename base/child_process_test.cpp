@@ -13,6 +13,7 @@
 #include "base/arguments.h"
 #include "base/command_line.h"
 #include "base/path.h"
+#include "wait_until.h"
 
 #if defined(_WIN32)
 #include <fcntl.h>
@@ -29,7 +30,7 @@ namespace {
 
 std::filesystem::path ownProgram;
 
-constexpr std::chrono::seconds kPatience{30};
+using test_support::kPatience;
 
 int Flood(std::size_t size) {
     const std::string bytes(size, 'x');

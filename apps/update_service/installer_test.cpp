@@ -7,6 +7,7 @@
 #include "base/environment.h"
 #include "shell_commands.h"
 #include "temporary_folder.h"
+#include "wait_until.h"
 
 #if !defined(_WIN32)
 #include <signal.h>
@@ -62,12 +63,7 @@ protected:
     }
 
     bool WaitForFile(const std::string& name) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (!std::filesystem::exists(m_folder / name)) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            std::this_thread::sleep_for(milliseconds(1));
-        }
-        return true;
+        return test_support::WaitUntil([&] { return std::filesystem::exists(m_folder / name); });
     }
 
     TemporaryFolder m_folder;

@@ -6,7 +6,6 @@
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <thread>
 
 #include "base/path.h"
 #include "sha256.h"
@@ -14,6 +13,7 @@
 #include "temporary_folder.h"
 #include "test_pipe.h"
 #include "test_process.h"
+#include "wait_until.h"
 
 #if !defined(_WIN32)
 #include <signal.h>
@@ -69,12 +69,7 @@ protected:
 
     // Waits until a file of the test's folder holds the text.
     bool WaitForText(const std::string& file, const std::string& text) const {
-        const auto deadline = std::chrono::steady_clock::now() + test_process::kPatience;
-        while (ReadFile(m_folder / file).find(text) == std::string::npos) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return true;
+        return test_support::WaitUntil([&] { return ReadFile(m_folder / file).find(text) != std::string::npos; });
     }
 
     // Waits for a percentage that is told after the first `seen` messages.

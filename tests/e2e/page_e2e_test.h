@@ -11,12 +11,14 @@
 
 #include "temporary_folder.h"
 #include "test_process.h"
+#include "wait_until.h"
 
 // The accessory page from end to end: the built service and the built host, each in a process of its own, over a real
 // pipe in the test's own folder, with package files that the test writes. Only the page's pauses are shorter.
 namespace e2e {
 
 using test_support::ReadFile;
+using test_support::WaitUntil;
 using test_support::WriteFile;
 using testing::Contains;
 using testing::HasSubstr;

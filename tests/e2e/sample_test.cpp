@@ -134,12 +134,8 @@ TEST_F(SampleTest, TheServiceEndsWithAHostThatIsKilled) {
     const fs::path log = fs::path(WorkFolders()[0]) / "service.log";
     host->Kill();
     EXPECT_EQ(host->WaitForEnd(), -SIGKILL);
-    const auto end = std::chrono::steady_clock::now() + test_process::kPatience;
     const std::string last = "[UpdateService]stops: end of input";
-    while (ReadFile(log).find(last) == std::string::npos && std::chrono::steady_clock::now() < end) {
-        std::this_thread::yield();
-    }
-    EXPECT_THAT(ReadFile(log), HasSubstr(last));
+    EXPECT_TRUE(WaitUntil([&] { return ReadFile(log).find(last) != std::string::npos; })) << ReadFile(log);
 }
 
 TEST_F(SampleTest, WhatASampleLacksIsNamedInOneLine) {

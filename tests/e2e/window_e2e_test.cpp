@@ -58,16 +58,6 @@ Place WindowE2ETest::LitPart() {
     return {left, top, right - left, bottom - top};
 }
 
-bool WaitUntil(const std::function<bool()>& condition) {
-    constexpr std::chrono::milliseconds kLookAgain{2};
-    const auto end = std::chrono::steady_clock::now() + test_process::kPatience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(kLookAgain);
-    }
-    return true;
-}
-
 // A name that no other test's program has at the same time.
 Companion::Companion(const std::filesystem::path& folder, const std::string& key)
     : m_program(folder / ("studio_" + std::to_string(getpid()))), m_configuration(folder / "companions.json") {

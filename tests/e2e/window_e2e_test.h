@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -45,9 +44,6 @@ protected:
     test_display::PointerAndKeys m_hands;
     std::unique_ptr<Host> m_host;
 };
-
-// Looks until the condition holds; false when patience ends first.
-[[nodiscard]] bool WaitUntil(const std::function<bool()>& condition);
 
 // A companion program of the test's own, which runs as long as this does.
 class Companion {

@@ -2,15 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <system_error>
-#include <thread>
 
 #include "base/path.h"
+#include "wait_until.h"
 
 namespace test_support {
 
@@ -20,14 +19,11 @@ public:
     explicit TemporaryFolder(const std::string& prefix = "accessory_test")
         : m_path(std::filesystem::canonical(base::MakeTemporaryFolder(prefix))) {}
     ~TemporaryFolder() {
-        const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         std::error_code error;
-        // On Windows the folder of a program that is just ending cannot be removed.
-        for (std::filesystem::remove_all(m_path, error); error && std::chrono::steady_clock::now() < patience;
-             std::filesystem::remove_all(m_path, error)) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        EXPECT_FALSE(error) << error.message();
+        EXPECT_TRUE(WaitUntil([&] {  // on Windows the folder of a program that is just ending cannot be removed
+            std::filesystem::remove_all(m_path, error);
+            return !error;
+        })) << error.message();
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/child_process.h"
+#include "wait_until.h"
 
 // Programs in processes of their own, for tests:
 //
@@ -17,7 +18,7 @@
 //     EXPECT_EQ(service.WaitForEnd(), 0) << service.Errors().Text();
 namespace test_process {
 
-inline constexpr std::chrono::seconds kPatience{30};  // for what must happen; sanitizers are slow
+using test_support::kPatience;
 
 // What a program has written to one of its streams (base::ChildOutput). Any thread.
 class Stream {

@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "wait_until.h"
+
 namespace kernel {
 namespace {
 
@@ -15,12 +17,7 @@ using std::chrono::seconds;
 
 // Waits until that many threads stand in the queue for the turn; false when they do not come.
 bool Queued(std::size_t count) {
-    const auto deadline = std::chrono::steady_clock::now() + seconds(10);
-    while (UiTurn::Waiting() != count) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::yield();
-    }
-    return true;
+    return test_support::WaitUntil([&] { return UiTurn::Waiting() == count; });
 }
 
 // Another thread that asks for the turn once and tells whether it got it. Is joined at destruction, so it must

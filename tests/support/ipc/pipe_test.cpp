@@ -1,9 +1,6 @@
 #include "ipc/pipe_test.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <thread>
 
 #include "base/environment.h"
 #include "ipc_client/ipc_log.h"
@@ -11,35 +8,6 @@
 #include "wire/frame.h"
 
 namespace ipc_test {
-
-using std::chrono::steady_clock;
-
-bool Eventually(const std::function<bool()>& condition) {
-    const auto until = steady_clock::now() + kPatience;
-    while (!condition()) {
-        if (steady_clock::now() > until) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
-TimeLimit::TimeLimit()
-    : m_thread([this] {
-          std::unique_lock lock(m_mutex);
-          if (m_changed.wait_for(lock, 2 * kPatience, [this] { return m_ended; })) return;
-          const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
-          std::fprintf(stderr, "%s.%s does not end\n", test->test_suite_name(), test->name());
-          std::abort();
-      }) {}
-
-TimeLimit::~TimeLimit() {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_ended = true;
-    }
-    m_changed.notify_one();
-    m_thread.join();
-}
 
 PipeTest::PipeTest() {
     base::SetVariable("BRINDLE_PIPE_DIR", base::Utf8FromPath(m_folder));

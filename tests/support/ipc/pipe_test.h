@@ -15,32 +15,16 @@
 
 #include "ipc_client/ipc_message_client.h"
 #include "temporary_folder.h"
+#include "wait_until.h"
 
 // What the tests of the message pipe share.
 namespace ipc_test {
 
 inline constexpr wchar_t kPipe[] = L"\\\\.\\Pipe\\Test";
-inline constexpr std::chrono::seconds kPatience{30};  // for what must happen; sanitizers are slow
+using test_support::kPatience;
+using test_support::WaitUntil;
 
-// Looks again and again until `condition` holds; false when patience ends first.
-bool Eventually(const std::function<bool()>& condition);
-
-// Ends the run, naming the test, when it lives for longer than any test may: a deadlock fails in a minute.
-class TimeLimit {
-public:
-    TimeLimit();
-    ~TimeLimit();
-    TimeLimit(const TimeLimit&) = delete;
-    TimeLimit& operator=(const TimeLimit&) = delete;
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_ended = false;
-    std::thread m_thread;
-};
-
-// A pipe folder, a log and a time limit of its own for each test.
+// A pipe folder and a log of its own for each test.
 class PipeTest : public ::testing::Test {
 protected:
     PipeTest();
@@ -55,7 +39,6 @@ protected:
     int CountLogged(const std::string& text);
 
 private:
-    TimeLimit m_limit;
     test_support::TemporaryFolder m_folder;
     std::mutex m_mutex;
     std::condition_variable m_lineCame;

@@ -6,11 +6,11 @@
 #include <sys/wait.h>
 
 #include <fstream>
-#include <thread>
 #include <vector>
 
 #include "accessory_update_config/accessory_update_config.h"
 #include "temporary_folder.h"
+#include "wait_until.h"
 
 extern char** environ;
 
@@ -51,12 +51,7 @@ private:
 
 // A program that was just started takes a moment to get its own name.
 bool IsSeenRunning(const std::wstring& deviceKey) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!AccessoryUpdateConfig::IsAccessoryAppRunning(deviceKey)) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::yield();
-    }
-    return true;
+    return test_support::WaitUntil([&] { return AccessoryUpdateConfig::IsAccessoryAppRunning(deviceKey); });
 }
 
 class Companion : public testing::Test {

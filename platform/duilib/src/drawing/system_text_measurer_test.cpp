@@ -1,10 +1,9 @@
-#include <chrono>
 #include <iterator>
 #include <limits>
-#include <thread>
 
 #include "drawing/text_measurer.h"
 #include "support/toolkit/toolkit_test.h"
+#include "wait_until.h"
 
 namespace DuiLib {
 
@@ -19,8 +18,7 @@ class PangoThreadsEnd : public ::testing::Environment {
 public:
     void SetUp() override { m_before = Threads(); }
     void TearDown() override {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        while (Threads() > m_before && std::chrono::steady_clock::now() < deadline) std::this_thread::yield();
+        static_cast<void>(test_support::WaitUntil([this] { return Threads() <= m_before; }));
     }
 
 private:

@@ -43,14 +43,14 @@ protected:
                 item.headerWord1 = m_posted;
                 EXPECT_TRUE(m_service.PostIPCMessage(item));
                 ++m_posted;
-                EXPECT_TRUE(Eventually([this] { return m_next == m_posted; }));
+                EXPECT_TRUE(WaitUntil([this] { return m_next == m_posted; }));
             }
         });
     }
 
     ~HostilePeerTest() override {
         const int posted = m_posted;
-        EXPECT_TRUE(Eventually([&] { return m_posted > posted; }));  // it still goes on
+        EXPECT_TRUE(WaitUntil([&] { return m_posted > posted; }));  // it still goes on
         m_enough = true;
         m_talk.join();
         EXPECT_TRUE(m_orderKept);
@@ -108,7 +108,7 @@ TEST_F(HostilePeerTest, AFrameCutAtAnyLengthByItsSendersEndIsNoMessage) {
         ASSERT_TRUE(peer.Write(Hello() + frame.substr(0, length)));
     }
     const auto allGone = [&] { return CountLogged(") closed: ") == static_cast<int>(frame.size()); };
-    EXPECT_TRUE(Eventually(allGone));
+    EXPECT_TRUE(WaitUntil(allGone));
     Post(client, kPage, kFlood, "whole");
     EXPECT_EQ(inbox.WaitForData(1), std::vector<std::string>{"whole"});
 }

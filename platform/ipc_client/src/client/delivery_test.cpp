@@ -76,7 +76,7 @@ TEST_F(DeliveryTest, MessagesOfSeveralIdsArriveInTheOrderInWhichTheyWerePosted) 
 
 // The delivery thread stands in the queue for the turn.
 bool SomebodyWaits() {
-    return Eventually([] { return kernel::UiTurn::Waiting() == 1; });
+    return WaitUntil([] { return kernel::UiTurn::Waiting() == 1; });
 }
 
 TEST_F(DeliveryTest, NoCallbackRunsWhileTheUiTurnIsHeldElsewhere) {
@@ -122,7 +122,7 @@ TEST_F(DeliveryTest, BeyondTheBytesThatMayWaitForCallbacksTheOldestMessageIsDrop
         const kernel::UiTurn turn;
         for (const char letter : {'a', 'b', 'c', 'd', 'e'}) {
             const std::string data(kLarge, letter);
-            ASSERT_TRUE(Eventually([&] { return Post(*m_client, kPage, kFirst, data); }));
+            ASSERT_TRUE(WaitUntil([&] { return Post(*m_client, kPage, kFirst, data); }));
         }
         EXPECT_TRUE(Logged("the callbacks take too long, the oldest message dropped (1 so far): message 0x1"));
     }

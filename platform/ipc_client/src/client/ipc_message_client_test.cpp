@@ -152,7 +152,7 @@ TEST_F(IpcMessageClientTest, AHundredThousandMessagesArriveInOrderAndWithoutLoss
         ++next;
     });
     for (int i = 0; i < kCount; ++i) ASSERT_TRUE(Post(*service, kPage, kProgress, std::to_string(i)));
-    EXPECT_TRUE(Eventually([&] { return next == kCount; })) << next;
+    EXPECT_TRUE(WaitUntil([&] { return next == kCount; })) << next;
     EXPECT_EQ(wrong, 0);
 }
 
@@ -232,7 +232,7 @@ TEST_F(IpcMessageClientTest, ABrokerThatComesBackFindsRegistrationsAndQueuedPost
     EXPECT_THAT(list.WaitForData(1), ElementsAre("before"));
 
     broker.reset();
-    ASSERT_TRUE(Eventually([] { return !IsPipeConnected(kPipe); }));
+    ASSERT_TRUE(WaitUntil([] { return !IsPipeConnected(kPipe); }));
     page->RegisterMessageCallback(kProgress, progress.Callback());
     for (int i = 0; i < 100; ++i) EXPECT_TRUE(Post(*page, kPage, kList, std::to_string(i)));
     EXPECT_TRUE(Post(*page, kPage, kProgress, "50"));
@@ -249,19 +249,19 @@ TEST_F(IpcMessageClientTest, TheConnectionsSinkIsToldWhenItOpensAndWhenItIsLost)
     std::atomic<int> changes = 0;
     SetPipeConnectionSink([&changes] { ++changes; });
     const auto page = Client(kPage);
-    ASSERT_TRUE(Eventually([&] { return changes > 0; }));  // not reached
+    ASSERT_TRUE(WaitUntil([&] { return changes > 0; }));  // not reached
     std::optional<IPCBroker> broker(std::in_place, kPipe);
     const int before = changes;
     broker->Start();
-    ASSERT_TRUE(Eventually([&] { return changes > before && IsPipeConnected(kPipe); }));
+    ASSERT_TRUE(WaitUntil([&] { return changes > before && IsPipeConnected(kPipe); }));
     const int open = changes;
     broker.reset();
-    ASSERT_TRUE(Eventually([&] { return changes > open && !IsPipeConnected(kPipe); }));
+    ASSERT_TRUE(WaitUntil([&] { return changes > open && !IsPipeConnected(kPipe); }));
     SetPipeConnectionSink({});
     const int ended = changes;
     broker.emplace(kPipe);
     broker->Start();
-    ASSERT_TRUE(Eventually([] { return IsPipeConnected(kPipe); }));
+    ASSERT_TRUE(WaitUntil([] { return IsPipeConnected(kPipe); }));
     EXPECT_EQ(changes, ended);
 }
 
@@ -312,7 +312,7 @@ TEST_F(IpcMessageClientTest, TheLastClientGivesUpTheUiTurnWhileItWaitsForItsPost
             const kernel::UiTurn mine;
             hadTheTurnMeanwhile = !destroyed;
         });
-        EXPECT_TRUE(Eventually([&] { return asks.load(); }));
+        EXPECT_TRUE(WaitUntil([&] { return asks.load(); }));
         client.reset();
         destroyed = true;
     }

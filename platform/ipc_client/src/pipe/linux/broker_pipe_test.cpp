@@ -47,7 +47,7 @@ TEST_F(BrokerSocket, TheSocketOfAKilledBrokerIsReplaced) {
         pause();
         _exit(0);
     }
-    ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(SocketPath()); }));
+    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(SocketPath()); }));
     EXPECT_THROW(IPCBroker(kPipe).Start(), std::runtime_error);
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
