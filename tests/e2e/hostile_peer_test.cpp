@@ -10,6 +10,7 @@
 namespace e2e {
 namespace {
 
+namespace from_page = channel::from_page;
 using ipc_test::Hello;
 using ipc_test::RawPeer;
 using std::literals::operator""s;
@@ -37,6 +38,33 @@ protected:
         return bytes;
     }
 
+    // What the host has said of heights that it does not believe.
+    std::vector<std::string> RefusedHeights() const {
+        std::vector<std::string> refused;
+        for (const std::string& line : m_host->Program().Output().Lines()) {
+            if (line.find(", which is no number; ignored") != std::string::npos) refused.push_back(line);
+        }
+        return refused;
+    }
+
+    static std::string Frame(std::int32_t endpoint, std::int32_t msgId, std::string payload) {
+        TagIPCMessageItem item;
+        item.destId = endpoint;
+        item.sourceId = IPC_ENDPOINT_PLUGIN;
+        item.msgId = msgId;
+        item.data = payload.empty() ? nullptr : payload.data();
+        item.dataLen = static_cast<std::int32_t>(payload.size());
+        std::string frame;
+        ipc_client::AppendMessage(frame, item);
+        return frame;
+    }
+
+    // As a page of this or another process would post it.
+    template <class Payload>
+    static std::string Frame(const channel::FromPage<Payload>& message, const std::string& payload) {
+        return Frame(message.endpoint, message.id, payload);
+    }
+
     std::unique_ptr<Host> m_host;
     std::mt19937 m_random{4711};
 };
@@ -62,15 +90,7 @@ TEST_F(HostileFramesTest, WrongFramesCloseTheirConnectionWithALineThatSaysWhy) {
 }
 
 TEST_F(HostileFramesTest, AFrameCutShortByItsSendersEndIsNoMessage) {
-    std::string key = "dock";
-    TagIPCMessageItem item;
-    item.destId = IPC_ENDPOINT_UPDATE_SERVICE;
-    item.sourceId = IPC_ENDPOINT_PLUGIN;
-    item.msgId = channel::from_page::IPC_MSG_DOWNLOAD_START.id;
-    item.data = key.data();
-    item.dataLen = static_cast<std::int32_t>(key.size() + 1);
-    std::string frame;
-    ipc_client::AppendMessage(frame, item);
+    const std::string frame = Frame(from_page::IPC_MSG_DOWNLOAD_START, "dock\0"s);
     for (std::size_t length = 0; length < frame.size(); ++length) {
         RawPeer peer(PipeSocket());
         ASSERT_TRUE(peer.Write(Hello() + frame.substr(0, length)));
@@ -101,19 +121,39 @@ TEST_F(HostileFramesTest, RandomPayloadsOfWholeMessagesHarmNeitherTheServiceNorT
     RawPeer peer(PipeSocket());
     ASSERT_TRUE(peer.Write(Hello()));
     for (int round = 0; round < 300; ++round) {
-        std::string payload = RandomBytes(m_random() % 60);
-        TagIPCMessageItem item;
         const channel::MessageInfo& target = targets[static_cast<std::size_t>(round) % targets.size()];
-        item.destId = target.endpoint;
-        item.msgId = target.id;
-        item.data = payload.empty() ? nullptr : payload.data();
-        item.dataLen = static_cast<std::int32_t>(payload.size());
-        std::string frame;
-        ipc_client::AppendMessage(frame, item);
-        ASSERT_TRUE(peer.Write(frame)) << round;
+        ASSERT_TRUE(peer.Write(Frame(target.endpoint, target.id, RandomBytes(m_random() % 60)))) << round;
     }
     EXPECT_TRUE(m_host->Program().Errors().WaitFor("AccessoriesUpdateWnd RecPkgFail enter"));
     EXPECT_TRUE(ServiceLogs("start refused: the catalogue does not have it"));
+}
+
+// The host believes heights that are numbers, however large, and no others; an update that began and ended is over,
+// however its accessory is called.
+TEST_F(HostileFramesTest, GarbageAtTheHostsEndpointsIsToldAndLeavesTheHostAsItWas) {
+    constexpr std::int32_t kUnknown = 0x5EED;
+    RawPeer peer(PipeSocket());
+    ASSERT_TRUE(peer.Write(Hello()));
+    for (int round = 0; round < 100; ++round) {
+        const std::string payload = RandomBytes(m_random() % 60);
+        ASSERT_TRUE(peer.Write(Frame(from_page::IPC_MSG_CONTENT_HEIGHT, payload + 'x') +
+                               Frame(from_page::IPC_MSG_PLUGIN_UPDATE, payload) +
+                               Frame(from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, payload)));
+        for (const auto endpoint : {IPC_ENDPOINT_HOST_LAYOUT, IPC_ENDPOINT_HOST_PLUGIN, IPC_ENDPOINT_HOST_STATUS}) {
+            ASSERT_TRUE(peer.Write(Frame(endpoint, kUnknown, payload)));
+        }
+    }
+    for (const char* height : {"", "7x", " 7", "99999999999", "2147483647", "-2147483648", "0", "77"}) {
+        ASSERT_TRUE(peer.Write(Frame(from_page::IPC_MSG_CONTENT_HEIGHT, height)));
+    }
+    ASSERT_TRUE(peer.Write(Frame(from_page::IPC_MSG_PLUGIN_UPDATE, "the end\0"s)));
+    ASSERT_TRUE(m_host->Program().Output().WaitFor("host: update of the end runs")) << m_host->Transcript();
+    ASSERT_TRUE(peer.Write(Frame(from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, "the end\0"s)));
+    ASSERT_TRUE(m_host->Play("wait running 1\nwait height 77\nwait shown accessoriesView\nwait shown penprogress"));
+    EXPECT_THAT(RefusedHeights(), testing::SizeIs(testing::Ge(100u)));
+    for (const char* height : {"\"\"", "\"7x\"", "\" 7\"", "\"99999999999\""}) {
+        EXPECT_THAT(RefusedHeights(), Contains(HasSubstr(height)));
+    }
 }
 
 }  // namespace

@@ -1,0 +1,55 @@
+// A picture of the window that the host takes by itself, and ends.
+
+#include "page_e2e_test.h"
+
+namespace e2e {
+namespace {
+
+class ScreenshotTest : public PageE2ETest {
+protected:
+    ScreenshotTest() {
+        for (const char* key : {"pen", "dock"}) AddAccessory(key);
+        StartService();
+    }
+
+    // Runs a host to its end and returns the picture; the transcript names it.
+    std::string Screenshot(std::vector<std::string> options, const std::map<std::string, std::string>& environment) {
+        const std::string file = (m_folder / "screenshot.png").string();
+        options.insert(options.end(), {"--quiet-log", "--wait-percent", "1", "--screenshot", file});
+        test_process::Process host(SETTINGS_HOST_PROGRAM, options, environment);
+        EXPECT_EQ(host.WaitForEnd(), 0) << host.Output().Text() << host.Errors().Text();
+        EXPECT_THAT(host.Output().Lines(), Contains("picture: " + file));
+        return ReadFile(file);
+    }
+
+    // What a script's picture shows of a page that was brought there.
+    std::string PictureOf(const std::string& lines) {
+        const auto host = StartHost({"--pictures", m_folder.Path().string(), "--scale", "150"});
+        EXPECT_TRUE(host->Play(lines + "\npicture expected.png"));
+        host->End();
+        return ReadFile(m_folder / "expected.png");
+    }
+};
+
+TEST_F(ScreenshotTest, WithoutAScriptItShowsTheListAtRest) {
+    const std::string expected = PictureOf(WaitForRows(2, "dock"));
+    ASSERT_THAT(expected, testing::StartsWith("\x89PNG"));
+    EXPECT_TRUE(Screenshot({"--headless", "--scale", "150"}, HostEnvironment()) == expected);
+}
+
+TEST_F(ScreenshotTest, WithAScriptItShowsWhatTheScriptLeft) {
+    const std::string lines = WaitForRows(2, "dock") + "click penpulldown\nwait shown pendevInfo";
+    const std::string expected = PictureOf(lines);
+    WriteFile(m_folder / "test.script", lines);
+    const std::vector<std::string> options = {"--headless", "--scale", "150", "--script",
+                                              (m_folder / "test.script").string()};
+    EXPECT_TRUE(Screenshot(options, HostEnvironment()) == expected);
+}
+
+TEST_F(ScreenshotTest, WithoutADisplayItIsTakenAllTheSame) {
+    const std::string expected = PictureOf(WaitForRows(2, "dock"));
+    EXPECT_TRUE(Screenshot({"--language", "en-US", "--scale", "150"}, WindowEnvironment(":64999")) == expected);
+}
+
+}  // namespace
+}  // namespace e2e
