@@ -46,7 +46,7 @@ HANDLE Open(const std::filesystem::path& path) {
                            nullptr);
         return pipe != INVALID_HANDLE_VALUE || GetLastError() != ERROR_PIPE_BUSY;
     };
-    Eventually(isOpen);
+    EXPECT_TRUE(WaitUntil(isOpen)) << path;
     return pipe;
 }
 
