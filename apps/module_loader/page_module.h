@@ -16,8 +16,10 @@ public:
 
     // Both on the UI thread and under the UI turn.
     void CreateSetting(DuiLib::CPaintManagerUI* paintManager, DuiLib::CNotifyPump* notifyPump,
-                       DuiLib::CContainerUI* parent) const;
-    void CloseWnd() const;
+                       DuiLib::CContainerUI* parent) const {
+        m_create(paintManager, notifyPump, parent);
+    }
+    void CloseWnd() const { m_close(); }
 
     // Where a build or a package has the module, seen from the running program.
     static std::filesystem::path DefaultPath();

@@ -3,6 +3,7 @@
 #include <array>
 #include <functional>
 #include <istream>
+#include <optional>
 #include <streambuf>
 
 namespace settings_host {
@@ -27,6 +28,10 @@ public:
 
 private:
     int_type underflow() override;
+
+    // Reads what is there: the number of bytes, 0 at the end, nothing when the read would wait. Throws
+    // std::system_error.
+    static std::optional<std::size_t> ReadIfReady(int file, char* buffer, std::size_t size);
 
     const int m_file;
     const std::function<void()> m_idle;

@@ -6,6 +6,11 @@
 
 namespace settings_host {
 
+// What the system gave to whoever asked it to stay awake; lets go when it is destroyed.
+struct SleepInhibition {
+    virtual ~SleepInhibition() = default;
+};
+
 // Keeps the computer from going to sleep or shutting down, as long as it is held. A computer that cannot be asked goes
 // on as it does without this. One thread.
 //
@@ -19,7 +24,7 @@ public:
 
     // `who` is the name that the system shows beside the reason; UTF-8.
     explicit SleepInhibitor(std::string who, Log log = {});
-    ~SleepInhibitor();  // lets go
+    ~SleepInhibitor() = default;  // lets go
     SleepInhibitor(const SleepInhibitor&) = delete;
     SleepInhibitor& operator=(const SleepInhibitor&) = delete;
 
@@ -34,15 +39,16 @@ public:
     bool IsHeld() const { return m_inhibition != nullptr; }
 
 private:
-    class Inhibition;  // what the system gave; lets go when it is destroyed
-
     // Throws std::runtime_error with the reason in words.
-    static std::unique_ptr<Inhibition> Ask(const std::string& who, const std::string& reason);
+    static std::unique_ptr<SleepInhibition> Ask(const std::string& who, const std::string& reason);
+
+    // What this system does not do when it refuses, in words.
+    static const char* RefusalText();
 
     const std::string m_who;
     const Log m_log;
     std::string m_reason;
-    std::unique_ptr<Inhibition> m_inhibition;
+    std::unique_ptr<SleepInhibition> m_inhibition;
     bool m_wanted = false;
     bool m_told = false;  // that it did not work
 };

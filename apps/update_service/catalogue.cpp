@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "base/path.h"
+#include "system_rules.h"
 #include "work_files.h"
 
 namespace update_service {
@@ -93,11 +94,7 @@ std::string Sha256(const Place& place, const Json& value) {
 }
 
 std::vector<std::string> Installer(const Place& place, const Json& value) {
-#if defined(_WIN32)
-    if (value.is_string()) return {"cmd.exe", "/d", "/s", "/c", NonEmptyText(place, value)};
-#else
-    if (value.is_string()) return {"/bin/sh", "-c", NonEmptyText(place, value), "installer"};
-#endif
+    if (value.is_string()) return ShellCommand(NonEmptyText(place, value));
     if (!value.is_array()) place.Fail("must be a text or a list of texts");
     std::vector<std::string> command = Texts(place, value);
     if (command.empty() || command[0].empty()) place.Fail("must name a program");

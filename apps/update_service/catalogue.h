@@ -36,7 +36,7 @@ struct Accessory {
     bool isDriver = false;
     std::filesystem::path package;       // joined with the catalogue's folder
     std::string sha256;                  // lower-case hexadecimal
-    std::vector<std::string> installer;  // program and arguments; a shell text is {"/bin/sh", "-c", text, "installer"}
+    std::vector<std::string> installer;  // program and arguments; those of the shell for a text
 };
 
 struct Catalogue {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "base/path.h"
-#include "sha256_digest.h"
 
 namespace update_service {
 namespace {

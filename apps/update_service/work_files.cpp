@@ -2,33 +2,22 @@
 
 #include <system_error>
 
+#include "system_rules.h"
+
 namespace update_service {
 
 namespace {
 
-#if defined(_WIN32)
-constexpr bool kCapitalsCount = false;  // files named alike but for capitals are one file
-#else
-constexpr bool kCapitalsCount = true;
-#endif
-
 bool IsPlain(char c) {
-    return (c >= 'a' && c <= 'z') || (kCapitalsCount && c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
+    return (c >= 'a' && c <= 'z') || (CapitalsCount() && c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
            c == '_';
-}
-
-// Names that are devices in every folder on Windows, whatever follows a dot.
-bool IsDevice(const std::string& key) {
-    const std::string stem = key.substr(0, key.find('.'));
-    if (stem == "con" || stem == "prn" || stem == "aux" || stem == "nul") return true;
-    return stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt")) && stem[3] >= '0' && stem[3] <= '9';
 }
 
 }  // namespace
 
 std::string SafeFileName(const std::string& deviceKey) {
     static constexpr char kDigits[] = "0123456789ABCDEF";
-    const bool isDevice = !kCapitalsCount && IsDevice(deviceKey);
+    const bool isDevice = IsDeviceName(deviceKey);
     std::string name;
     for (const char c : deviceKey) {
         const bool opensDevice = isDevice && name.empty();

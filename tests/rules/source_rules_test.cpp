@@ -3,11 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
-
-#include "known_violations.h"
 
 namespace source_rules {
 namespace {
@@ -92,14 +89,6 @@ const SourceTree& Project() {
     return sources;
 }
 
-Violations Unknown(Violations violations) {
-    std::erase_if(violations, [](const std::string& violation) {
-        const auto& known = KnownViolations();
-        return std::any_of(known.begin(), known.end(), [&](auto pattern) { return Matches(pattern, violation); });
-    });
-    return violations;
-}
-
 std::string Listed(const Violations& violations) {
     std::string text;
     for (const std::string& violation : violations) text += violation + '\n';
@@ -109,12 +98,12 @@ std::string Listed(const Violations& violations) {
 TEST(Project, IncludesOnlyWhatTheTableOfItsArchitectureAllows) {
     const RoomTable rooms = RoomTable::FromMarkdown(ReadLines(kProject / "docs/architecture.md"));
     ASSERT_GT(Project().size(), 300U) << "the sources were not found";
-    EXPECT_EQ(Listed(Unknown(CheckIncludes(Project(), rooms))), "");
+    EXPECT_EQ(Listed(CheckIncludes(Project(), rooms)), "");
 }
 
-TEST(Project, KeepsWhatBelongsToOneSystemInItsFolder) { EXPECT_EQ(Listed(Unknown(CheckSystems(Project()))), ""); }
+TEST(Project, KeepsWhatBelongsToOneSystemInItsFolder) { EXPECT_EQ(Listed(CheckSystems(Project())), ""); }
 
-TEST(Project, HasNoFileOfMoreThanFourHundredLines) { EXPECT_EQ(Listed(Unknown(CheckLengths(Project()))), ""); }
+TEST(Project, HasNoFileOfMoreThanFourHundredLines) { EXPECT_EQ(Listed(CheckLengths(Project())), ""); }
 
 }  // namespace
 }  // namespace source_rules

@@ -1,10 +1,11 @@
+#include "module_loader/page_module.h"
+
 #include <dlfcn.h>
 
 #include <stdexcept>
 #include <string>
 
 #include "base/path.h"
-#include "module_loader/page_module.h"
 
 namespace {
 
@@ -26,13 +27,6 @@ PageModule::PageModule(const std::filesystem::path& file) {
     m_create = reinterpret_cast<CreateFunction>(Lookup(library, kCreateSetting, file));
     m_close = reinterpret_cast<CloseFunction>(Lookup(library, kCloseWnd, file));
 }
-
-void PageModule::CreateSetting(DuiLib::CPaintManagerUI* paintManager, DuiLib::CNotifyPump* notifyPump,
-                               DuiLib::CContainerUI* parent) const {
-    m_create(paintManager, notifyPump, parent);
-}
-
-void PageModule::CloseWnd() const { m_close(); }
 
 std::filesystem::path PageModule::DefaultPath() {
     return base::ProgramFolder().parent_path() / "lib" / "libAccessoriesUpgrade.so";

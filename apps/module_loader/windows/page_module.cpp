@@ -1,3 +1,5 @@
+#include "module_loader/page_module.h"
+
 #include <windows.h>
 
 #include <stdexcept>
@@ -5,7 +7,6 @@
 
 #include "base/path.h"
 #include "base/reason.h"
-#include "module_loader/page_module.h"
 
 namespace {
 
@@ -31,13 +32,6 @@ PageModule::PageModule(const std::filesystem::path& file) {
     m_create = Lookup<CreateFunction>(library, kCreateSetting, file);
     m_close = Lookup<CloseFunction>(library, kCloseWnd, file);
 }
-
-void PageModule::CreateSetting(DuiLib::CPaintManagerUI* paintManager, DuiLib::CNotifyPump* notifyPump,
-                               DuiLib::CContainerUI* parent) const {
-    m_create(paintManager, notifyPump, parent);
-}
-
-void PageModule::CloseWnd() const { m_close(); }
 
 // Libraries stand beside the programs here.
 std::filesystem::path PageModule::DefaultPath() { return base::ProgramFolder() / "AccessoriesUpgrade.dll"; }

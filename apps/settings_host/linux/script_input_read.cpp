@@ -24,27 +24,13 @@ bool IsReadable(int file) {
 
 }  // namespace
 
-ScriptInput::ScriptInput(int file, std::function<void()> idle)
-    : m_file(file), m_idle(std::move(idle)), m_stream(static_cast<std::streambuf*>(this)) {
-    m_stream.exceptions(std::ios_base::badbit);
-}
-
 // A read may find nothing although the file was readable: another process that shares it was faster, or a signal came.
-ScriptInput::int_type ScriptInput::underflow() {
-    for (;;) {
-        if (!IsReadable(m_file)) {
-            m_idle();
-            continue;
-        }
-        const ssize_t size = read(m_file, m_buffer.data(), m_buffer.size());
-        if (size == 0) return traits_type::eof();
-        if (size > 0) {
-            setg(m_buffer.data(), m_buffer.data(), m_buffer.data() + size);
-            return traits_type::to_int_type(m_buffer[0]);
-        }
-        if (errno == EAGAIN) m_idle();
-        if (errno != EAGAIN && errno != EINTR) ThrowUnreadable(errno);
-    }
+std::optional<std::size_t> ScriptInput::ReadIfReady(int file, char* buffer, std::size_t size) {
+    if (!IsReadable(file)) return std::nullopt;
+    const ssize_t got = read(file, buffer, size);
+    if (got >= 0) return static_cast<std::size_t>(got);
+    if (errno != EAGAIN && errno != EINTR) ThrowUnreadable(errno);
+    return std::nullopt;
 }
 
 }  // namespace settings_host

@@ -72,16 +72,14 @@ Message CallInhibit(sd_bus* bus, const std::string& who, const std::string& reas
     return Message(reply);
 }
 
-}  // namespace
-
 // logind's inhibitions last as long as a file is open that it hands out.
-class SleepInhibitor::Inhibition {
+class Inhibition final : public SleepInhibition {
 public:
     // Keeps a file of its own; `file` stays the caller's.
     explicit Inhibition(int file) : m_file(fcntl(file, F_DUPFD_CLOEXEC, 0)) {
         if (m_file < 0) Checked(-errno, "logind's file cannot be kept");
     }
-    ~Inhibition() { close(m_file); }
+    ~Inhibition() override { close(m_file); }
     Inhibition(const Inhibition&) = delete;
     Inhibition& operator=(const Inhibition&) = delete;
 
@@ -89,7 +87,9 @@ private:
     const int m_file;
 };
 
-std::unique_ptr<SleepInhibitor::Inhibition> SleepInhibitor::Ask(const std::string& who, const std::string& reason) {
+}  // namespace
+
+std::unique_ptr<SleepInhibition> SleepInhibitor::Ask(const std::string& who, const std::string& reason) {
     const auto deadline = Clock::now() + kPatience;
     const Bus bus = Connect(deadline);
     const Message reply = CallInhibit(bus.get(), who, reason, deadline);
@@ -98,22 +98,6 @@ std::unique_ptr<SleepInhibitor::Inhibition> SleepInhibitor::Ask(const std::strin
     return std::make_unique<Inhibition>(file);
 }
 
-SleepInhibitor::SleepInhibitor(std::string who, Log log) : m_who(std::move(who)), m_log(std::move(log)) {}
-
-SleepInhibitor::~SleepInhibitor() = default;
-
-void SleepInhibitor::Hold(bool on) {
-    if (on == m_wanted) return;
-    m_wanted = on;
-    m_inhibition.reset();
-    if (!on) return;
-    try {
-        m_inhibition = Ask(m_who, m_reason);
-        m_told = false;
-    } catch (const std::runtime_error& error) {
-        if (m_log && !m_told) m_log(std::string("sleep and shutdown are not inhibited: ") + error.what());
-        m_told = true;
-    }
-}
+const char* SleepInhibitor::RefusalText() { return "sleep and shutdown are not inhibited"; }
 
 }  // namespace settings_host

@@ -10,10 +10,6 @@ namespace settings_host {
 
 namespace {
 
-[[noreturn]] void ThrowUnreadable(int error) {
-    throw std::system_error(error, std::generic_category(), "the script cannot be read");
-}
-
 // Whether a key was pressed in the console; takes other events (the mouse, the window's size) off its queue, on which a
 // read would wait.
 bool HasKey(HANDLE console) {
@@ -46,19 +42,12 @@ bool IsReadable(int file) {
 
 }  // namespace
 
-ScriptInput::ScriptInput(int file, std::function<void()> idle)
-    : m_file(file), m_idle(std::move(idle)), m_stream(static_cast<std::streambuf*>(this)) {
-    m_stream.exceptions(std::ios_base::badbit);
-}
-
 // Texts are read as other systems read them but for carriage returns, which the C library takes off in text mode.
-ScriptInput::int_type ScriptInput::underflow() {
-    while (!IsReadable(m_file)) m_idle();
-    const int size = _read(m_file, m_buffer.data(), static_cast<unsigned>(m_buffer.size()));
-    if (size == 0) return traits_type::eof();
-    if (size < 0) ThrowUnreadable(errno);
-    setg(m_buffer.data(), m_buffer.data(), m_buffer.data() + size);
-    return traits_type::to_int_type(m_buffer[0]);
+std::optional<std::size_t> ScriptInput::ReadIfReady(int file, char* buffer, std::size_t size) {
+    if (!IsReadable(file)) return std::nullopt;
+    const int got = _read(file, buffer, static_cast<unsigned>(size));
+    if (got < 0) throw std::system_error(errno, std::generic_category(), "the script cannot be read");
+    return static_cast<std::size_t>(got);
 }
 
 }  // namespace settings_host

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "base/reason.h"
+#include "base/text.h"
 #include "sleep_inhibitor.h"
 
 namespace settings_host {
@@ -11,22 +12,12 @@ namespace {
 
 using base::LastReason;
 
-std::wstring Wide(const std::string& utf8) {
-    const int size = static_cast<int>(utf8.size());
-    std::wstring wide(utf8.size(), L'\0');
-    const int length = size == 0 ? 0 : ::MultiByteToWideChar(CP_UTF8, 0, utf8.data(), size, wide.data(), size);
-    wide.resize(static_cast<std::size_t>(length));
-    return wide;
-}
-
-}  // namespace
-
 // A power request: the system keeps its reason beside it for whoever asks what keeps the computer awake. A shutdown
 // is not held up.
-class SleepInhibitor::Inhibition {
+class Inhibition final : public SleepInhibition {
 public:
     explicit Inhibition(const std::string& reason) {
-        std::wstring text = Wide(reason);
+        std::wstring text = base::WideFromUtf8(reason);
         REASON_CONTEXT context{};
         context.Version = POWER_REQUEST_CONTEXT_VERSION;
         context.Flags = POWER_REQUEST_CONTEXT_SIMPLE_STRING;
@@ -38,7 +29,7 @@ public:
         CloseHandle(m_request);
         throw std::runtime_error("the power request was refused: " + why);
     }
-    ~Inhibition() {
+    ~Inhibition() override {
         PowerClearRequest(m_request, PowerRequestSystemRequired);
         CloseHandle(m_request);
     }
@@ -49,26 +40,12 @@ private:
     HANDLE m_request;
 };
 
-std::unique_ptr<SleepInhibitor::Inhibition> SleepInhibitor::Ask(const std::string& who, const std::string& reason) {
+}  // namespace
+
+std::unique_ptr<SleepInhibition> SleepInhibitor::Ask(const std::string& who, const std::string& reason) {
     return std::make_unique<Inhibition>(who + ": " + reason);
 }
 
-SleepInhibitor::SleepInhibitor(std::string who, Log log) : m_who(std::move(who)), m_log(std::move(log)) {}
-
-SleepInhibitor::~SleepInhibitor() = default;
-
-void SleepInhibitor::Hold(bool on) {
-    if (on == m_wanted) return;
-    m_wanted = on;
-    m_inhibition.reset();
-    if (!on) return;
-    try {
-        m_inhibition = Ask(m_who, m_reason);
-        m_told = false;
-    } catch (const std::runtime_error& error) {
-        if (m_log && !m_told) m_log(std::string("sleep is not inhibited: ") + error.what());
-        m_told = true;
-    }
-}
+const char* SleepInhibitor::RefusalText() { return "sleep is not inhibited"; }
 
 }  // namespace settings_host

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "sha256_digest.h"
+#include "sha256.h"
 
 namespace update_service {
 namespace {
