@@ -12,14 +12,6 @@ using test_support::Bytes;
 using test_support::ReadFile;
 using test_support::WriteFile;
 
-#if defined(_WIN32)
-constexpr const char* kIsAllowed = "if not exist allowed exit 7";
-constexpr const char* kCopyToPen = "copy \"%ACCESSORY_PACKAGE%\" pen.installed";
-#else
-constexpr const char* kIsAllowed = "test -e allowed || exit 7";
-constexpr const char* kCopyToPen = "cp \"$1\" pen.installed";
-#endif
-
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
@@ -30,6 +22,39 @@ std::vector<int> Percentages(int first, int last) {
     return all;
 }
 
+// How tests of one accessory begin.
+class PenTest : public ServiceTest {
+protected:
+    [[nodiscard]] bool UpdatePen() {
+        AddAccessory("pen");
+        Start();
+        m_service->OnStart("pen");
+        return Told("ended pen");
+    }
+
+    [[nodiscard]] bool FetchPenSlowly() {
+        AddAccessory("pen");
+        m_options.bytesPerSecond = kSlow;
+        Start();
+        m_service->OnStart("pen");
+        return Told("progress pen 5");
+    }
+
+    [[nodiscard]] bool InstallPenUntilLet() {
+        AddAccessory("pen");
+        m_catalogue.accessories[0].installer = WaitingInstaller();
+        Start();
+        m_service->OnStart("pen");
+        return m_log.Has("pen: the installer starts");
+    }
+
+    [[nodiscard]] bool StartAndFail() {
+        Start();
+        m_service->OnStart("pen");
+        return Told("failed pen");
+    }
+};
+
 TEST_F(ServiceTest, AReadyPageGetsTheListInTheOrderOfTheCatalogue) {
     for (const char* key : {"pen", "mouse", "dock"}) AddAccessory(key);
     Start();
@@ -37,11 +62,8 @@ TEST_F(ServiceTest, AReadyPageGetsTheListInTheOrderOfTheCatalogue) {
     EXPECT_TRUE(Told("list pen mouse dock"));
 }
 
-TEST_F(ServiceTest, AStartFetchesInstallsAndTellsTheEnd) {
-    AddAccessory("pen");
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("ended pen"));
+TEST_F(PenTest, AStartFetchesInstallsAndTellsTheEnd) {
+    ASSERT_TRUE(UpdatePen());
     EXPECT_EQ(Progress("pen"), Percentages(0, 100));
     EXPECT_TRUE(IsInstalled("pen"));
     EXPECT_EQ(ReadFile(WorkFilesOf(m_options.workFolder, "pen").package), Bytes(kSize));
@@ -60,20 +82,14 @@ TEST_F(ServiceTest, WhatIsInstalledIsNotListedAgain) {
     EXPECT_TRUE(Told("list mouse", 2));
 }
 
-TEST_F(ServiceTest, AStartOfWhatIsInstalledIsAnsweredWithTheEnd) {
-    AddAccessory("pen");
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("ended pen"));
+TEST_F(PenTest, AStartOfWhatIsInstalledIsAnsweredWithTheEnd) {
+    ASSERT_TRUE(UpdatePen());
     m_service->OnStart("pen");
     EXPECT_TRUE(Told("ended pen", 2));
 }
 
-TEST_F(ServiceTest, AnotherPackageInTheCatalogueMakesAnAccessoryNewAgain) {
-    AddAccessory("pen");
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("ended pen"));
+TEST_F(PenTest, AnotherPackageInTheCatalogueMakesAnAccessoryNewAgain) {
+    ASSERT_TRUE(UpdatePen());
     const WorkFiles files = WorkFilesOf(m_options.workFolder, "pen");
     WriteFile(files.part, "of the old package");
 
@@ -89,12 +105,8 @@ TEST_F(ServiceTest, AnotherPackageInTheCatalogueMakesAnAccessoryNewAgain) {
     EXPECT_EQ(ReadFile(m_folder / "pen.installed"), "new");
 }
 
-TEST_F(ServiceTest, APauseKeepsThePartFileAndAStartGoesOnFromIt) {
-    AddAccessory("pen");
-    m_options.bytesPerSecond = kSlow;
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("progress pen 5"));
+TEST_F(PenTest, APauseKeepsThePartFileAndAStartGoesOnFromIt) {
+    ASSERT_TRUE(FetchPenSlowly());
     m_service->OnPause("pen");
     EXPECT_EQ(Remembered("pen"), Phase::kPaused);
     const std::vector<int> before = Progress("pen");
@@ -128,24 +140,16 @@ TEST_F(ServiceTest, PausesAndStartsInQuickSuccessionLoseNothing) {
     EXPECT_THAT(m_page.told.Lines(), Not(Contains("failed pen")));
 }
 
-TEST_F(ServiceTest, AStartWhileItRunsIsAnsweredWithThePresentProgress) {
-    AddAccessory("pen");
-    m_options.bytesPerSecond = kSlow;
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("progress pen 5"));
+TEST_F(PenTest, AStartWhileItRunsIsAnsweredWithThePresentProgress) {
+    ASSERT_TRUE(FetchPenSlowly());
     m_service->OnStart("pen");
     const std::vector<int> progress = Progress("pen");
     EXPECT_NE(std::adjacent_find(progress.begin(), progress.end()), progress.end());
     EXPECT_TRUE(m_log.Has("pen: runs already"));
 }
 
-TEST_F(ServiceTest, APauseDuringTheInstallationIsIgnoredAndItsEndIsTold) {
-    AddAccessory("pen");
-    m_catalogue.accessories[0].installer = WaitingInstaller();
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(m_log.Has("pen: the installer starts"));
+TEST_F(PenTest, APauseDuringTheInstallationIsIgnoredAndItsEndIsTold) {
+    ASSERT_TRUE(InstallPenUntilLet());
     m_service->OnPause("pen");
     EXPECT_TRUE(m_log.Has("pen: pause ignored: it is installing"));
     m_service->OnStart("pen");
@@ -171,13 +175,11 @@ TEST_F(ServiceTest, AStartOfAnUnknownAccessoryFails) {
     EXPECT_TRUE(m_log.Has("unknown: start refused: the catalogue does not have it"));
 }
 
-TEST_F(ServiceTest, AMissingPackageFailsAndARetrySucceedsOnceItIsThere) {
+TEST_F(PenTest, AMissingPackageFailsAndARetrySucceedsOnceItIsThere) {
     AddAccessory("pen");
     const auto package = m_catalogue.accessories[0].package;
     std::filesystem::remove(package);
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("failed pen"));
+    ASSERT_TRUE(StartAndFail());
     EXPECT_THAT(m_log.Lines(), Contains(testing::AllOf(HasSubstr("pen: failed: "), HasSubstr("No such file"),
                                                        HasSubstr(package.string()))));
     EXPECT_EQ(Remembered("pen"), Phase::kFailed);
@@ -186,12 +188,10 @@ TEST_F(ServiceTest, AMissingPackageFailsAndARetrySucceedsOnceItIsThere) {
     EXPECT_TRUE(Told("ended pen"));
 }
 
-TEST_F(ServiceTest, ADamagedPackageFailsBeforeItsInstallation) {
+TEST_F(PenTest, ADamagedPackageFailsBeforeItsInstallation) {
     AddAccessory("pen");
     WriteFile(m_catalogue.accessories[0].package, "damaged");
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("failed pen"));
+    ASSERT_TRUE(StartAndFail());
     EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("is damaged: its SHA-256 is")));
     EXPECT_FALSE(IsInstalled("pen"));
     EXPECT_THAT(m_page.told.Lines(), Not(Contains("progress pen 100")));
@@ -201,12 +201,10 @@ TEST_F(ServiceTest, ADamagedPackageFailsBeforeItsInstallation) {
     EXPECT_TRUE(IsInstalled("pen"));
 }
 
-TEST_F(ServiceTest, AFailingInstallerIsToldAndARetryDoesNotFetchAgain) {
+TEST_F(PenTest, AFailingInstallerIsToldAndARetryDoesNotFetchAgain) {
     AddAccessory("pen");
-    m_catalogue.accessories[0].installer = Shell(kIsAllowed);
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("failed pen"));
+    m_catalogue.accessories[0].installer = Shell(test_support::kFailUnlessAllowed);
+    ASSERT_TRUE(StartAndFail());
     EXPECT_TRUE(m_log.Has("pen: failed: installer: exit status 7"));
     std::filesystem::remove(m_catalogue.accessories[0].package);
     WriteFile(m_folder / "allowed", "");
@@ -215,22 +213,18 @@ TEST_F(ServiceTest, AFailingInstallerIsToldAndARetryDoesNotFetchAgain) {
     EXPECT_EQ(Progress("pen").back(), 100);
 }
 
-TEST_F(ServiceTest, AFullDiskFailsAndTheLogSaysSo) {
+TEST_F(PenTest, AFullDiskFailsAndTheLogSaysSo) {
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device here";
     AddAccessory("pen");
     std::filesystem::create_symlink("/dev/full", WorkFilesOf(m_options.workFolder, "pen").part);
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("failed pen"));
+    ASSERT_TRUE(StartAndFail());
     EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("No space left on device")));
 }
 
-TEST_F(ServiceTest, ADownloadThatIsToFailDoesSoOnce) {
+TEST_F(PenTest, ADownloadThatIsToFailDoesSoOnce) {
     AddAccessory("pen");
     m_options.failAt["pen"] = 40;
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("failed pen"));
+    ASSERT_TRUE(StartAndFail());
     EXPECT_EQ(Progress("pen"), Percentages(0, 40));
     m_service->OnStart("pen");
     ASSERT_TRUE(Told("ended pen"));
@@ -275,12 +269,8 @@ TEST_F(ServiceTest, AnInstallerThatRunsHoldsUpNobodyElse) {
     EXPECT_TRUE(Told("ended slow"));
 }
 
-TEST_F(ServiceTest, ADownloadThatRanWhenTheServiceStoppedGoesOnByItself) {
-    AddAccessory("pen");
-    m_options.bytesPerSecond = kSlow;
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("progress pen 5"));
+TEST_F(PenTest, ADownloadThatRanWhenTheServiceStoppedGoesOnByItself) {
+    ASSERT_TRUE(FetchPenSlowly());
     m_service->Stop();
     EXPECT_EQ(Remembered("pen"), Phase::kDownloading);
     const std::vector<int> before = Progress("pen");
@@ -294,32 +284,24 @@ TEST_F(ServiceTest, ADownloadThatRanWhenTheServiceStoppedGoesOnByItself) {
     EXPECT_TRUE(m_log.Has("pen: goes on: it was downloading"));
 }
 
-TEST_F(ServiceTest, APausedDownloadStaysPausedInTheNextService) {
-    AddAccessory("pen");
-    m_options.bytesPerSecond = kSlow;
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(Told("progress pen 5"));
+TEST_F(PenTest, APausedDownloadStaysPausedInTheNextService) {
+    ASSERT_TRUE(FetchPenSlowly());
     m_service->OnPause("pen");
     Start();
     m_service->OnPause("pen");
     EXPECT_TRUE(m_log.Has("pen: pause ignored: it is paused"));
 }
 
-TEST_F(ServiceTest, AnInstallationThatWasCutOffIsDoneAgain) {
-    AddAccessory("pen");
-    m_catalogue.accessories[0].installer = WaitingInstaller();
+TEST_F(PenTest, AnInstallationThatWasCutOffIsDoneAgain) {
     m_options.stopGrace = std::chrono::milliseconds(0);
-    Start();
-    m_service->OnStart("pen");
-    ASSERT_TRUE(m_log.Has("pen: the installer starts"));
+    ASSERT_TRUE(InstallPenUntilLet());
     m_service->Stop();
     EXPECT_TRUE(m_log.Has("pen: the installer still runs while the service stops"));
     EXPECT_EQ(Remembered("pen"), Phase::kInstalling);
     LetInstall();  // ends the abandoned one
 
     m_service.reset();
-    m_catalogue.accessories[0].installer = Shell(kCopyToPen);
+    m_catalogue.accessories[0].installer = Shell(test_support::kCopyPackage);
     Start();
     ASSERT_TRUE(Told("ended pen"));
     EXPECT_TRUE(m_log.Has("pen: goes on: it was installing"));

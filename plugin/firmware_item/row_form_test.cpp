@@ -121,11 +121,6 @@ TEST_F(RowForm, TheRowsEndIsItsClientsEndAndTheHandleOutlivesBoth) {
     EXPECT_EQ(handle->client, client);
 }
 
-struct FailedAllocation {
-    int nth;
-    const wchar_t* line;
-};
-
 TEST_F(RowForm, FailedAllocationsOfTheIpcSideAreLoggedAndTheRowGoesOn) {
     const FailedAllocation cases[] = {
         {1, L"InitIpcCallBack new objIPCClientPtr failed,objIPCClientPtr is nullptr"},

@@ -16,6 +16,15 @@ TagIPCMessageItem Received(std::string& payload) {
     return item;
 }
 
+// A message that came, and what reads it.
+struct ReceivedPayload {
+    explicit ReceivedPayload(std::string bytes) : payload(std::move(bytes)) {}
+
+    std::string payload;
+    TagIPCMessageItem item = Received(payload);
+    IPCDataIO reader{&item, 64, true, false};
+};
+
 TEST(IPCDataIO, HasItsOperationsInTheOrderOfTheirSlots) {
     EXPECT_EQ(Slot(&IIPCDataIO::Reserve), 0u);
     EXPECT_EQ(Slot(&IIPCDataIO::WriteUInt32), 1u);
@@ -27,9 +36,8 @@ TEST(IPCDataIO, HasItsOperationsInTheOrderOfTheirSlots) {
 }
 
 TEST(IPCDataIO, ReadOfNothingCopiesNothingAndReturnsZero) {
-    std::string payload = "abcd";
-    TagIPCMessageItem item = Received(payload);
-    IPCDataIO reader(&item, 64, true, false);
+    ReceivedPayload received("abcd");
+    IPCDataIO& reader = received.reader;
     char destination = 'x';
     EXPECT_EQ(reader.Read(&destination, 0), 0u);
     EXPECT_EQ(destination, 'x');
@@ -37,17 +45,15 @@ TEST(IPCDataIO, ReadOfNothingCopiesNothingAndReturnsZero) {
 }
 
 TEST(IPCDataIO, ReadIntoANullDestinationReturnsZeroAndDoesNotMove) {
-    std::string payload = "abcd";
-    TagIPCMessageItem item = Received(payload);
-    IPCDataIO reader(&item, 64, true, false);
+    ReceivedPayload received("abcd");
+    IPCDataIO& reader = received.reader;
     EXPECT_EQ(reader.Read(nullptr, 2), 0u);
     EXPECT_EQ(reader.Position(), 0u);
 }
 
 TEST(IPCDataIO, AShortReadCopiesNothingAndALaterShorterOneSucceeds) {
-    std::string payload = "abc";
-    TagIPCMessageItem item = Received(payload);
-    IPCDataIO reader(&item, 64, true, false);
+    ReceivedPayload received("abc");
+    IPCDataIO& reader = received.reader;
     std::uint32_t word = 7;
     std::uint8_t byte = 0;
     EXPECT_EQ(reader.ReadUInt32(&word), 0u);
@@ -58,9 +64,8 @@ TEST(IPCDataIO, AShortReadCopiesNothingAndALaterShorterOneSucceeds) {
 }
 
 TEST(IPCDataIO, ASumPast31BitsIsLargerThanAnyPayload) {
-    std::string payload = "abcdefgh";
-    TagIPCMessageItem item = Received(payload);
-    IPCDataIO reader(&item, 64, true, false);
+    ReceivedPayload received("abcdefgh");
+    IPCDataIO& reader = received.reader;
     char byte = 0;
     ASSERT_EQ(reader.Read(&byte, 1), 1u);
     for (const std::uint32_t n : {0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu, 0xFFFFFFFFu}) {
@@ -70,10 +75,9 @@ TEST(IPCDataIO, ASumPast31BitsIsLargerThanAnyPayload) {
 }
 
 TEST(IPCDataIO, ANegativeLengthHoldsNothing) {
-    std::string payload = "abcd";
-    TagIPCMessageItem item = Received(payload);
-    item.dataLen = -1;
-    IPCDataIO reader(&item, 64, true, false);
+    ReceivedPayload received("abcd");
+    received.item.dataLen = -1;
+    IPCDataIO& reader = received.reader;
     char byte = 'x';
     EXPECT_EQ(reader.Read(&byte, 1), 0u);
     EXPECT_EQ(byte, 'x');

@@ -50,11 +50,6 @@ TEST_F(UpdateWindow, WithANullArgumentTheRegistrationsAreThereAndNothingIsPosted
     }
 }
 
-struct FailedAllocation {
-    int nth;
-    const wchar_t* line;
-};
-
 TEST_F(UpdateWindow, FailedAllocationsOfTheIpcSideAreLoggedAndEndTheWiring) {
     const FailedAllocation cases[] = {
         {1, L"InitIpcCallBack new objIPCClientPtr failed,  objIPCClientPtr is nullptr."},

@@ -61,4 +61,19 @@ private:
     std::unique_ptr<test_process::Process> m_process;
 };
 
+// A page of three accessories: the dock's first download fails, the mouse has a companion.
+class ThreeRowsTest : public WindowE2ETest {
+protected:
+    ThreeRowsTest() {
+        for (const char* key : {"pen", "dock", "mouse"}) AddAccessory(key);
+    }
+
+    void OpenPage() {
+        StartService({"--rate", kSlowRate, "--fail", "dock:40"});
+        OpenWindow({"--companions", m_companion.Configuration().string()}, 3, "mouse");
+    }
+
+    Companion m_companion{m_folder.Path(), "mouse"};
+};
+
 }  // namespace e2e

@@ -5,19 +5,7 @@
 namespace e2e {
 namespace {
 
-class KeyboardTest : public WindowE2ETest {
-protected:
-    KeyboardTest() {
-        for (const char* key : {"pen", "dock", "mouse"}) AddAccessory(key);
-    }
-
-    void OpenPage() {
-        StartService({"--rate", kSlowRate, "--fail", "dock:40"});
-        OpenWindow({"--companions", m_companion.Configuration().string()}, 3, "mouse");
-    }
-
-    Companion m_companion{m_folder.Path(), "mouse"};
-};
+using KeyboardTest = ThreeRowsTest;
 
 TEST_F(KeyboardTest, AllUpdatesAreDoneByKeyboardAlone) {
     OpenPage();

@@ -5,17 +5,8 @@
 namespace e2e {
 namespace {
 
-class MouseTest : public WindowE2ETest {
+class MouseTest : public ThreeRowsTest {
 protected:
-    MouseTest() {
-        for (const char* key : {"pen", "dock", "mouse"}) AddAccessory(key);
-    }
-
-    void OpenPage() {
-        StartService({"--rate", kSlowRate, "--fail", "dock:40"});
-        OpenWindow({"--companions", m_companion.Configuration().string()}, 3, "mouse");
-    }
-
     void UpdateWithAPause(const std::string& key) {
         ClickOn(key + "updateBtn");
         Play("wait running 1\nwait shown runningCount\nwait percent " + key + "progress 5");
@@ -41,8 +32,6 @@ protected:
         ClickOn(key + "updateBtn");
         Play("wait running 1\nwait hidden " + key + "hor within 60\nwait running 0");
     }
-
-    Companion m_companion{m_folder.Path(), "mouse"};
 };
 
 TEST_F(MouseTest, AllUpdatesAreDoneByMouseAlone) {

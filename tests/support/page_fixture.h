@@ -59,6 +59,12 @@ private:
     std::vector<std::wstring> m_expectedFailures;
 };
 
+// An allocation that fails (nothrow_failure.h), and what the log says then.
+struct FailedAllocation {
+    int nth;
+    const wchar_t* line;
+};
+
 // One accessory, by default a pen application with one line.
 AccessoryVersionDataInfo Accessory(const std::string& key, std::vector<std::wstring> lines = {L"Fixes sleep."},
                                    const std::wstring& modelId = L"IDS_NAME_PEN", bool isDriver = false);

@@ -136,16 +136,11 @@ TEST_F(ControlTest, AnEmptyAttributeIsThere) {
 
 TEST_F(ControlTest, AttributesSetTheProperties) {
     CTextUI text;
-    text.SetAttribute(L"name", L"devInfo");
-    text.SetAttribute(L"text", L"Fixes sleep.");
-    text.SetAttribute(L"tooltip", L"tip");
-    text.SetAttribute(L"visible", L"false");
-    text.SetAttribute(L"enabled", L"false");
-    text.SetAttribute(L"width", L"400");
-    text.SetAttribute(L"height", L"20");
-    text.SetAttribute(L"font", L"9");
-    text.SetAttribute(L"textcolor", L"99000000");
-    text.SetAttribute(L"virtualwnd", L"page");
+    const std::pair<const wchar_t*, const wchar_t*> attributes[] = {
+        {L"name", L"devInfo"},       {L"text", L"Fixes sleep."}, {L"tooltip", L"tip"}, {L"visible", L"false"},
+        {L"enabled", L"false"},      {L"width", L"400"},         {L"height", L"20"},   {L"font", L"9"},
+        {L"textcolor", L"99000000"}, {L"virtualwnd", L"page"}};
+    for (const auto& [name, value] : attributes) text.SetAttribute(name, value);
     EXPECT_EQ(text.GetName(), L"devInfo");
     EXPECT_EQ(text.GetText(), L"Fixes sleep.");
     EXPECT_EQ(text.GetToolTip(), L"tip");

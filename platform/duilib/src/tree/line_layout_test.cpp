@@ -4,7 +4,17 @@
 namespace DuiLib {
 
 using VerticalLayoutTest = WindowTest<CVerticalLayoutUI>;
-using HorizontalLayoutTest = WindowTest<CHorizontalLayoutUI>;
+
+class HorizontalLayoutTest : public WindowTest<CHorizontalLayoutUI> {
+protected:
+    CHorizontalLayoutUI* RowInAPage(std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> attributes = {}) {
+        auto* const page = Make<CVerticalLayoutUI>();
+        auto* const row = Make<CHorizontalLayoutUI>(attributes);
+        page->Add(row);
+        window.AttachRoot(page);
+        return row;
+    }
+};
 
 TEST_F(VerticalLayoutTest, ChildrenWithoutHeightOrContentShareWhatIsLeft) {
     Add<>({{L"height", L"99"}});
@@ -97,10 +107,7 @@ TEST_F(HorizontalLayoutTest, WidthsComeFromTheAttributeTheContentAndWhatIsLeft) 
 }
 
 TEST_F(HorizontalLayoutTest, AWrappingTextTakesWhatIsLeftAndIsAsHighAsItThenNeeds) {
-    auto* const page = Make<CVerticalLayoutUI>();
-    auto* const row = Make<CHorizontalLayoutUI>();
-    page->Add(row);
-    window.AttachRoot(page);
+    auto* const row = RowInAPage();
     Add<>({{L"width", L"350"}, {L"height", L"10"}}, row);
     auto* const text = Add<CTextUI>({{L"text", L"0123456789"}}, row);
     EXPECT_EQ(text->GetPos(), (CDuiRect{350, 0, 400, 40}));
@@ -108,10 +115,7 @@ TEST_F(HorizontalLayoutTest, AWrappingTextTakesWhatIsLeftAndIsAsHighAsItThenNeed
 }
 
 TEST_F(HorizontalLayoutTest, ARowIsAsHighAsItsHighestChild) {
-    auto* const page = Make<CVerticalLayoutUI>();
-    auto* const row = Make<CHorizontalLayoutUI>({{L"inset", L"0,1,0,2"}, {L"childpadding", L"5"}});
-    page->Add(row);
-    window.AttachRoot(page);
+    auto* const row = RowInAPage({{L"inset", L"0,1,0,2"}, {L"childpadding", L"5"}});
     auto* const a = Add<>({{L"height", L"30"}, {L"width", L"10"}, {L"padding", L"1,2,3,4"}}, row);
     auto* const b = Add<>({{L"width", L"10"}}, row);
     EXPECT_EQ(row->GetHeight(), 39);
@@ -129,10 +133,7 @@ TEST_F(HorizontalLayoutTest, ChildrenThatDoNotFillAreAligned) {
 }
 
 TEST_F(HorizontalLayoutTest, ASpringInARowDoesNotMakeTheRowHigher) {
-    auto* const page = Make<CVerticalLayoutUI>();
-    auto* const row = Make<CHorizontalLayoutUI>();
-    page->Add(row);
-    window.AttachRoot(page);
+    auto* const row = RowInAPage();
     Add<>({}, row);
     Add<>({{L"width", L"20"}, {L"height", L"20"}}, row);
     EXPECT_EQ(row->GetHeight(), 20);

@@ -76,44 +76,43 @@ TEST(NotifyPump, APlainPumpHearsNothing) {
     EXPECT_EQ(pump.GetMessageMap()->entries->handler, nullptr);
 }
 
-TEST(NotifyPump, AMessageGoesToTheVirtualWindowThatItNames) {
-    DerivedPump page;
-    DerivedPump panel;
+class VirtualWindows : public testing::Test {
+protected:
+    void PressInPanel() {
+        TNotifyUI message{L"press", nullptr, L"panel", {}};
+        page.NotifyPump(message);
+    }
+
+    DerivedPump page, panel;
+};
+
+TEST_F(VirtualWindows, AMessageGoesToTheVirtualWindowThatItNames) {
     EXPECT_TRUE(page.AddVirtualWnd(L"panel", &panel));
-    TNotifyUI message{L"press", nullptr, L"panel", {}};
-    page.NotifyPump(message);
+    PressInPanel();
     EXPECT_EQ(panel.heard, "click ");
     EXPECT_EQ(page.heard, "");
 }
 
-TEST(NotifyPump, AMessageForAnUnknownVirtualWindowStaysInThePage) {
-    DerivedPump page;
-    TNotifyUI message{L"press", nullptr, L"panel", {}};
-    page.NotifyPump(message);
+TEST_F(VirtualWindows, AMessageForAnUnknownVirtualWindowStaysInThePage) {
+    PressInPanel();
     EXPECT_EQ(page.heard, "click ");
 }
 
-TEST(NotifyPump, AVirtualWindowThatIsRemovedHearsNothingMore) {
-    DerivedPump page;
-    DerivedPump panel;
+TEST_F(VirtualWindows, AVirtualWindowThatIsRemovedHearsNothingMore) {
     page.AddVirtualWnd(L"panel", &panel);
     EXPECT_TRUE(page.RemoveVirtualWnd(L"panel"));
     EXPECT_FALSE(page.RemoveVirtualWnd(L"panel"));
-    TNotifyUI message{L"press", nullptr, L"panel", {}};
-    page.NotifyPump(message);
+    PressInPanel();
     EXPECT_EQ(panel.heard, "");
     EXPECT_EQ(page.heard, "click ");
 }
 
-TEST(NotifyPump, ANameThatIsThereAlreadyIsTakenOver) {
-    DerivedPump page;
-    DerivedPump first;
+TEST_F(VirtualWindows, ANameThatIsThereAlreadyIsTakenOver) {
     DerivedPump second;
-    page.AddVirtualWnd(L"panel", &first);
+    page.AddVirtualWnd(L"panel", &panel);
     EXPECT_TRUE(page.AddVirtualWnd(L"panel", &second));
-    TNotifyUI message{L"press", nullptr, L"panel", {}};
-    page.NotifyPump(message);
-    EXPECT_EQ(first.heard, "");
+    PressInPanel();
+    EXPECT_EQ(panel.heard, "");
     EXPECT_EQ(second.heard, "click ");
 }
 

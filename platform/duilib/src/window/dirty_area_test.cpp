@@ -5,52 +5,36 @@
 namespace DuiLib {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 constexpr CDuiRect kWindow{0, 0, 100, 100};
 
-TEST(DirtyArea, AreasThatDoNotMeetStayApart) {
+using Areas = std::vector<CDuiRect>;
+
+Areas TakenOf(const Areas& added) {
     DirtyArea dirty;
-    dirty.Add({0, 0, 10, 10});
-    dirty.Add({20, 0, 30, 10});
-    EXPECT_THAT(dirty.Take(kWindow), ElementsAre(CDuiRect{0, 0, 10, 10}, CDuiRect{20, 0, 30, 10}));
+    for (const CDuiRect& area : added) dirty.Add(area);
+    const Areas taken = dirty.Take(kWindow);
     EXPECT_TRUE(dirty.IsEmpty());
+    return taken;
 }
 
-TEST(DirtyArea, AreasThatOverlapBecomeOneAroundThem) {
-    DirtyArea dirty;
-    dirty.Add({0, 0, 10, 10});
-    dirty.Add({5, 5, 15, 15});
-    EXPECT_THAT(dirty.Take(kWindow), ElementsAre(CDuiRect{0, 0, 15, 15}));
-}
-
-TEST(DirtyArea, TheOneAroundTwoTakesInWhatItThenOverlaps) {
-    DirtyArea dirty;
-    dirty.Add({0, 0, 4, 4});
-    dirty.Add({0, 20, 4, 24});
-    dirty.Add({2, 2, 30, 22});
-    EXPECT_THAT(dirty.Take(kWindow), ElementsAre(CDuiRect{0, 0, 30, 24}));
-}
-
-TEST(DirtyArea, WhatLiesWithinAnotherAddsNothing) {
-    DirtyArea dirty;
-    dirty.Add({0, 0, 50, 50});
-    dirty.Add({10, 10, 20, 20});
-    EXPECT_THAT(dirty.Take(kWindow), ElementsAre(CDuiRect{0, 0, 50, 50}));
-}
-
-TEST(DirtyArea, EmptyAreasAndThoseOutsideTheWindowCountForNothing) {
-    DirtyArea dirty;
-    dirty.Add({10, 10, 10, 20});
-    dirty.Add({200, 0, 210, 10});
-    EXPECT_THAT(dirty.Take(kWindow), IsEmpty());
+TEST(DirtyArea, AreasThatMeetBecomeOne) {
+    const struct {
+        const char* what;
+        Areas added, taken;
+    } cases[] = {
+        {"areas that do not meet stay apart", {{0, 0, 10, 10}, {20, 0, 30, 10}}, {{0, 0, 10, 10}, {20, 0, 30, 10}}},
+        {"areas that overlap become one around them", {{0, 0, 10, 10}, {5, 5, 15, 15}}, {{0, 0, 15, 15}}},
+        {"that one takes in what it then overlaps", {{0, 0, 4, 4}, {0, 20, 4, 24}, {2, 2, 30, 22}}, {{0, 0, 30, 24}}},
+        {"what lies within another adds nothing", {{0, 0, 50, 50}, {10, 10, 20, 20}}, {{0, 0, 50, 50}}},
+        {"empty areas and those outside the window count for nothing", {{10, 10, 10, 20}, {200, 0, 210, 10}}, {}},
+    };
+    for (const auto& c : cases) EXPECT_EQ(TakenOf(c.added), c.taken) << c.what;
 }
 
 TEST(DirtyArea, ManyAreasBecomeOne) {
-    DirtyArea dirty;
-    for (int i = 0; i < 17; ++i) dirty.Add({4 * i, 0, 4 * i + 2, 2});
-    EXPECT_THAT(dirty.Take(kWindow), ElementsAre(CDuiRect{0, 0, 66, 2}));
+    Areas many;
+    for (int i = 0; i < 17; ++i) many.push_back({4 * i, 0, 4 * i + 2, 2});
+    EXPECT_EQ(TakenOf(many), (Areas{{0, 0, 66, 2}}));
 }
 
 }  // namespace

@@ -90,6 +90,15 @@ protected:
         window.Tick(kStart);
         window.Tick(kStart + milliseconds(500));
     }
+
+    // Clicks on a button that then says why not, and waits for the tip.
+    CButtonUI* RefusedClick() {
+        auto* const button = Add<CButtonUI>({{L"pos", L"100,100,200,120"}});
+        EXPECT_TRUE(Click(button));
+        button->SetToolTip(L"Not now");
+        WaitHalfASecond();
+        return button;
+    }
 };
 
 TEST_F(ToolTipInAWindow, ThePointerGetsItsTipAlsoAfterTheKeyboardWasUsed) {
@@ -103,10 +112,7 @@ TEST_F(ToolTipInAWindow, ThePointerGetsItsTipAlsoAfterTheKeyboardWasUsed) {
 }
 
 TEST_F(ToolTipInAWindow, TheSameTipAgainIsShownAgainAfterAClickButDoesNotFlicker) {
-    auto* const button = Add<CButtonUI>({{L"pos", L"100,100,150,150"}});
-    EXPECT_TRUE(Click(button));
-    button->SetToolTip(L"Not now");
-    WaitHalfASecond();
+    CButtonUI* const button = RefusedClick();
     button->SetToolTip(L"Not now");
     EXPECT_EQ(window.GetToolTipOwner(), button);
     EXPECT_TRUE(Click(button));
@@ -131,10 +137,7 @@ TEST_F(ToolTipInAWindow, ATipIsPaintedBelowItsControlAndTakenAwayAgain) {
 }
 
 TEST_F(ToolTipInAWindow, ATipThatAClickSetsIsShownWithoutMovingThePointer) {
-    auto* const button = Add<CButtonUI>({{L"pos", L"100,100,200,120"}});
-    EXPECT_TRUE(Click(button));
-    button->SetToolTip(L"Not now");
-    WaitHalfASecond();
+    CButtonUI* const button = RefusedClick();
     EXPECT_EQ(window.GetToolTipOwner(), button);
     button->SetToolTip(L"");
     EXPECT_EQ(window.GetToolTipOwner(), nullptr);

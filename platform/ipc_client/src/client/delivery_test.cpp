@@ -36,6 +36,18 @@ protected:
 
     void PostToSelf(int msgId, const std::string& data = "") { EXPECT_TRUE(Post(*m_client, kPage, msgId, data)); }
 
+    // Returns while a callback sleeps, which then sets `finished`.
+    void BeInACallbackThatSleeps(std::atomic<bool>& finished) {
+        const auto entered = std::make_shared<std::promise<void>>();
+        m_client->RegisterMessageCallback(kFirst, [&finished, entered](TagIPCMessageItem&) {
+            entered->set_value();
+            kernel::Sleep(20);  // gives the turn up, and needs it again to return
+            finished = true;
+        });
+        PostToSelf(kFirst);
+        entered->get_future().wait();
+    }
+
     IPCBroker m_broker;
     std::unique_ptr<IPCMessageClient> m_client;
 };
@@ -132,15 +144,8 @@ TEST_F(DeliveryTest, BeyondTheBytesThatMayWaitForCallbacksTheOldestMessageIsDrop
 }
 
 TEST_F(DeliveryTest, UnregistrationWaitsForTheRunningCallbackAndGivesUpTheUiTurn) {
-    std::promise<void> entered;
     std::atomic<bool> finished{false};
-    m_client->RegisterMessageCallback(kFirst, [&](TagIPCMessageItem&) {
-        entered.set_value();
-        kernel::Sleep(20);  // gives the turn up, and needs it again to return
-        finished = true;
-    });
-    PostToSelf(kFirst);
-    entered.get_future().wait();
+    BeInACallbackThatSleeps(finished);
     const kernel::UiTurn turn;
     EXPECT_TRUE(m_client->UnRegisterMessageCallback(kFirst));
     EXPECT_TRUE(finished);
@@ -212,15 +217,8 @@ TEST_F(DeliveryTest, NoCallbackRunsAfterDestruction) {
 }
 
 TEST_F(DeliveryTest, DestructionWaitsForTheCallbackThatSleepsAndGivesUpTheUiTurn) {
-    std::promise<void> entered;
     std::atomic<bool> finished{false};
-    m_client->RegisterMessageCallback(kFirst, [&](TagIPCMessageItem&) {
-        entered.set_value();
-        kernel::Sleep(20);  // gives the turn up, and needs it again to return
-        finished = true;
-    });
-    PostToSelf(kFirst);
-    entered.get_future().wait();
+    BeInACallbackThatSleeps(finished);
     const kernel::UiTurn turn;
     m_client.reset();
     EXPECT_TRUE(finished);

@@ -31,13 +31,20 @@ std::unique_ptr<IPCMessageClient> Client(int endpointId) {
     return std::make_unique<IPCMessageClient>(endpointId, true, false, kPipe);
 }
 
-TEST_F(IpcMessageClientTest, EveryFieldOfAMessageArrives) {
-    IPCBroker broker(kPipe);
-    broker.Start();
-    Inbox inbox;
-    const auto page = Client(kPage);
-    page->RegisterMessageCallback(kList, inbox.Callback());
+// A broker, and a page that collects its lists.
+class ListeningPageTest : public IpcMessageClientTest {
+protected:
+    ListeningPageTest() {
+        broker.Start();
+        page->RegisterMessageCallback(kList, inbox.Callback());
+    }
 
+    IPCBroker broker{kPipe};
+    Inbox inbox;
+    const std::unique_ptr<IPCMessageClient> page = Client(kPage);
+};
+
+TEST_F(ListeningPageTest, EveryFieldOfAMessageArrives) {
     std::string data = "a\0b"s;
     TagIPCMessageItem item;
     item.text = "a text that is too long for the small buffer of a string";
@@ -68,12 +75,7 @@ TEST_F(IpcMessageClientTest, EveryFieldOfAMessageArrives) {
     EXPECT_TRUE(received[0].zeroBehindData);
 }
 
-TEST_F(IpcMessageClientTest, AnEmptyPayloadIsANullPointer) {
-    IPCBroker broker(kPipe);
-    broker.Start();
-    Inbox inbox;
-    const auto page = Client(kPage);
-    page->RegisterMessageCallback(kList, inbox.Callback());
+TEST_F(ListeningPageTest, AnEmptyPayloadIsANullPointer) {
     char unused = 'x';
     TagIPCMessageItem item;
     item.destId = kPage;
@@ -118,12 +120,7 @@ TEST_F(IpcMessageClientTest, EveryClientOfAnEndpointGetsACopyOfItsOwn) {
     EXPECT_THAT(second.WaitForData(2), ElementsAre("a", "b"));
 }
 
-TEST_F(IpcMessageClientTest, TheLargestPayloadArrivesAndALargerOneIsRefused) {
-    IPCBroker broker(kPipe);
-    broker.Start();
-    Inbox inbox;
-    const auto page = Client(kPage);
-    page->RegisterMessageCallback(kList, inbox.Callback());
+TEST_F(ListeningPageTest, TheLargestPayloadArrivesAndALargerOneIsRefused) {
     EXPECT_TRUE(Post(*page, kPage, kList, std::string(ipc_client::kMaxDataBytes, 'x')));
     EXPECT_FALSE(Post(*page, kPage, kList, std::string(ipc_client::kMaxDataBytes + 1, 'x')));
     const auto received = inbox.WaitFor(1);

@@ -5,8 +5,12 @@
 #include <algorithm>
 #include <random>
 
+#include "ipc/message_frame.h"
+
 namespace ipc_client {
 namespace {
+
+using ipc_test::MessageFrame;
 
 void Feed(FrameReader& reader, std::string_view bytes) {
     while (!bytes.empty()) {
@@ -18,22 +22,13 @@ void Feed(FrameReader& reader, std::string_view bytes) {
     }
 }
 
-std::string Message(std::string data) {
-    TagIPCMessageItem item;
-    item.data = data.data();
-    item.dataLen = static_cast<std::int32_t>(data.size());
-    std::string frame;
-    AppendMessage(frame, item);
-    return frame;
-}
-
 TEST(FrameReader, BytesThatComeOneByOneMakeTheSameFrames) {
     std::string stream;
     AppendHello(stream);
     const Route route{1, 2};
     AppendRoutes(stream, FrameType::kAnnounce, {&route, 1});
-    stream += Message("one");
-    stream += Message("");
+    stream += MessageFrame("one");
+    stream += MessageFrame("");
 
     FrameReader reader;
     std::vector<std::pair<FrameType, std::string>> frames;
@@ -45,12 +40,12 @@ TEST(FrameReader, BytesThatComeOneByOneMakeTheSameFrames) {
     }
     ASSERT_EQ(frames.size(), 3u);
     EXPECT_EQ(frames[0].first, FrameType::kAnnounce);
-    EXPECT_EQ(frames[1].second, Message("one"));
-    EXPECT_EQ(frames[2].second, Message(""));
+    EXPECT_EQ(frames[1].second, MessageFrame("one"));
+    EXPECT_EQ(frames[2].second, MessageFrame(""));
 }
 
 TEST(FrameReader, AFrameCutAtAnyLengthIsNotYetAFrame) {
-    const std::string frame = Message("payload");
+    const std::string frame = MessageFrame("payload");
     for (std::size_t length = 0; length < frame.size(); ++length) {
         FrameReader reader;
         Feed(reader, std::string_view(frame).substr(0, length));
@@ -64,12 +59,12 @@ TEST(FrameReader, AFrameCutAtAnyLengthIsNotYetAFrame) {
 }
 
 TEST(FrameReader, TheLargestMessageFitsBetweenSmallOnes) {
-    const std::string large = Message(std::string(kMaxDataBytes, 'x'));
+    const std::string large = MessageFrame(std::string(kMaxDataBytes, 'x'));
     FrameReader reader;
-    Feed(reader, Message("before") + large + Message("after"));
-    EXPECT_EQ(reader.Next()->whole, Message("before"));
+    Feed(reader, MessageFrame("before") + large + MessageFrame("after"));
+    EXPECT_EQ(reader.Next()->whole, MessageFrame("before"));
     EXPECT_EQ(reader.Next()->whole, large);
-    EXPECT_EQ(reader.Next()->whole, Message("after"));
+    EXPECT_EQ(reader.Next()->whole, MessageFrame("after"));
     EXPECT_FALSE(reader.Next().has_value());
 }
 
@@ -81,7 +76,7 @@ TEST(FrameReader, AnOversizedFrameIsRefusedBeforeItsBodyComes) {
 
 TEST(FrameReader, AnAnnouncedLengthTakesNoMemoryBeforeTheBytesCome) {
     FrameReader reader;
-    Feed(reader, Message(std::string(kMaxDataBytes, 'x')).substr(0, 100));
+    Feed(reader, MessageFrame(std::string(kMaxDataBytes, 'x')).substr(0, 100));
     EXPECT_FALSE(reader.Next().has_value());
     EXPECT_LT(reader.Space().size(), 1024u * 1024u);
 }

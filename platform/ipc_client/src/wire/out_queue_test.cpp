@@ -2,19 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "ipc/message_frame.h"
 #include "wire/frame.h"
 
 namespace ipc_client {
 namespace {
 
-std::string Message(std::string data) {
-    TagIPCMessageItem item;
-    item.data = data.data();
-    item.dataLen = static_cast<std::int32_t>(data.size());
-    std::string frame;
-    AppendMessage(frame, item);
-    return frame;
-}
+using ipc_test::MessageFrame;
 
 std::string Announcement() {
     const Route route{1, 2};
@@ -27,7 +21,7 @@ TEST(OutQueue, WhatIsAppendedComesOutInOrderWhateverIsTaken) {
     OutQueue queue;
     std::string expected, written;
     for (int i = 0; i < 100; ++i) {
-        const std::string frame = Message(std::to_string(i));
+        const std::string frame = MessageFrame(std::to_string(i));
         queue.Append(frame);
         expected += frame;
         const std::string_view part = queue.Chunk().substr(0, 17);
@@ -45,15 +39,15 @@ TEST(OutQueue, WhatIsAppendedComesOutInOrderWhateverIsTaken) {
 
 TEST(OutQueue, AChunkStaysWhereItIsWhileMoreIsAppended) {
     OutQueue queue;
-    queue.Append(Message("one"));
+    queue.Append(MessageFrame("one"));
     const std::string_view chunk = queue.Chunk();
-    for (int i = 0; i < 1000; ++i) queue.Append(Message("more"));
-    EXPECT_EQ(chunk, Message("one"));
+    for (int i = 0; i < 1000; ++i) queue.Append(MessageFrame("more"));
+    EXPECT_EQ(chunk, MessageFrame("one"));
     EXPECT_EQ(queue.Chunk().data(), chunk.data());
 }
 
 TEST(OutQueue, MessagesNotWrittenToTheirEndAreGivenBackWhole) {
-    const std::string one = Message("one"), two = Message("two"), three = Message("three");
+    const std::string one = MessageFrame("one"), two = MessageFrame("two"), three = MessageFrame("three");
     for (std::size_t written = 0; written <= one.size() + two.size(); ++written) {
         OutQueue queue;
         queue.Append(one + two);
@@ -70,10 +64,10 @@ TEST(OutQueue, MessagesNotWrittenToTheirEndAreGivenBackWhole) {
 
 TEST(OutQueue, AnnouncementsAreNotGivenBack) {
     OutQueue queue;
-    queue.Append(Announcement() + Message("one"));
+    queue.Append(Announcement() + MessageFrame("one"));
     queue.Chunk();
-    queue.Append(Announcement() + Message("two"));
-    EXPECT_EQ(queue.TakeMessages(), Message("one") + Message("two"));
+    queue.Append(Announcement() + MessageFrame("two"));
+    EXPECT_EQ(queue.TakeMessages(), MessageFrame("one") + MessageFrame("two"));
 }
 
 }  // namespace
