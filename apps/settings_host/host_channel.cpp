@@ -36,27 +36,27 @@ void HostChannel::Listen(IPCMessageClient& client, const channel::FromPage<Paylo
 void HostChannel::OnHeight(const channel::Decimal& payload) {
     const std::optional<int> height = payload.Number();
     if (!height) {
-        Say("host: a height message holds \"" + payload.digits + "\", which is no number; ignored");
+        WriteTranscript("host: a height message holds \"" + payload.digits + "\", which is no number; ignored");
         return;
     }
     m_news.contentHeight = std::clamp(*height, -kMostHeight, kMostHeight);
     m_news.heightReported = true;
-    Say("host: content height " + payload.digits);
+    WriteTranscript("host: content height " + payload.digits);
 }
 
 void HostChannel::OnNothingLeft(const channel::Decimal&) {
     m_news.nothingLeft = true;
-    Say("host: no update is left");
+    WriteTranscript("host: no update is left");
 }
 
 void HostChannel::OnUpdate(const channel::DeviceKey& payload) {
     m_news.running.insert(payload.key);
-    Say("host: update of " + payload.key + " runs");
+    WriteTranscript("host: update of " + payload.key + " runs");
 }
 
 void HostChannel::OnUpdateFinish(const channel::DeviceKey& payload) {
     m_news.running.erase(payload.key);
-    Say("host: update of " + payload.key + " has stopped");
+    WriteTranscript("host: update of " + payload.key + " has stopped");
 }
 
 }  // namespace settings_host

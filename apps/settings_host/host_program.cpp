@@ -14,8 +14,8 @@
 #include "ipc_client/ipc_connection_state.h"
 #include "kernel/ui_turn.h"
 #include "log.h"
-#include "page_text.h"
 #include "page_waits.h"
+#include "qx_logger/qx_logger.h"
 #include "script_input.h"
 #include "script_runner.h"
 #include "transcript.h"
@@ -49,7 +49,7 @@ std::vector<std::string> Lines(const std::string& text) {
 HostProgram::HostProgram(const CommandLine& commandLine)
     : m_commandLine(commandLine),
       m_module(commandLine.module),
-      m_inhibitor("Settings", [](const std::string& line) { LogLibraryLine(LOG_LEVEL_EVENT, line); }),
+      m_inhibitor("Settings", [](const std::string& line) { WriteLog(LOG_LEVEL_EVENT, line); }),
       m_channel([this] { WakeUp(); }),
       m_window(m_module, m_channel, m_inhibitor) {
     if (!commandLine.headless) {
@@ -103,7 +103,7 @@ void HostProgram::Run() {
     if (!m_commandLine.screenshot.empty()) {
         Settle();
         m_window.SavePicture(m_commandLine.screenshot);
-        Say("picture: " + Utf8FromPath(m_commandLine.screenshot));
+        WriteTranscript("picture: " + Utf8FromPath(m_commandLine.screenshot));
     } else if (m_commandLine.script.empty()) {
         for (;;) Step({});
     }
@@ -136,13 +136,13 @@ void HostProgram::WritePage() {
     std::vector<std::string> lines;
     {
         const kernel::UiTurn turn;
-        lines = Lines(PageText(m_window));
+        lines = Lines(m_window.PageText());
     }
     if (lines == m_written) return;
     const bool whole = lines.size() != m_written.size();
-    if (whole) Say(lines.empty() ? "page: (nothing is shown)" : "page:");
+    if (whole) WriteTranscript(lines.empty() ? "page: (nothing is shown)" : "page:");
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (whole || lines[i] != m_written[i]) Say(lines[i]);
+        if (whole || lines[i] != m_written[i]) WriteTranscript(lines[i]);
     }
     m_written = lines;
 }
@@ -177,7 +177,7 @@ void HostProgram::PlayFrom(std::istream& input, const std::string& name, bool fr
             ended = true;
         } catch (const script::Error& error) {
             if (!fromTerminal) throw;
-            Say(base::Reason(error));  // a person tries again
+            WriteTranscript(base::Reason(error));  // a person tries again
         }
     }
 }
@@ -190,7 +190,7 @@ void HostProgram::Settle() {
     for (;;) {
         Step(kLookAgain);
         const kernel::UiTurn turn;
-        std::string text = PageText(m_window);
+        std::string text = m_window.PageText();
         const auto now = steady_clock::now();
         if (text != before) since = now;
         before = std::move(text);

@@ -2,11 +2,19 @@
 
 #include <string>
 
-#include "qx_logger/qx_logger.h"
+#include "options.h"
 
+// The log that the page and the host's libraries write to.
 namespace settings_host {
 
-// One line of a library of the host's, UTF-8, into the log that the page writes to. Any thread.
-void LogLibraryLine(int level, const std::string& text);
+// Opens it as the command line says, and lets the libraries' lines go there. Throws std::runtime_error, naming the file
+// and the reason.
+void OpenLog(const CommandLine& commandLine);
+
+// One line, UTF-8. One that cannot be written is dropped. Any thread.
+void WriteLog(int level, const std::string& text) noexcept;
+
+// Lets go of the log file; later lines go nowhere.
+void CloseLog();
 
 }  // namespace settings_host

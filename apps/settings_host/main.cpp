@@ -7,14 +7,19 @@
 #include <string>
 #include <thread>
 
+#include "accessory_update_config/accessory_update_config.h"
 #include "base/arguments.h"
 #include "base/reason.h"
 #include "base/stop_signal.h"
-#include "duilib/window.h"
+#include "duilib/duilib.h"
 #include "host_program.h"
 #include "ipc_client/ipc_log.h"
-#include "libraries.h"
+#include "kernel/ui_turn.h"
+#include "language_choice.h"
+#include "log.h"
 #include "options.h"
+#include "page_waits.h"
+#include "qx_data_report/qx_data_report.h"
 #include "sample.h"
 #include "transcript.h"
 
@@ -34,10 +39,34 @@ void ChooseDisplay(CommandLine& commandLine) {
     commandLine.headless = true;
 }
 
+void LoadLanguage(const std::filesystem::path& folder, const std::string& wanted) {
+    const std::string language = wanted.empty() ? ChooseLanguage(AvailableLanguages(folder), SystemLocale()) : wanted;
+    DuiLib::UICulture::GetInstance()->Load(folder / (language + ".xml"));
+}
+
+// Prepares what the page and the host share: log, usage report, companions, scale, resources, language. Throws
+// std::runtime_error, naming the file and the reason.
+void SetUp(const CommandLine& commandLine) {
+    OpenLog(commandLine);
+    QxDataReport::Instance()->SetFile(commandLine.reportFile);
+    if (!commandLine.companions.empty()) AccessoryUpdateConfig::Load(commandLine.companions);
+    if (commandLine.waitPercent != 100) SetWaitPercent(commandLine.waitPercent);
+    if (commandLine.trace) TraceMessages();
+
+    const kernel::UiTurn turn;
+    auto* const resources = DuiLib::CResourceManager::GetInstance();
+    const std::filesystem::path skin = commandLine.components / "brindle" / "res";
+    resources->SetScale(commandLine.scale.value_or(100));
+    resources->SetResourceBase(commandLine.components / ".." / "bin");
+    resources->SetSkinFolder(skin);
+    resources->SetFallbackPicture(skin / "drawable/Brindle/fallback.svg");
+    LoadLanguage(skin / "language", commandLine.language);
+}
+
 void Run(CommandLine& commandLine, std::optional<Sample>& sample) {
     ChooseDisplay(commandLine);
     if (!commandLine.sample.empty()) sample.emplace(commandLine);
-    SetUpLibraries(commandLine);
+    SetUp(commandLine);
     HostProgram program(commandLine);
     if (sample) sample->StartService();
     program.Run();
@@ -50,7 +79,7 @@ int RunToTheEnd(CommandLine& commandLine) {
     try {
         Run(commandLine, sample);
     } catch (const Ended& ended) {
-        if (!ended.reason.empty()) Say(ended.reason);
+        if (!ended.reason.empty()) WriteTranscript(ended.reason);
         if (commandLine.tour) exitCode = 1;
     } catch (const std::exception& error) {
         std::cerr << "settings_host: " << base::Reason(error) << std::endl;

@@ -14,7 +14,7 @@ struct CommandLine {
     std::filesystem::path script;      // empty: none; "-": standard input
     std::filesystem::path screenshot;  // empty: none
     std::filesystem::path pictures;    // folder for the pictures of scripts; empty for the tour: one that goes with it
-    std::filesystem::path logFile;     // empty: standard error alone
+    std::filesystem::path logFile;     // empty: standard error only
     std::filesystem::path reportFile;  // empty: usage events are dropped
     std::string language;              // empty: the locale's
     std::optional<unsigned> scale;     // [percent] nothing: the display's, 100 without one

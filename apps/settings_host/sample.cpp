@@ -142,7 +142,7 @@ void Sample::StartService() {
                                  " and says nothing");
     }
     m_began = true;
-    if (!m_tour) Say("Logs: " + Utf8FromPath(m_work));
+    if (!m_tour) WriteTranscript("Logs: " + Utf8FromPath(m_work));
 }
 
 void Sample::CheckTour(bool nothingIsLeft) const {
@@ -150,14 +150,14 @@ void Sample::CheckTour(bool nothingIsLeft) const {
     for (const fs::path& package : PackagesOf(m_folder)) {
         const std::string name = Utf8FromPath(package.filename());
         if (AreSame(package, m_work / "updates" / package.filename())) {
-            Say("arrived whole: " + name);
+            WriteTranscript("arrived whole: " + name);
         } else {
             fault += (fault.empty() ? "" : "; ") + name + " did not arrive whole";
         }
     }
     if (!fault.empty()) throw std::runtime_error(fault);
-    Say(m_pictures.empty() ? "The tour is complete."
-                           : "The tour is complete; its pictures are in " + Utf8FromPath(m_pictures) + ".");
+    WriteTranscript(m_pictures.empty() ? "The tour is complete."
+                                       : "The tour is complete; its pictures are in " + Utf8FromPath(m_pictures) + ".");
 }
 
 void Sample::End(bool well) {

@@ -60,7 +60,7 @@ void ScriptRunner::Try(const std::string& what, const std::function<std::string(
 }
 
 void ScriptRunner::Do(const script::Click& click) {
-    Say("> click " + click.control);
+    WriteTranscript("> click " + click.control);
     Try("click " + click.control, [&] { return m_window.Click(base::WideFromUtf8(click.control)); });
 }
 
@@ -79,7 +79,7 @@ void ScriptRunner::Do(const script::Where& where) {
     for (const int number : {origin.x + place.left, origin.y + place.top, place.Width(), place.Height()}) {
         line += " " + std::to_string(number);
     }
-    Say(line);
+    WriteTranscript(line);
 }
 
 void ScriptRunner::Do(const script::Picture& picture) {
@@ -88,10 +88,10 @@ void ScriptRunner::Do(const script::Picture& picture) {
     std::error_code error;  // what cannot be made shows when the picture is saved
     std::filesystem::create_directories(m_around.pictures, error);
     m_window.SavePicture(file);
-    Say("picture: " + base::Utf8FromPath(file));
+    WriteTranscript("picture: " + base::Utf8FromPath(file));
 }
 
-void ScriptRunner::Do(const script::Words& words) { Say("# " + words.text); }
+void ScriptRunner::Do(const script::Words& words) { WriteTranscript("# " + words.text); }
 
 void ScriptRunner::Do(const script::Wait& wait) {
     const auto end = std::chrono::steady_clock::now() + wait.limit;

@@ -39,13 +39,18 @@ public:
     void AskToClose();
     bool WantsToEnd() const { return m_wantsToEnd; }
 
-    // Presses the control as a pointer would: its middle, what lies there, press and release; or moves there alone.
+    // Presses the control as a pointer would: its middle, what lies there, press and release; or only moves there.
     // Returns what went wrong as text, empty when nothing did.
     std::string Click(std::wstring_view name);
     std::string Hover(std::wstring_view name);
 
     // Paints the window into a PNG file. Throws std::runtime_error, naming the file.
     void SavePicture(const std::filesystem::path& file);
+
+    // The page as a person would read it: title, then a line a row with its name, version, button or bar, and tool tip;
+    // the information text below, when it is opened. UTF-8, lines end with a line feed; empty when nothing is shown.
+    // Under the UI turn.
+    std::string PageText();
 
     // Under the UI turn. Null when no control has the name.
     DuiLib::CControlUI* Find(std::wstring_view name);

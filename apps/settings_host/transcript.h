@@ -2,9 +2,13 @@
 
 #include <string>
 
+// The transcript of a run, on standard output: what happens, the page as text, and the messages when asked for.
 namespace settings_host {
 
-// Writes one line to standard output, whole, and at once. Any thread.
-void Say(const std::string& line);
+// Writes one line, whole, and at once. Any thread.
+void WriteTranscript(const std::string& line);
+
+// From now on, writes every message that this process posts and gets, with its name where it has one.
+void TraceMessages();
 
 }  // namespace settings_host

@@ -3,8 +3,7 @@
 #include <type_traits>
 
 #include "ipc_client/ipc_message_client.h"
-#include "log.h"
-#include "page_link.h"
+#include "update_service.h"
 
 namespace update_service {
 

@@ -41,7 +41,7 @@ protected:
     PipePage m_page;
     IPCMessageClient m_client{IPC_ENDPOINT_UPDATE_SERVICE, true, false, IPC_PIPE_ASSISTANT};
     Record m_log;
-    IpcPageLink m_link{m_client, [this](LOG_MESSAGE_LEVEL, const std::string& line) { m_log.Add(line); }};
+    IpcPageLink m_link{m_client, Log([this](LOG_MESSAGE_LEVEL, const std::string& line) { m_log.Add(line); })};
 };
 
 TEST_F(PageLinkOverThePipe, MessagesHaveTheBytesOfTheProtocol) {

@@ -3,6 +3,7 @@
 #include <exception>
 #include <filesystem>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 
 #include "base/arguments.h"
@@ -14,17 +15,21 @@
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_log.h"
 #include "ipc_page_link.h"
-#include "log.h"
 #include "options.h"
 #include "update_service.h"
 
 namespace update_service {
 namespace {
 
-void OpenLog(const std::filesystem::path& file) {
+void WriteToLogger(LOG_MESSAGE_LEVEL level, const std::string& line) {
+    std::wstringstream stream;
+    stream << L"[UpdateService]" << base::WideFromUtf8(line);
+    QxLogger::GetInstance()->Log(level, stream);
+}
+
+void OpenLog(const std::filesystem::path& file, const Log& log) {
     if (!file.empty()) QxLogger::GetInstance()->Open({.file = file});
-    SetIpcLogSink(
-        [](int level, const std::string& line) { LogToQxLogger(static_cast<LOG_MESSAGE_LEVEL>(level), line); });
+    SetIpcLogSink([log](int level, const std::string& line) { log(static_cast<LOG_MESSAGE_LEVEL>(level), line); });
 }
 
 void MakeFolder(const std::filesystem::path& folder) {
@@ -34,21 +39,21 @@ void MakeFolder(const std::filesystem::path& folder) {
         throw std::runtime_error(base::Utf8FromPath(folder) + ": the folder cannot be made: " + base::Reason(error));
 }
 
-void Serve(const Catalogue& catalogue, const CommandLine& commandLine) {
+void Serve(const Catalogue& catalogue, const CommandLine& commandLine, const Log& log) {
     IPCBroker broker(IPC_PIPE_ASSISTANT);
     broker.Start();
     IPCMessageClient client(IPC_ENDPOINT_UPDATE_SERVICE, true, false, IPC_PIPE_ASSISTANT);
-    IpcPageLink page(client, LogToQxLogger);
+    IpcPageLink page(client, log);
     ServiceOptions options;
     options.workFolder = commandLine.workFolder;
     options.bytesPerSecond = commandLine.bytesPerSecond;
     options.failAt = commandLine.failAt;
-    UpdateService service(catalogue, options, page, LogToQxLogger);
-    service.GoOn();
+    UpdateService service(catalogue, options, page, log);
+    service.Resume();
     ReceiveRequests(client, service);
-    LogToQxLogger(LOG_LEVEL_EVENT, "ready " + base::Utf8FromWide(IPC_PIPE_ASSISTANT));
+    log(LOG_LEVEL_EVENT, "ready " + base::Utf8FromWide(IPC_PIPE_ASSISTANT));
 
-    LogToQxLogger(LOG_LEVEL_EVENT, std::string("stops: ") + base::WaitForStopSignal());
+    log(LOG_LEVEL_EVENT, std::string("stops: ") + base::WaitForStopSignal());
     client.UnRegisterMessageCallbackAll();
     service.Stop();
 }
@@ -64,8 +69,9 @@ int Main(int argc, const char* const* argv) {
         const Catalogue catalogue = ReadCatalogue(commandLine->catalogue);
         CheckFailKeys(*commandLine, catalogue);
         MakeFolder(commandLine->workFolder);
-        OpenLog(commandLine->logFile);
-        Serve(catalogue, *commandLine);
+        const Log log(WriteToLogger);
+        OpenLog(commandLine->logFile, log);
+        Serve(catalogue, *commandLine, log);
     } catch (const std::exception& error) {
         std::cerr << "update_service: " << base::Reason(error) << "\n";
         exitCode = 1;

@@ -13,7 +13,7 @@ namespace update_service {
 struct CommandLine {
     std::filesystem::path catalogue;
     std::filesystem::path workFolder;
-    std::filesystem::path logFile;     // empty: standard error alone
+    std::filesystem::path logFile;     // empty: standard error only
     std::uint64_t bytesPerSecond = 0;  // 0: no limit
     bool endWithInput = false;
     std::map<std::string, int> failAt;  // [percent] by device key

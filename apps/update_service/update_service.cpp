@@ -37,7 +37,7 @@ void UpdateService::ReadDevices() {
     }
 }
 
-void UpdateService::GoOn() {
+void UpdateService::Resume() {
     for (auto& [key, device] : m_devices) {
         // Only a device's own worker changes its phase meanwhile, and this one has none yet.
         if (device.phase != Phase::kDownloading && device.phase != Phase::kInstalling) continue;

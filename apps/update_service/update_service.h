@@ -8,16 +8,39 @@
 #include <stop_token>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "catalogue.h"
+#include "channel/messages.h"
 #include "installer.h"
 #include "log.h"
 #include "package_transfer.h"
-#include "page_link.h"
 #include "service_state.h"
 #include "work_files.h"
 
 namespace update_service {
+
+// The service's way to the accessory page: what it tells it. Called on any thread, on several at once; never waits for
+// the page.
+class PageLink {
+public:
+    virtual ~PageLink() = default;
+
+    virtual void SendList(const std::vector<Accessory>& accessories) = 0;
+    virtual void SendProgress(const std::string& deviceKey, int percent) = 0;  // 100: the installation has begun
+    // Any message that says only which device it is about.
+    virtual void Send(const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey) = 0;
+};
+
+// The page's way to the service: what it asks for. Called on one thread at a time.
+class PageRequests {
+public:
+    virtual ~PageRequests() = default;
+
+    virtual void OnReady() = 0;
+    virtual void OnStart(const std::string& deviceKey) = 0;  // a start, a resume or a retry
+    virtual void OnPause(const std::string& deviceKey) = 0;
+};
 
 struct ServiceOptions {
     std::filesystem::path workFolder;            // part files, packages and the state file; must exist
@@ -46,7 +69,7 @@ public:
     ~UpdateService() override;  // stops
 
     // Starts again what ran when the last service ended. Call once, before requests come in.
-    void GoOn();
+    void Resume();
 
     void OnReady() override;
     void OnStart(const std::string& deviceKey) override;
@@ -61,7 +84,7 @@ private:
         const Accessory* accessory = nullptr;
         Phase phase = Phase::kIdle;
         int percent = 0;      // told last
-        std::jthread worker;  // touched by requests alone
+        std::jthread worker;  // touched by requests only
     };
 
     void ReadDevices();

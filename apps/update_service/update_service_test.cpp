@@ -318,6 +318,23 @@ TEST_F(ServiceTest, AStateFileThatCannotBeUnderstoodIsPutAside) {
     EXPECT_TRUE(Told("ended pen"));
 }
 
+TEST_F(ServiceTest, LogLinesThatCannotBeWrittenEndNeitherAnUpdateNorTheService) {
+    AddAccessory("pen");
+    AddAccessory("broken");
+    m_catalogue.accessories[1].sha256 = std::string(64, '0');
+    UpdateService service(m_catalogue, m_options, m_page,
+                          Log([](LOG_MESSAGE_LEVEL, const std::string&) { throw std::bad_alloc(); }));
+    service.Resume();
+    service.OnReady();
+    service.OnStart("nobody");
+    service.OnPause("nobody");
+    service.OnPause("pen");
+    service.OnStart("broken");
+    service.OnStart("pen");
+    EXPECT_TRUE(Told("ended pen"));
+    EXPECT_TRUE(Told("failed broken"));
+}
+
 TEST_F(ServiceTest, AStateThatCannotBeWrittenIsLoggedAndTheUpdateGoesOn) {
     AddAccessory("pen");
     std::filesystem::create_directory(m_options.workFolder / "state.json.new");

@@ -100,8 +100,9 @@ protected:
     void Start() {
         m_service.reset();
         m_service = std::make_unique<UpdateService>(
-            m_catalogue, m_options, m_page, [this](LOG_MESSAGE_LEVEL, const std::string& line) { m_log.Add(line); });
-        m_service->GoOn();
+            m_catalogue, m_options, m_page,
+            Log([this](LOG_MESSAGE_LEVEL, const std::string& line) { m_log.Add(line); }));
+        m_service->Resume();
     }
 
     bool Told(const std::string& line, std::ptrdiff_t times = 1) const { return m_page.told.Has(line, times); }

@@ -1,6 +1,7 @@
-#include "page_text.h"
+// The page as text.
 
 #include "base/text.h"
+#include "settings_window.h"
 
 namespace settings_host {
 
@@ -84,13 +85,13 @@ std::string RowText(CControlUI* row) {
 
 }  // namespace
 
-std::string PageText(SettingsWindow& window) {
+std::string SettingsWindow::PageText() {
     std::string text;
     for (const wchar_t* const heading : {L"DeviceUpdateTitle", L"topName"}) {
-        CControlUI* const control = window.Find(heading);
+        CControlUI* const control = Find(heading);
         if (Shown(control)) text += "  " + TextOf(control) + "\n";
     }
-    auto* const list = dynamic_cast<CContainerUI*>(window.Find(L"accessVer"));
+    auto* const list = dynamic_cast<CContainerUI*>(Find(L"accessVer"));
     for (int i = 0; list != nullptr && i < list->GetCount(); ++i) text += RowText(list->GetItemAt(i));
     return text;
 }
