@@ -15,9 +15,9 @@ protected:
         for (int i = 0; i < kRows; ++i) AddAccessory("key-" + std::to_string(i), 1000);
         StartService();
         OpenWindow({}, kRows, "key-29");
+        Play("wait shown accessoriesView");
         m_top = Top(kFirst);
         m_view = m_host->Where("accessoriesView");
-        Play("wait shown accessoriesView");
         ASSERT_FALSE(IsInView(kLast));
     }
 
@@ -80,7 +80,10 @@ TEST_F(ScrollTest, TheThumbIsDragged) {
     const int end = Scrolled();
     m_hands.Release();
     m_hands.MoveTo(x, m_view.y + kGrip);
-    PointAt("navAbout");
+    ClickOn("navAbout");  // seen after the pointer
+    Play("wait shown aboutView");
+    ClickOn("navAccessories");
+    Play("wait shown accessoriesView");
     EXPECT_EQ(Scrolled(), end);
     m_host->End();
 }

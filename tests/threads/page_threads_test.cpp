@@ -150,12 +150,17 @@ protected:
         Listener bystander(IPC_ENDPOINT_PLUGIN,
                            {to_page::IPC_MSG_ALL_UPDATE_DATA.id, to_page::IPC_MSG_DOWNLOAD_PROCESS.id,
                             to_page::IPC_MSG_PKG_FINISH.id, to_page::IPC_MSG_PKG_FAIL.id});
-        Post(to_page::IPC_MSG_ALL_UPDATE_DATA, {});
-        PostProgress("X1", 50);
-        PostFinish("X1");
-        Post(to_page::IPC_MSG_PKG_FAIL, {"X1"});
+        // Whoever still gets messages of the first round gets them before the bystander has those of the last: the UI
+        // turn goes to who asked first.
+        for (const char* const key : {"X1", "X2", "the last"}) {
+            Post(to_page::IPC_MSG_ALL_UPDATE_DATA, {});
+            PostProgress(key, 50);
+            PostFinish(key);
+            Post(to_page::IPC_MSG_PKG_FAIL, {key});
+            bystander.WaitFor(std::string("B20026 ") + key);
+        }
         // The bystander also gets what was under way when the page was left, and nobody gets anything else.
-        EXPECT_EQ(delivered, static_cast<int>(bystander.WaitFor("B20026 X1").size()));
+        EXPECT_EQ(delivered, static_cast<int>(bystander.WaitFor("B20026 the last").size()));
         SetIpcTrace(nullptr);
     }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <fstream>
 #include <thread>
 #include <vector>
@@ -97,10 +98,14 @@ TEST_F(Config, ABadFileLeavesTheOldConfiguration) {
 TEST_F(Config, MayBeAskedWhileItIsLoaded) {
     std::ofstream(File()) << R"({"companions": {"a": {"program": "x"}}})";
     AccessoryUpdateConfig::Load(File());
-    std::jthread loader([this] {
+    std::atomic<bool> loaded{false};
+    std::jthread loader([&] {
         for (int i = 0; i < 50; ++i) AccessoryUpdateConfig::Load(File());
+        loaded = true;
     });
-    for (int i = 0; i < 200; ++i) EXPECT_TRUE(AccessoryUpdateConfig::IsAccessoryApp(L"a"));
+    bool known = true;
+    while (!loaded) known = known && AccessoryUpdateConfig::IsAccessoryApp(L"a");
+    EXPECT_TRUE(known);
 }
 
 }  // namespace
