@@ -8,7 +8,6 @@
 #include "base/file.h"
 #include "base/path.h"
 #include "base/reason.h"
-#include "pacer.h"
 #include "sha256.h"
 
 namespace update_service {
@@ -28,12 +27,12 @@ struct FailureAskedFor : std::runtime_error {
         : std::runtime_error("at " + std::to_string(percent) + " percent, as asked for") {}
 };
 
-class Run {
+class TransferRun {
 public:
-    Run(const Transfer& transfer, const std::stop_token& stop, const std::function<void(int)>& progress)
+    TransferRun(const Transfer& transfer, const std::stop_token& stop, const std::function<void(int)>& progress)
         : m_transfer(transfer), m_stop(stop), m_progress(progress) {}
 
-    TransferEnd Go() {
+    TransferEnd Execute() {
         if (!HasPackage()) {
             if (m_stop.stop_requested() || !CopyRest() || !CheckPart()) return TransferEnd::kStopped;
             m_progress(100);
@@ -67,14 +66,14 @@ private:
             m_done = 0;
         }
         source.seekg(static_cast<std::streamoff>(m_done));
-        Tell();
+        TellProgress();
         const bool complete = Copy(source, part);
         if (complete) part.Sync();
         return complete;
     }
 
     bool Copy(std::ifstream& source, base::AppendFile& part) {
-        Pacer pacer(m_transfer.bytesPerSecond);
+        Pacer pacer(m_transfer.bytesPerSecond, m_transfer.clock);
         std::vector<char> chunk(ChunkSize(m_size, m_transfer.bytesPerSecond));
         while (m_done < m_size) {
             const std::uint64_t size = std::min<std::uint64_t>(chunk.size(), m_size - m_done);
@@ -83,14 +82,14 @@ private:
             }
             part.Append({chunk.data(), static_cast<std::size_t>(size)});
             m_done += size;
-            Tell();
+            TellProgress();
             if (!pacer.Passed(size, m_stop)) return false;
         }
         return true;
     }
 
     // Sends the percentage when it is a new one; the last one is not due before the package has been checked.
-    void Tell() {
+    void TellProgress() {
         const int percent = m_size == 0 ? 100 : static_cast<int>(m_done * 100 / m_size);
         if (const int shown = std::min(percent, 99); shown > m_shown) {
             m_shown = shown;
@@ -122,7 +121,7 @@ private:
 TransferResult RunTransfer(const Transfer& transfer, const std::stop_token& stop,
                            const std::function<void(int)>& progress) {
     try {
-        return {Run(transfer, stop, progress).Go(), ""};
+        return {TransferRun(transfer, stop, progress).Execute(), ""};
     } catch (const FailureAskedFor& error) {
         return {TransferEnd::kFailed, base::Reason(error), true};
     } catch (const std::exception& error) {

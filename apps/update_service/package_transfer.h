@@ -7,6 +7,7 @@
 #include <stop_token>
 #include <string>
 
+#include "pacer.h"
 #include "work_files.h"
 
 namespace update_service {
@@ -17,6 +18,7 @@ struct Transfer {
     std::string sha256;                // that the source must have
     std::uint64_t bytesPerSecond = 0;  // 0: no limit
     std::optional<int> failAt;         // [percent] for trials: the transfer fails when it gets there
+    Clock clock = SteadyClock();       // that the rate goes by
 };
 
 enum class TransferEnd { kComplete, kStopped, kFailed };
