@@ -65,6 +65,8 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
     AddPath(app, "--log-file", line.logFile, "Also write the log into a file");
     app.add_flag("--quiet-log", line.quietLog, "Do not write the log to standard error");
     AddPath(app, "--report-file", line.reportFile, "Append usage events to a file");
+    app.failure_message(
+        [](const CLI::App*, const CLI::Error& error) { return std::string("settings_host: ") + error.what() + "\n"; });
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

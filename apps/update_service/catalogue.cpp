@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <stdexcept>
 #include <system_error>
 
@@ -30,12 +31,33 @@ struct Place {
     }
 };
 
+// Refuses objects that have a member twice, of which the parser would keep the last. For Json::parse.
+class DoubleMembers {
+public:
+    explicit DoubleMembers(const Place& place) : m_place(place) {}
+
+    bool operator()(int, Json::parse_event_t event, const Json& parsed) {
+        if (event == Json::parse_event_t::object_start) m_open.emplace_back();
+        if (event == Json::parse_event_t::object_end) m_open.pop_back();
+        if (event == Json::parse_event_t::key && !m_open.back().insert(parsed.get<std::string>()).second) {
+            m_place.Fail("the member \"" + parsed.get<std::string>() + "\" is there twice");
+        }
+        return true;  // keeps what was read
+    }
+
+private:
+    const Place& m_place;
+    std::vector<std::set<std::string>> m_open;  // members of the objects around
+};
+
 Json Parse(const Place& place) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(place.file, ignored)) place.Fail("is a folder");
     errno = 0;
     std::ifstream stream(place.file, std::ios::binary);
     if (!stream) place.Fail("cannot be opened: " + std::generic_category().message(errno));
     try {
-        return Json::parse(stream);
+        return Json::parse(stream, DoubleMembers(place));
     } catch (const Json::parse_error& error) {
         // "[json.exception.parse_error.101] parse error at line 1, column 2: ..."
         const std::string text = error.what();

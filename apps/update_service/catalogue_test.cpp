@@ -160,6 +160,8 @@ TEST_F(CatalogueFile, ErrorsOfTheWholeFileNameThePlaceAndTheReason) {
         {R"({"accessories": {}})", ": accessories: must be a list"},
         {R"({"accessories": [7]})", ": accessories[0]: must be an object"},
         {R"({"accessories": [], "more": 1})", ": more: is not known here"},
+        {R"({"accessories": [], "accessories": []})", ": the member \"accessories\" is there twice"},
+        {R"({"accessories": [{"driver": true, "driver": false}]})", ": the member \"driver\" is there twice"},
     };
     for (const Case& c : cases) EXPECT_THAT(ErrorOf(c.text), testing::StartsWith(File().string() + c.expected));
 }
@@ -167,6 +169,17 @@ TEST_F(CatalogueFile, ErrorsOfTheWholeFileNameThePlaceAndTheReason) {
 TEST_F(CatalogueFile, AMissingFileIsNamed) {
     EXPECT_THAT([&] { ReadCatalogue(m_folder / "missing.json"); },
                 testing::ThrowsMessage<std::runtime_error>(HasSubstr("missing.json: cannot be opened: No such file")));
+}
+
+TEST_F(CatalogueFile, AFolderIsNoCatalogue) {
+    EXPECT_THAT([&] { ReadCatalogue(m_folder.Path()); },
+                testing::ThrowsMessage<std::runtime_error>(m_folder.Path().string() + ": is a folder"));
+}
+
+TEST_F(CatalogueFile, EntriesMayHaveTheSameMembers) {
+    Json second = GoodEntry();
+    second["deviceKey"] = "a";
+    EXPECT_EQ(Read({GoodEntry(), second}).accessories.size(), 2u);
 }
 
 }  // namespace

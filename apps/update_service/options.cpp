@@ -24,6 +24,14 @@ std::pair<std::string, int> ReadFail(const std::string& text) {
     return {text.substr(0, colon), percent};
 }
 
+// What is wrong with the text of a rate; empty when nothing is.
+std::string RateFault(const std::string& text) {
+    std::uint64_t rate = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, rate);
+    return error == std::errc() && stop == end ? "" : "\"" + text + "\" is no number of bytes";
+}
+
 }  // namespace
 
 std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, int& exitCode) {
@@ -36,7 +44,7 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
         ->required()
         ->type_name("DIR");
     app.add_option("--rate", result.bytesPerSecond, "Limit of each download in bytes a second; 0 is none")
-        ->check(CLI::NonNegativeNumber)
+        ->check(RateFault)
         ->type_name("BYTES");
     app.add_option("--fail", fails, "Let the first download of KEY that gets to PERCENT fail; may be repeated")
         ->type_name("KEY:PERCENT")
@@ -44,6 +52,8 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_option("--log-file", logFile, "Write the log to FILE too")->type_name("FILE");
     app.add_flag("--end-with-input", result.endWithInput, "End when the standard input ends, as on a signal");
+    app.failure_message(
+        [](const CLI::App*, const CLI::Error& error) { return std::string("update_service: ") + error.what() + "\n"; });
     try {
         app.parse(argc, argv);
         for (const std::string& fail : fails) result.failAt.insert(ReadFail(fail));

@@ -12,6 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
+using testing::StartsWith;
 
 class Options : public testing::Test {
 protected:
@@ -67,8 +68,12 @@ TEST_F(Options, ErrorsAreTold) {
     const Case cases[] = {
         {{"--work-dir", "w"}, "--catalogue is required"},
         {{"--catalogue", "c"}, "--work-dir is required"},
-        {{"--catalogue", "c", "--work-dir", "w", "--rate", "-1"}, "--rate"},
-        {{"--catalogue", "c", "--work-dir", "w", "--rate", "fast"}, "--rate"},
+        {{"--catalogue", "c", "--work-dir", "w", "--rate", "-1"}, "--rate: \"-1\" is no number of bytes"},
+        {{"--catalogue", "c", "--work-dir", "w", "--rate", "fast"}, "--rate: \"fast\" is no number of bytes"},
+        {{"--catalogue", "c", "--work-dir", "w", "--rate", "18446744073709551616"},
+         "--rate: \"18446744073709551616\" is no number of bytes"},
+        {{"--catalogue", "c", "--work-dir"}, "--work-dir"},
+        {{"--catalogue", "c", "--catalogue", "d", "--work-dir", "w"}, "--catalogue"},
         {{"--catalogue", "c", "--work-dir", "w", "--fail", "pen"}, "\"pen\" is not KEY:PERCENT"},
         {{"--catalogue", "c", "--work-dir", "w", "--fail", ":5"}, "\":5\" is not KEY:PERCENT"},
         {{"--catalogue", "c", "--work-dir", "w", "--fail", "pen:"}, "\"pen:\" is not KEY:PERCENT"},
@@ -80,7 +85,10 @@ TEST_F(Options, ErrorsAreTold) {
     for (const Case& c : cases) {
         EXPECT_FALSE(Read(c.arguments)) << c.expected;
         EXPECT_NE(m_exitCode, 0);
+        EXPECT_THAT(m_error, StartsWith("update_service: "));
         EXPECT_THAT(m_error, HasSubstr(c.expected));
+        EXPECT_EQ(m_error.find('\n'), m_error.size() - 1) << m_error;
+        EXPECT_EQ(m_output, "");
     }
 }
 
