@@ -61,7 +61,9 @@ void Host::End() {
 
 std::string WaitForRows(int rows, const std::string& lastKey) {
     constexpr int kReported = 77;  // [design px] a row's height as the page first reports it
-    return "wait height " + std::to_string(rows * kReported) + " within 60\nwait hidden " + lastKey + "devInfo\n";
+    return "wait height " + std::to_string(rows * kReported) +
+           " within 60\nwait shown accessoriesView\nwait hidden " +  // it is hidden in a view that is, too
+           lastKey + "devInfo\n";
 }
 
 PageE2ETest::PageE2ETest() {
