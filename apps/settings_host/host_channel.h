@@ -9,7 +9,7 @@
 
 namespace settings_host {
 
-// What the page told the host, kept up to date by messages. Read and written under the UI turn.
+// What the page has reported to the host, kept up to date by messages. Read and written under the UI turn.
 struct PageNews {
     int contentHeight = 0;          // [design px] as last reported
     bool heightReported = false;    // whether any report has come
@@ -17,8 +17,8 @@ struct PageNews {
     std::set<std::string> running;  // device keys of running updates [ANSI code page]
 };
 
-// The host's endpoints on the message pipe: the page's content height, the start and end of updates, and the news that
-// no row is left. Each message changes PageNews and is told in the transcript.
+// The host's endpoints on the message pipe: the page's content height, the start and end of updates, and the message
+// that no row is left. Each message changes PageNews and is written into the transcript.
 class HostChannel {
 public:
     // `changed` is called, under the UI turn, after each message on the thread that brought it.

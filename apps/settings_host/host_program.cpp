@@ -129,7 +129,7 @@ void HostProgram::Step(std::optional<milliseconds> limit) {
     m_native->RunOnce(limit);
 }
 
-// Writes what is another than before: the changed lines of a page that has as many as before, else the whole page.
+// Writes what has changed: the changed lines of a page that has as many as before, else the whole page.
 void HostProgram::WritePage() {
     if (!m_commandLine.headless) return;
     m_window.ApplyNews(steady_clock::now());

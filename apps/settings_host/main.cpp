@@ -27,8 +27,7 @@ namespace {
 
 using namespace settings_host;
 
-// Without a display a script or a picture is made all the same; whoever wants to see a window is told why there is
-// none.
+// Without a display scripts and pictures work all the same; whoever wants to see a window is told why there is none.
 void ChooseDisplay(CommandLine& commandLine) {
     std::string reason;
     if (commandLine.headless || DuiLib::CWindowWnd::HasDisplay(reason)) return;
@@ -87,7 +86,7 @@ int RunToTheEnd(CommandLine& commandLine) {
     }
     SetIpcLogSink({});
     if (!sample) return exitCode;
-    SetIpcLogSink([](int, const std::string&) {});  // that the service goes is no news
+    SetIpcLogSink([](int, const std::string&) {});  // that the service ends is no news
     CloseLog();
     sample->End(exitCode == 0);
     return exitCode;

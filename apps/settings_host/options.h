@@ -25,7 +25,7 @@ struct CommandLine {
     bool quietLog = false;
 };
 
-// Reads the command line. When the program is to end at once (--help, or an error, which has been told on standard
+// Reads the command line. When the program is to end at once (--help, or an error, which has been written to standard
 // error), returns nothing and sets `exitCode`.
 std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, int& exitCode);
 

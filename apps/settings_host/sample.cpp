@@ -86,7 +86,7 @@ void Remove(const fs::path& folder) {
                   << std::endl;
 }
 
-// What is missing is told before there is a work folder.
+// Reports what is missing before there is a work folder.
 fs::path CheckedFolder(const CommandLine& commandLine) {
     fs::path folder = fs::absolute(commandLine.sample).lexically_normal();
     ExpectFile(folder / "catalogue.json");

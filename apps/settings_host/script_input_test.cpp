@@ -139,22 +139,22 @@ TEST(ScriptInput, AScriptIsReadToItsEnd) {
     EXPECT_EQ(reader.Line(), 4);
 }
 
-struct WindowIsGone {
+struct WindowClosed {
     int number;
 };
 
 TEST(ScriptInput, WhatIdleThrowsReachesWhoeverReadsTheScript) {
     Pipe pipe;
     pipe.Write("click A\nclick");
-    ScriptInput input(pipe.ReadEnd(), [] { throw WindowIsGone{7}; });
+    ScriptInput input(pipe.ReadEnd(), [] { throw WindowClosed{7}; });
     script::Reader reader(input.Stream(), "standard input");
     script::Command command;
     ASSERT_TRUE(reader.Next(command));
     try {
         reader.Next(command);
         ADD_FAILURE() << "the exception was lost";
-    } catch (const WindowIsGone& gone) {
-        EXPECT_EQ(gone.number, 7);
+    } catch (const WindowClosed& closed) {
+        EXPECT_EQ(closed.number, 7);
     }
     EXPECT_THROW(reader.Next(command), std::ios_base::failure);
 }

@@ -13,10 +13,10 @@ void SleepInhibitor::Hold(bool on) {
     if (!on) return;
     try {
         m_inhibition = Ask(m_who, m_reason);
-        m_told = false;
+        m_refusalLogged = false;
     } catch (const std::runtime_error& error) {
-        if (m_log && !m_told) m_log(std::string(RefusalText()) + ": " + error.what());
-        m_told = true;
+        if (m_log && !m_refusalLogged) m_log(std::string(RefusalText()) + ": " + error.what());
+        m_refusalLogged = true;
     }
 }
 

@@ -50,7 +50,7 @@ private:
     std::string m_reason;
     std::unique_ptr<SleepInhibition> m_inhibition;
     bool m_wanted = false;
-    bool m_told = false;  // that it did not work
+    bool m_refusalLogged = false;
 };
 
 }  // namespace settings_host

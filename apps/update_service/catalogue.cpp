@@ -18,7 +18,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// One place of the file that is being read, and how an error there is told.
+// One place of the file that is being read, and how an error there is reported.
 struct Place {
     const std::filesystem::path& file;
     std::string name;  // "accessories[2].sha256"; empty for the whole file

@@ -25,7 +25,7 @@ struct InstallerResult {
 // Runs the installer and waits for its end; exit status 0 is success. Its output goes to standard error, and it runs in
 // a process group of its own, so that what stops the service from a terminal does not stop it.
 //
-// When `stop` is requested the installer is given `grace` to come to its end; then it is abandoned: it runs on, but
+// When `stop` is requested the installer is given `grace` to end; then it is abandoned: it runs on, but
 // nobody waits for it any more.
 InstallerResult RunInstaller(const InstallerCall& call, const std::stop_token& stop, std::chrono::milliseconds grace);
 

@@ -14,11 +14,11 @@ namespace update_service {
 
 struct Transfer {
     std::filesystem::path source;
-    WorkFiles files;                   // where it goes
+    WorkFiles files;                   // where the package is written
     std::string sha256;                // that the source must have
     std::uint64_t bytesPerSecond = 0;  // 0: no limit
     std::optional<int> failAt;         // [percent] for trials: the transfer fails when it gets there
-    Clock clock = SteadyClock();       // that the rate goes by
+    Clock clock = SteadyClock();       // what the rate is measured with
 };
 
 enum class TransferEnd { kComplete, kStopped, kFailed };

@@ -114,7 +114,7 @@ UpdateService::Device* UpdateService::FindDevice(const std::string& deviceKey) {
     return found == m_devices.end() ? nullptr : &found->second;
 }
 
-// An earlier worker of the device has come to its end, or does so within one chunk.
+// An earlier worker of the device has ended, or ends within one chunk.
 void UpdateService::Launch(Device& device) {
     if (device.worker.joinable()) device.worker.join();
     {

@@ -20,7 +20,7 @@
 
 namespace update_service {
 
-// The service's way to the accessory page: what it tells it. Called on any thread, on several at once; never waits for
+// The service's way to the accessory page: what it sends. Called on any thread, on several at once; never waits for
 // the page.
 class PageLink {
 public:
@@ -57,10 +57,11 @@ struct ServiceOptions {
 //              any failure: failed +-+----> paused                +--> failed
 //
 // The installed ones are not listed any more, until the catalogue brings another package. A pause while the installer
-// runs changes nothing: it cannot be stopped half-way, and its end is told as ever. Whatever is asked twice is answered
-// with where the update stands.
+// runs changes nothing: it cannot be stopped half-way, and its end is reported as ever. Whatever is asked twice is
+// answered with where the update stands.
 //
-// Each change of a phase is written to the state file before it is told, so that a service that was killed goes on.
+// Each change of a phase is written to the state file before it is sent to the page, so that a service that was killed
+// can continue.
 class UpdateService final : public PageRequests {
 public:
     // Reads the state file. One that cannot be understood is put aside, with a log line. `catalogue`, `page` and `log`
@@ -83,7 +84,7 @@ private:
     struct Device {
         const Accessory* accessory = nullptr;
         Phase phase = Phase::kIdle;
-        int percent = 0;      // told last
+        int percent = 0;      // sent last
         std::jthread worker;  // touched by requests only
     };
 
@@ -96,7 +97,7 @@ private:
     bool Fetch(Device& device, const WorkFiles& files, const std::stop_token& stop);
     void Install(Device& device, const WorkFiles& files);
     InstallerCall CallOf(const Accessory& accessory, const WorkFiles& files) const;
-    void TellProgress(Device& device, int percent, const std::stop_token& stop);
+    void SendProgress(Device& device, int percent, const std::stop_token& stop);
 
     // With m_mutex held.
     void SetPhase(Device& device, Phase phase);

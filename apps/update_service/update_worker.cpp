@@ -13,7 +13,7 @@ void UpdateService::Update(Device& device, const std::stop_token& stop) {
 // True once the package is there and the installation may begin.
 bool UpdateService::Fetch(Device& device, const WorkFiles& files, const std::stop_token& stop) {
     const TransferResult result =
-        RunTransfer(TransferOf(device, files), stop, [&](int percent) { TellProgress(device, percent, stop); });
+        RunTransfer(TransferOf(device, files), stop, [&](int percent) { SendProgress(device, percent, stop); });
     const std::lock_guard guard(m_mutex);
     if (stop.stop_requested()) return false;  // paused, or stopped: even when that was at the last moment
     if (result.end == TransferEnd::kFailed) {
@@ -65,7 +65,7 @@ InstallerCall UpdateService::CallOf(const Accessory& accessory, const WorkFiles&
 }
 
 // Messages leave under the lock, so that none overtakes the answer to a pause or a second start.
-void UpdateService::TellProgress(Device& device, int percent, const std::stop_token& stop) {
+void UpdateService::SendProgress(Device& device, int percent, const std::stop_token& stop) {
     const std::lock_guard guard(m_mutex);
     if (stop.stop_requested()) return;
     device.percent = percent;

@@ -17,7 +17,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The window's thread asks, and a window that does nothing for longer than a second looks broken; left alone, the
+// The window's thread asks, and a window that does nothing for longer than a second looks broken; by itself the
 // bus would wait 25 seconds. logind answers within milliseconds.
 constexpr std::chrono::seconds kPatience(1);
 
@@ -34,7 +34,7 @@ int Checked(int result, const char* action) {
 }
 
 // A connection that is closed without writing what is still to be written: there is nothing once an answer has come,
-// and on a bus that hangs it would take for ever.
+// and on a bus that hangs it would never end.
 struct CloseBus {
     void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
 };

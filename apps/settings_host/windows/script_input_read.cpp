@@ -42,7 +42,7 @@ bool IsReadable(int file) {
 
 }  // namespace
 
-// Texts are read as other systems read them but for carriage returns, which the C library takes off in text mode.
+// Texts are read as on other systems, except for carriage returns, which the C library takes off in text mode.
 std::optional<std::size_t> ScriptInput::ReadIfReady(int file, char* buffer, std::size_t size) {
     if (!IsReadable(file)) return std::nullopt;
     const int got = _read(file, buffer, static_cast<unsigned>(size));
