@@ -9,6 +9,8 @@
 
 namespace DuiLib {
 
+class CPaintManagerUI;
+
 // Draws on a surface with the system's drawing library. All coordinates are device pixels of the surface; corners are
 // the two radii of an ellipse. UI turn.
 class Canvas {
@@ -38,6 +40,20 @@ public:
 private:
     struct State;
     std::unique_ptr<State> m_state;
+};
+
+// What the texts of a window are measured and painted with. It has a canvas while the window is being painted, and what
+// is painted at other times goes nowhere.
+class PaintDC {
+public:
+    explicit PaintDC(CPaintManagerUI* manager) : m_manager(manager) {}
+    CPaintManagerUI* Manager() const { return m_manager; }
+    Canvas* GetCanvas() const { return m_canvas; }
+    void SetCanvas(Canvas* canvas) { m_canvas = canvas; }
+
+private:
+    CPaintManagerUI* m_manager;
+    Canvas* m_canvas = nullptr;
 };
 
 }  // namespace DuiLib

@@ -21,7 +21,7 @@ auto CanvasClips::Pop() -> Cut {
     return cut;
 }
 
-CDuiRect CanvasClips::Near(const CDuiRect& area, CDuiSize corner, int thickness) const {
+CDuiRect CanvasClips::WithEdgesNearby(const CDuiRect& area, CDuiSize corner, int thickness) const {
     const int reach = std::clamp(std::max(corner.cx, corner.cy), 0, kMaxReach) + std::min(thickness, kMaxReach);
     const CDuiRect room = Inflated(Bounds(), reach + 1);
     return {std::clamp(area.left, room.left, room.right), std::clamp(area.top, room.top, room.bottom),
@@ -29,7 +29,7 @@ CDuiRect CanvasClips::Near(const CDuiRect& area, CDuiSize corner, int thickness)
 }
 
 auto CanvasClips::Drawn(const CDuiRect& area, CDuiSize corner, int thickness) const -> Shape {
-    return {Near(area, corner, thickness), IsCutAt(area, corner) ? CDuiSize{} : corner};
+    return {WithEdgesNearby(area, corner, thickness), IsCutAt(area, corner) ? CDuiSize{} : corner};
 }
 
 auto CanvasClips::Within(const Shape& outer, CDuiSize corner, int thickness) -> Shape {

@@ -30,7 +30,7 @@ public:
         CDuiRect area;
         CDuiSize corner;
     };
-    // How a shape is drawn here: with edges near by, and with straight corners where it is cut at this very shape. A
+    // How a shape is drawn here: with edges nearby, and with straight corners where it is cut at this very shape. A
     // round one drawn on top would have its smooth edge twice, and look faint at the corners.
     Shape Drawn(const CDuiRect& area, CDuiSize corner, int thickness = 0) const;
     // What a border of the shape leaves free within; with nothing of an area where it leaves nothing.
@@ -41,7 +41,7 @@ public:
 
     // The rectangle with edges that are far out of sight brought near: drawing libraries' numbers are smaller than the
     // toolkit's. What is drawn at an edge, as wide as the corner and the thickness, stays where it is or out of sight.
-    CDuiRect Near(const CDuiRect& area, CDuiSize corner, int thickness = 0) const;
+    CDuiRect WithEdgesNearby(const CDuiRect& area, CDuiSize corner, int thickness = 0) const;
 
 private:
     bool IsCutAt(const CDuiRect& area, CDuiSize corner) const;

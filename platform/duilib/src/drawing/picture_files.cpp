@@ -61,12 +61,10 @@ PictureFile Read(const std::filesystem::path& file) {
             picture.drawing = ReadDrawing(file);
         } else {
             CheckPngSize(file);
-            picture.raster = PaintSurface::LoadPng(file);
+            picture.raster = ReadPng(file);
         }
     } catch (const std::exception& error) {
-        const std::string name = base::Utf8FromPath(file);
-        const std::string reason = base::Reason(error);
-        picture.error = reason.starts_with(name) ? reason : name + ": " + reason;
+        picture.error = base::Utf8FromPath(file) + ": " + base::Reason(error);
     }
     return picture;
 }

@@ -32,6 +32,10 @@ public:
 bool CanDrawSvg();
 std::unique_ptr<VectorDrawing> ReadDrawing(const std::filesystem::path& file);  // throws std::runtime_error
 
+// PNG files; what is thrown, std::runtime_error, has the reason and does not name the file.
+PaintSurface ReadPng(const std::filesystem::path& file);
+void WritePng(const PaintSurface& picture, const std::filesystem::path& file);
+
 PaintSurface Resized(const PaintSurface& raster, CDuiSize size);  // smoothly; neither of them is empty
 
 }  // namespace DuiLib

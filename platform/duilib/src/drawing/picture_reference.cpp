@@ -5,7 +5,7 @@
 
 #include "drawing/picture_files.h"
 #include "duilib/resource_manager.h"
-#include "foundation/report.h"
+#include "foundation/diagnostics.h"
 
 namespace DuiLib {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "drawing/canvas.h"
-#include "drawing/paint_dc.h"
 #include "drawing/text_measurer.h"
 #include "foundation/geometry_math.h"
 #include "foundation/layout_basis.h"

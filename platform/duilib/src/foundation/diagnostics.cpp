@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "base/sink_slot.h"
-#include "foundation/report.h"
+#include "foundation/diagnostics.h"
 
 namespace DuiLib {
 

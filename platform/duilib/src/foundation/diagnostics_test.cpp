@@ -1,6 +1,6 @@
 #include "duilib/diagnostics.h"
 
-#include "foundation/report.h"
+#include "foundation/diagnostics.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "duilib/geometry.h"
+#include "duilib/resource_manager.h"
 
 namespace DuiLib {
 
@@ -14,9 +15,23 @@ inline int ClampExtent(std::int64_t value) {
     return static_cast<int>(std::clamp<std::int64_t>(value, -kMaxExtent, kMaxExtent));
 }
 
-CDuiRect ScaleThickness(const CDuiRect& design);  // each side, by the process's display scale
+// Each side, by the process's display scale.
+inline CDuiRect ScaleThickness(const CDuiRect& design) {
+    if (!(design.left | design.top | design.right | design.bottom)) return {};
+    const CResourceManager& resources = *CResourceManager::GetInstance();
+    return {resources.Scale(design.left), resources.Scale(design.top), resources.Scale(design.right),
+            resources.Scale(design.bottom)};
+}
 
-CDuiRect Intersection(const CDuiRect& a, const CDuiRect& b);  // the empty rectangle when they do not meet
-CDuiRect Inflated(const CDuiRect& area, int by);
+// The empty rectangle when they do not meet.
+inline CDuiRect Intersection(const CDuiRect& a, const CDuiRect& b) {
+    const CDuiRect both{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+                        std::min(a.bottom, b.bottom)};
+    return both.Width() > 0 && both.Height() > 0 ? both : CDuiRect{};
+}
+
+inline CDuiRect Inflated(const CDuiRect& area, int by) {
+    return {area.left - by, area.top - by, area.right + by, area.bottom + by};
+}
 
 }  // namespace DuiLib

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "drawing/paint_dc.h"
+#include "drawing/canvas.h"
 #include "duilib/paint_manager.h"
 #include "foundation/layout_basis.h"
 #include "tree/name_table.h"

@@ -6,7 +6,7 @@
 
 #include "drawing/canvas_clips.h"
 #include "drawing/linux/cairo_owned.h"
-#include "drawing/linux/text_layout.h"
+#include "drawing/linux/text_lines.h"
 #include "drawing/picture_files.h"
 #include "duilib/ui_culture.h"
 
@@ -80,7 +80,7 @@ void Canvas::Restore() {
     const CanvasClips::Cut clip = m_state->clips.Pop();
     if (clip.rounded) {
         cairo_pop_group_to_source(m_state->context);
-        m_state->Path(m_state->clips.Near(clip.area, clip.corner), clip.corner);
+        m_state->Path(m_state->clips.WithEdgesNearby(clip.area, clip.corner), clip.corner);
         cairo_fill(m_state->context);
     }
     cairo_restore(m_state->context);

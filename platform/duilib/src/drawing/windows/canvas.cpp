@@ -8,9 +8,8 @@
 #include "drawing/canvas_clips.h"
 #include "drawing/picture_files.h"
 #include "drawing/windows/gdiplus_session.h"
-#include "drawing/windows/pixel_blending.h"
-#include "drawing/windows/round_shape.h"
-#include "drawing/windows/text_layout.h"
+#include "drawing/windows/pixels.h"
+#include "drawing/windows/text_lines.h"
 #include "foundation/geometry_math.h"
 
 namespace DuiLib {
@@ -100,7 +99,7 @@ void Canvas::Restore() {
     if (!cut.rounded) return;
     const Target layer = std::move(m_state->targets.back());
     m_state->targets.pop_back();
-    const CDuiRect area = m_state->clips.Near(cut.area, cut.corner);
+    const CDuiRect area = m_state->clips.WithEdgesNearby(cut.area, cut.corner);
     m_state->EachRow(cut.bounds, RoundShape(area, cut.corner), [&](std::uint32_t* pixels, int left, int y) {
         const std::uint32_t* const drawn = layer.Pixels(left, y);
         for (std::size_t i = 0; i < m_state->cover.size(); ++i) {

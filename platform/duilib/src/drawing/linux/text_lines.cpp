@@ -1,4 +1,4 @@
-#include "drawing/linux/text_layout.h"
+#include "drawing/linux/text_lines.h"
 
 #include <fontconfig/fontconfig.h>
 
@@ -97,10 +97,7 @@ private:
     }
 
     static void Fill(PangoLayout* layout, const TextSetting& setting) {
-        std::wstring_view text = setting.text;
-        if (!text.empty() && text.back() == L'\n') text.remove_suffix(1);
-        std::string utf8 = base::Utf8FromWide(text);
-        std::ranges::replace(utf8, '\0', ' ');  // Pango's texts end at a zero
+        const std::string utf8 = CharactersToSet(setting.text);
         SetFont(layout, setting.font, setting.scale);
         pango_layout_set_width(layout, setting.wrap || setting.ellipsis ? Units(setting.width) : -1);
         pango_layout_set_ellipsize(layout, setting.ellipsis ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE);

@@ -1,9 +1,10 @@
-#include "drawing/windows/text_layout.h"
+#include "drawing/windows/text_lines.h"
 
 #include <algorithm>
 #include <cmath>
 #include <memory>
 
+#include "base/text.h"
 #include "drawing/windows/gdiplus_fonts.h"
 #include "duilib/ui_culture.h"
 
@@ -14,22 +15,6 @@ namespace {
 constexpr wchar_t kEllipsis = L'\u2026';
 
 bool IsHigh(wchar_t unit) { return (unit & 0xFC00) == 0xD800; }
-bool IsLow(wchar_t unit) { return (unit & 0xFC00) == 0xDC00; }
-
-// What GDI+ can take: no zeros, which end texts, and no half of a surrogate pair.
-std::wstring Cleaned(std::wstring_view text) {
-    std::wstring clean(text);
-    for (std::size_t i = 0; i < clean.size(); ++i) {
-        if (IsHigh(clean[i]) && i + 1 < clean.size() && IsLow(clean[i + 1])) {
-            ++i;
-        } else if (IsHigh(clean[i]) || IsLow(clean[i])) {
-            clean[i] = 0xFFFD;
-        } else if (clean[i] == 0) {
-            clean[i] = L' ';
-        }
-    }
-    return clean;
-}
 
 void PinRendering(Gdiplus::Graphics& graphics) {
     graphics.SetTextRenderingHint(Gdiplus::TextRenderingHintAntiAliasGridFit);
@@ -130,9 +115,8 @@ CDuiSize TextLines::Size() const {
 TextLines SetText(const TextSetting& setting) {
     const SystemFont& font = FindFont(setting.font, setting.scale, setting.text);
     TextLines lines{{}, font.font, font.lineHeight, UICulture::GetInstance()->IsRightToLeft()};
-    const std::wstring clean = Cleaned(setting.text);
-    std::wstring_view rest = clean;
-    if (rest.ends_with(L'\n')) rest.remove_suffix(1);
+    const std::wstring text = base::WideFromUtf8(CharactersToSet(setting.text));
+    std::wstring_view rest = text;
     Setter setter(lines, setting);
     for (bool more = true; more;) {
         const std::size_t end = rest.find(L'\n');

@@ -1,4 +1,4 @@
-#include "drawing/windows/round_shape.h"
+#include "drawing/windows/pixels.h"
 
 #include <cmath>
 #include <numbers>
@@ -48,6 +48,27 @@ TEST(RoundShape, APartOfARowIsWhatTheWholeRowHasThere) {
         const std::vector<std::uint8_t> whole = Row(shape, y, -8, 60);
         for (int left = -8; left < 50; ++left) {
             EXPECT_EQ(Row(shape, y, left, 2)[1], whole[static_cast<std::size_t>(left + 9)]) << left << "," << y;
+        }
+    }
+}
+
+TEST(Pixels, AnOpaquePixelHidesAndATransparentOneShowsWhatIsBelow) {
+    EXPECT_EQ(Over(0xFF123456, 0xFFABCDEF), 0xFF123456u);
+    EXPECT_EQ(Over(0, 0xFFABCDEF), 0xFFABCDEFu);
+    EXPECT_EQ(Over(Multiplied(0x80000000), 0xFFFFFFFF), 0xFF7F7F7Fu);
+}
+
+TEST(Pixels, AFullShareChangesNothingAndNoShareLeavesNothing) {
+    EXPECT_EQ(Weakened(0x80402000, 255), 0x80402000u);
+    EXPECT_EQ(Weakened(0x80402000, 0), 0u);
+}
+
+// What is saved and read again must not drift.
+TEST(Pixels, EveryMultipliedPixelComesBackFromItsPlainOne) {
+    for (unsigned alpha = 0; alpha < 256; ++alpha) {
+        for (unsigned part = 0; part <= alpha; ++part) {
+            const std::uint32_t pixel = alpha << 24 | part << 16 | (alpha - part) << 8 | alpha;
+            ASSERT_EQ(Multiplied(Divided(pixel)), pixel) << std::hex << pixel;
         }
     }
 }

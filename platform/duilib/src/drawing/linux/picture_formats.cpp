@@ -13,6 +13,10 @@ struct Unref {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
 
+void Check(cairo_status_t status) {
+    if (status != CAIRO_STATUS_SUCCESS) throw std::runtime_error(cairo_status_to_string(status));
+}
+
 void Check(GError* error) {
     if (!error) return;
     const std::string message = error->message;
@@ -70,6 +74,25 @@ PaintSurface Resized(const PaintSurface& raster, CDuiSize size) {
     cairo_pattern_set_filter(cairo_get_source(context.get()), CAIRO_FILTER_BEST);
     cairo_paint(context.get());
     return resized;
+}
+
+void WritePng(const PaintSurface& picture, const std::filesystem::path& file) {
+    const CairoSurface view = CairoView(picture);
+    Check(cairo_surface_status(view.get()));
+    Check(cairo_surface_write_to_png(view.get(), file.c_str()));
+}
+
+PaintSurface ReadPng(const std::filesystem::path& file) {
+    const CairoSurface png(cairo_image_surface_create_from_png(file.c_str()));
+    Check(cairo_surface_status(png.get()));
+    PaintSurface loaded({cairo_image_surface_get_width(png.get()), cairo_image_surface_get_height(png.get())});
+    const CairoSurface copy = CairoView(loaded);
+    const CairoContext context(cairo_create(copy.get()));
+    cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_surface(context.get(), png.get(), 0, 0);
+    cairo_paint(context.get());
+    Check(cairo_status(context.get()));
+    return loaded;
 }
 
 }  // namespace DuiLib

@@ -2,7 +2,7 @@
 
 #include <pango/pangocairo.h>
 
-#include "drawing/text_setting.h"
+#include "drawing/text_measurer.h"
 
 namespace DuiLib {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "drawing/text_setting.h"
+#include "drawing/text_measurer.h"
 #include "drawing/windows/gdiplus_session.h"
 
 namespace DuiLib {

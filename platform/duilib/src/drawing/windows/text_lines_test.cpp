@@ -1,4 +1,4 @@
-#include "drawing/windows/text_layout.h"
+#include "drawing/windows/text_lines.h"
 
 #include "drawing/windows/gdiplus_fonts.h"
 #include "support/toolkit/toolkit_test.h"
