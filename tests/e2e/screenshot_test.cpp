@@ -32,13 +32,14 @@ protected:
 };
 
 TEST_F(ScreenshotTest, WithoutAScriptItShowsTheListAtRest) {
-    const std::string expected = PictureOf(WaitForRows(2, "dock"));
+    const std::string expected = PictureOf(WaitForRows(2, "dock") + "wait hidden pendevInfo");
     ASSERT_THAT(expected, testing::StartsWith("\x89PNG"));
     EXPECT_TRUE(Screenshot({"--headless", "--scale", "150"}, HostEnvironment()) == expected);
 }
 
 TEST_F(ScreenshotTest, WithAScriptItShowsWhatTheScriptLeft) {
-    const std::string lines = WaitForRows(2, "dock") + "click penpulldown\nwait shown pendevInfo";
+    const std::string lines =
+        WaitForRows(2, "dock") + "wait hidden pendevInfo\nclick penpulldown\nwait shown pendevInfo";
     const std::string expected = PictureOf(lines);
     WriteFile(m_folder / "test.script", lines);
     const std::vector<std::string> options = {"--headless", "--scale", "150", "--script",
@@ -47,7 +48,7 @@ TEST_F(ScreenshotTest, WithAScriptItShowsWhatTheScriptLeft) {
 }
 
 TEST_F(ScreenshotTest, WithoutADisplayItIsTakenAllTheSame) {
-    const std::string expected = PictureOf(WaitForRows(2, "dock"));
+    const std::string expected = PictureOf(WaitForRows(2, "dock") + "wait hidden pendevInfo");
     EXPECT_TRUE(Screenshot({"--language", "en-US", "--scale", "150"}, WindowEnvironment(":64999")) == expected);
 }
 
