@@ -22,9 +22,9 @@
 //       ]
 //     }
 //
-// Every field but "description" is required, and no other field is known. Relative paths start at the catalogue's
-// folder, in which the installer runs too. "installer" is a program with its arguments, or one text for the system's
-// shell; docs/service.md says what it is given.
+// Every field but "description" is required, none may be there twice, and no other field is known. Relative paths start
+// at the catalogue's folder, in which the installer runs too. "installer" is a program with its arguments, or one text
+// for the system's shell; docs/service.md says what it is given.
 namespace update_service {
 
 struct Accessory {
