@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <condition_variable>
 #include <map>
-#include <mutex>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
 
 #include "base/child_system.h"
 #include "base/environment.h"
+#include "base/mutex.h"
 #include "base/path.h"
 
 namespace base {
@@ -84,21 +83,22 @@ struct ChildOutput::State {
 
     void ReadAll() {
         std::array<char, 4096> bytes;
-        while (!ended) {
+        for (bool last = false; !last;) {
             const std::size_t size = child_system::Read(file, bytes.data(), bytes.size(), stop);
-            const std::lock_guard guard(mutex);
+            last = size == 0;
+            const MutexLock lock(mutex);
             text.append(bytes.data(), size);
-            ended = size == 0;
-            changed.notify_all();
+            ended = last;
+            changed.NotifyAll();
         }
     }
 
     const File file;
     std::atomic<bool> stop = false;
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::string text;
-    bool ended = false;  // written by the reader only
+    Mutex mutex;
+    Condition changed;
+    std::string text GUARDED_BY(mutex);
+    bool ended GUARDED_BY(mutex) = false;
     std::thread reader;  // last: it uses the rest
 };
 
@@ -107,26 +107,27 @@ ChildOutput::ChildOutput(std::unique_ptr<State> state) : m_state(std::move(state
 ChildOutput::~ChildOutput() = default;
 
 bool ChildOutput::WaitForLine(std::string_view wanted, milliseconds limit) const {
-    std::unique_lock lock(m_state->mutex);
-    const std::string& text = m_state->text;
+    const auto end = Clock::now() + limit;
+    State& state = *m_state;
+    const MutexLock lock(state.mutex);
     std::size_t lookFrom = 0;
-    bool found = false;
-    m_state->changed.wait_for(lock, limit, [&] {
-        const std::size_t at = text.find(wanted, lookFrom);
-        found = at != text.npos && text.find('\n', at + wanted.size()) != text.npos;
-        if (at == text.npos && text.size() > wanted.size()) lookFrom = text.size() - wanted.size();
-        return found || m_state->ended;
-    });
-    return found;
+    for (bool inTime = true;; inTime = state.changed.WaitUntil(state.mutex, end)) {
+        const std::size_t at = state.text.find(wanted, lookFrom);
+        if (at != std::string::npos && state.text.find('\n', at + wanted.size()) != std::string::npos) return true;
+        if (at == std::string::npos && state.text.size() > wanted.size()) lookFrom = state.text.size() - wanted.size();
+        if (state.ended || !inTime) return false;
+    }
 }
 
 bool ChildOutput::WaitForEnd(milliseconds limit) const {
-    std::unique_lock lock(m_state->mutex);
-    return m_state->changed.wait_for(lock, limit, [this] { return m_state->ended; });
+    const auto end = Clock::now() + limit;
+    const MutexLock lock(m_state->mutex);
+    for (bool inTime = true; !m_state->ended && inTime;) inTime = m_state->changed.WaitUntil(m_state->mutex, end);
+    return m_state->ended;
 }
 
 std::string ChildOutput::Text() const {
-    const std::lock_guard guard(m_state->mutex);
+    const MutexLock lock(m_state->mutex);
     return m_state->text;
 }
 

@@ -3,8 +3,9 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
+
+#include "base/mutex.h"
 
 namespace base {
 
@@ -23,7 +24,7 @@ public:
     // An empty function: none is set.
     void Set(Sink sink) {
         auto fresh = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_isSet = fresh != nullptr;
         m_sink.swap(fresh);  // the old one is destroyed after the lock
     }
@@ -39,13 +40,13 @@ public:
 
 private:
     std::shared_ptr<const Sink> Current() const {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         return m_sink;
     }
 
     std::atomic<bool> m_isSet{false};  // spares the lock while nobody listens
-    mutable std::mutex m_mutex;
-    std::shared_ptr<const Sink> m_sink;
+    mutable Mutex m_mutex;
+    std::shared_ptr<const Sink> m_sink GUARDED_BY(m_mutex);
 };
 
 }  // namespace base

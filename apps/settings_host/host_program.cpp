@@ -32,9 +32,8 @@ constexpr milliseconds kLookAgain{10};  // how often a page without a window, or
 constexpr milliseconds kRest{500};      // without a change, the page has come to rest
 constexpr std::chrono::seconds kListPatience{10};
 
-// The running program, for signals; guarded by the mutex.
-std::mutex programMutex;
-HostProgram* program = nullptr;
+base::Mutex programMutex;
+HostProgram* program GUARDED_BY(programMutex) = nullptr;  // the running one, for signals
 std::atomic<bool> stopAsked{false};
 
 std::vector<std::string> Lines(const std::string& text) {
@@ -42,6 +41,11 @@ std::vector<std::string> Lines(const std::string& text) {
     std::istringstream input(text);
     for (std::string line; std::getline(input, line);) lines.push_back(line);
     return lines;
+}
+
+std::string WindowTitle() {
+    const kernel::UiTurn turn;
+    return base::Utf8FromWide(DuiLib::UICulture::GetInstance()->GetString(L"IDS_HOST_WINDOW_TITLE"));
 }
 
 }  // namespace
@@ -53,9 +57,7 @@ HostProgram::HostProgram(const CommandLine& commandLine)
       m_channel([this] { WakeUp(); }),
       m_window(m_module, m_channel, m_inhibitor) {
     if (!commandLine.headless) {
-        const std::string title =
-            base::Utf8FromWide(DuiLib::UICulture::GetInstance()->GetString(L"IDS_HOST_WINDOW_TITLE"));
-        m_native.emplace(m_window.Manager(), DuiLib::WindowOptions{.title = title,
+        m_native.emplace(m_window.Manager(), DuiLib::WindowOptions{.title = WindowTitle(),
                                                                    .size = SettingsWindow::kSize,
                                                                    .smallest = SettingsWindow::kSmallest,
                                                                    .scale = commandLine.scale});
@@ -63,27 +65,27 @@ HostProgram::HostProgram(const CommandLine& commandLine)
     }
     SetPipeConnectionSink([this] { WakeUp(); });
     {
-        const std::lock_guard lock(m_wakeMutex);
+        const base::MutexLock lock(m_wakeMutex);
         m_awaiting = m_native ? &*m_native : nullptr;
     }
-    const std::lock_guard lock(programMutex);
+    const base::MutexLock lock(programMutex);
     program = this;
 }
 
 HostProgram::~HostProgram() {
     SetWaitPercent(m_commandLine.waitPercent);  // a script that lengthens waits does not keep the window
     {
-        const std::lock_guard lock(programMutex);
+        const base::MutexLock lock(programMutex);
         program = nullptr;
     }
     SetPipeConnectionSink({});
-    const std::lock_guard lock(m_wakeMutex);
+    const base::MutexLock lock(m_wakeMutex);
     m_awaiting = nullptr;
 }
 
 void HostProgram::AskToStop() {
     stopAsked = true;
-    const std::lock_guard lock(programMutex);
+    const base::MutexLock lock(programMutex);
     if (program) program->WakeUp();
 }
 
@@ -93,7 +95,7 @@ bool HostProgram::NothingIsLeft() {
 }
 
 void HostProgram::WakeUp() {
-    const std::lock_guard lock(m_wakeMutex);
+    const base::MutexLock lock(m_wakeMutex);
     if (m_awaiting) m_awaiting->WakeUp();
 }
 

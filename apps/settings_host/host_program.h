@@ -2,11 +2,11 @@
 
 #include <atomic>
 #include <chrono>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "base/mutex.h"
 #include "host_channel.h"
 #include "module_loader/page_module.h"
 #include "options.h"
@@ -48,8 +48,8 @@ private:
     void WakeUp();
 
     const CommandLine m_commandLine;
-    std::mutex m_wakeMutex;
-    DuiLib::CWindowWnd* m_awaiting = nullptr;  // who is woken by news; guarded by m_wakeMutex
+    base::Mutex m_wakeMutex;
+    DuiLib::CWindowWnd* m_awaiting GUARDED_BY(m_wakeMutex) = nullptr;  // who is woken by news
     const PageModule m_module;
     SleepInhibitor m_inhibitor;
     HostChannel m_channel;

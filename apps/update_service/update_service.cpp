@@ -49,7 +49,7 @@ void UpdateService::Resume() {
 void UpdateService::OnReady() {
     std::vector<Accessory> list;
     {
-        const std::lock_guard guard(m_mutex);
+        const base::MutexLock lock(m_mutex);
         for (const Accessory& accessory : m_catalogue.accessories) {
             if (m_devices.at(accessory.deviceKey).phase != Phase::kInstalled) list.push_back(accessory);
         }
@@ -65,24 +65,27 @@ void UpdateService::OnStart(const std::string& deviceKey) {
         m_page.Send(channel::to_page::IPC_MSG_PKG_FAIL, deviceKey);
         return;
     }
-    std::unique_lock guard(m_mutex);
-    switch (device->phase) {
+    if (!AnswerStart(*device)) Launch(*device);
+}
+
+bool UpdateService::AnswerStart(Device& device) {
+    const base::MutexLock lock(m_mutex);
+    switch (device.phase) {
         case Phase::kDownloading:
         case Phase::kInstalling:
-            WriteLog(LOG_LEVEL_DETAIL, *device, "runs already");
-            m_page.SendProgress(deviceKey, device->percent);
-            return;
+            WriteLog(LOG_LEVEL_DETAIL, device, "runs already");
+            m_page.SendProgress(device.accessory->deviceKey, device.percent);
+            return true;
         case Phase::kInstalled:
-            WriteLog(LOG_LEVEL_DETAIL, *device, "is installed already");
-            m_page.Send(channel::to_page::IPC_MSG_PKG_FINISH, deviceKey);
-            return;
+            WriteLog(LOG_LEVEL_DETAIL, device, "is installed already");
+            m_page.Send(channel::to_page::IPC_MSG_PKG_FINISH, device.accessory->deviceKey);
+            return true;
         case Phase::kIdle:
         case Phase::kPaused:
         case Phase::kFailed:
             break;
     }
-    guard.unlock();
-    Launch(*device);
+    return false;
 }
 
 void UpdateService::OnPause(const std::string& deviceKey) {
@@ -91,7 +94,7 @@ void UpdateService::OnPause(const std::string& deviceKey) {
         m_log(LOG_LEVEL_EVENT, deviceKey + ": pause ignored: the catalogue does not have it");
         return;
     }
-    const std::lock_guard guard(m_mutex);
+    const base::MutexLock lock(m_mutex);
     if (device->phase != Phase::kDownloading) {
         WriteLog(LOG_LEVEL_EVENT, *device, std::string("pause ignored: it is ") + NameOf(device->phase));
         return;
@@ -118,7 +121,7 @@ UpdateService::Device* UpdateService::FindDevice(const std::string& deviceKey) {
 void UpdateService::Launch(Device& device) {
     if (device.worker.joinable()) device.worker.join();
     {
-        const std::lock_guard guard(m_mutex);
+        const base::MutexLock lock(m_mutex);
         SetPhase(device, Phase::kDownloading);
     }
     WriteLog(LOG_LEVEL_DETAIL, device, "started" + FromWhere(device));

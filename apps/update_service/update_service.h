@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
-#include <mutex>
 #include <stop_token>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "base/mutex.h"
 #include "catalogue.h"
 #include "channel/messages.h"
 #include "installer.h"
@@ -99,9 +99,9 @@ private:
     InstallerCall CallOf(const Accessory& accessory, const WorkFiles& files) const;
     void SendProgress(Device& device, int percent, const std::stop_token& stop);
 
-    // With m_mutex held.
-    void SetPhase(Device& device, Phase phase);
-    void Fail(Device& device, const std::string& reason);
+    bool AnswerStart(Device& device);  // where it stands; false for one that is to be started
+    void SetPhase(Device& device, Phase phase) REQUIRES(m_mutex);
+    void Fail(Device& device, const std::string& reason) REQUIRES(m_mutex);
 
     std::string FromWhere(const Device& device) const;
     void WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) const;
@@ -114,7 +114,7 @@ private:
     const Log m_log;
     std::stop_source m_stopInstallers;
 
-    std::mutex m_mutex;                       // guards the devices' phases and percentages, the state file and failAt
+    base::Mutex m_mutex;                      // guards the devices' phases and percentages, the state file and failAt
     std::map<std::string, Device> m_devices;  // by device key; the map itself never changes
 };
 

@@ -14,7 +14,7 @@ void UpdateService::Update(Device& device, const std::stop_token& stop) {
 bool UpdateService::Fetch(Device& device, const WorkFiles& files, const std::stop_token& stop) {
     const TransferResult result =
         RunTransfer(TransferOf(device, files), stop, [&](int percent) { SendProgress(device, percent, stop); });
-    const std::lock_guard guard(m_mutex);
+    const base::MutexLock lock(m_mutex);
     if (stop.stop_requested()) return false;  // paused, or stopped: even when that was at the last moment
     if (result.end == TransferEnd::kFailed) {
         if (result.wasAskedFor) m_options.failAt.erase(device.accessory->deviceKey);
@@ -27,7 +27,7 @@ bool UpdateService::Fetch(Device& device, const WorkFiles& files, const std::sto
 
 Transfer UpdateService::TransferOf(const Device& device, const WorkFiles& files) {
     Transfer transfer{device.accessory->package, files, device.accessory->sha256, m_options.bytesPerSecond, {}};
-    const std::lock_guard guard(m_mutex);
+    const base::MutexLock lock(m_mutex);
     const auto failAt = m_options.failAt.find(device.accessory->deviceKey);
     if (failAt != m_options.failAt.end()) transfer.failAt = failAt->second;
     return transfer;
@@ -37,7 +37,7 @@ void UpdateService::Install(Device& device, const WorkFiles& files) {
     WriteLog(LOG_LEVEL_DETAIL, device, "the installer starts");
     const InstallerResult result =
         RunInstaller(CallOf(*device.accessory, files), m_stopInstallers.get_token(), m_options.stopGrace);
-    const std::lock_guard guard(m_mutex);
+    const base::MutexLock lock(m_mutex);
     switch (result.end) {
         case InstallerEnd::kAbandoned:
             // Still "installing" in the state file: the next service calls it again.
@@ -66,7 +66,7 @@ InstallerCall UpdateService::CallOf(const Accessory& accessory, const WorkFiles&
 
 // Messages leave under the lock, so that none overtakes the answer to a pause or a second start.
 void UpdateService::SendProgress(Device& device, int percent, const std::stop_token& stop) {
-    const std::lock_guard guard(m_mutex);
+    const base::MutexLock lock(m_mutex);
     if (stop.stop_requested()) return;
     device.percent = percent;
     m_page.SendProgress(device.accessory->deviceKey, percent);

@@ -2,17 +2,17 @@
 
 #include <windows.h>
 
-#include <condition_variable>
-#include <mutex>
 #include <thread>
+
+#include "base/mutex.h"
 
 namespace base {
 namespace {
 
 struct Asked {
-    std::mutex mutex;
-    std::condition_variable came;
-    const char* name = nullptr;  // null: not yet
+    Mutex mutex;
+    Condition came;
+    const char* name GUARDED_BY(mutex) = nullptr;  // null: not yet
 };
 
 // Never destroyed: the system asks on a thread of its own, also while the process ends.
@@ -38,9 +38,9 @@ const char* NameOf(DWORD event) {
 
 void Ask(const char* name) {
     Asked& asked = Request();
-    const std::lock_guard guard(asked.mutex);
+    const MutexLock lock(asked.mutex);
     if (asked.name == nullptr) asked.name = name;
-    asked.came.notify_all();
+    asked.came.NotifyAll();
 }
 
 // After the window's close button, a logoff or a shutdown the system ends the process when this returns, so it does
@@ -73,8 +73,8 @@ void StopWithInput() {
 
 const char* WaitForStopSignal() {
     Asked& asked = Request();
-    std::unique_lock lock(asked.mutex);
-    asked.came.wait(lock, [&] { return asked.name != nullptr; });
+    const MutexLock lock(asked.mutex);
+    while (asked.name == nullptr) asked.came.Wait(asked.mutex);
     const char* const name = asked.name;
     asked.name = nullptr;
     return name;

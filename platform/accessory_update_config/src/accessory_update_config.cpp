@@ -1,14 +1,13 @@
 #include "accessory_update_config/accessory_update_config.h"
 
-#include <mutex>
-
+#include "base/mutex.h"
 #include "companions.h"
 
 namespace {
 
 struct Configuration {
-    std::mutex mutex;
-    Companions companions;
+    base::Mutex mutex;
+    Companions companions GUARDED_BY(mutex);
 };
 
 // Never destroyed: a click may still ask while the process exits.
@@ -20,7 +19,7 @@ Configuration& Current() {
 // Empty for a key without a companion program.
 std::string ProgramOf(const std::wstring& deviceKey) {
     Configuration& current = Current();
-    const std::lock_guard guard(current.mutex);
+    const base::MutexLock lock(current.mutex);
     const auto found = current.companions.find(deviceKey);
     return found == current.companions.end() ? std::string() : found->second;
 }
@@ -37,6 +36,6 @@ bool AccessoryUpdateConfig::IsAccessoryAppRunning(const std::wstring& deviceKey)
 void AccessoryUpdateConfig::Load(const std::filesystem::path& file) {
     Companions companions = ReadCompanions(file);
     Configuration& current = Current();
-    const std::lock_guard guard(current.mutex);
+    const base::MutexLock lock(current.mutex);
     current.companions = std::move(companions);
 }

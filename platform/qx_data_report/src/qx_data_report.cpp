@@ -3,10 +3,10 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
-#include <mutex>
 #include <nlohmann/json.hpp>
 
 #include "base/file.h"
+#include "base/mutex.h"
 #include "base/path.h"
 #include "base/text.h"
 #include "kernel/ansi_text.h"
@@ -51,9 +51,9 @@ Json FieldsToJson(const QxDataEvent& event) {
 }  // namespace
 
 struct QxDataReport::State {
-    std::mutex mutex;
-    int application = 0;
-    std::filesystem::path file;
+    base::Mutex mutex;
+    int application GUARDED_BY(mutex) = 0;
+    std::filesystem::path file GUARDED_BY(mutex);
 };
 
 QxDataReport::QxDataReport() : m_state(new State) {}
@@ -66,19 +66,19 @@ QxDataReport* QxDataReport::Instance() {
 }
 
 void QxDataReport::Init(int application, const std::string& folder) {
-    const std::lock_guard guard(m_state->mutex);
+    const base::MutexLock lock(m_state->mutex);
     if (application != 0) m_state->application = application;
     if (!folder.empty()) m_state->file = base::PathFromUtf8(Utf8FromAnsi(folder)) / "events.jsonl";
 }
 
 void QxDataReport::SetFile(const std::filesystem::path& file) {
-    const std::lock_guard guard(m_state->mutex);
+    const base::MutexLock lock(m_state->mutex);
     m_state->file = file;
 }
 
 int QxDataReport::SendMsg(const QxDataEvent& event) {
     try {
-        const std::lock_guard guard(m_state->mutex);
+        const base::MutexLock lock(m_state->mutex);
         if (m_state->file.empty()) return 0;
         Json line;
         line["time"] = Now();

@@ -6,11 +6,11 @@
 #include <spdlog/sinks/rotating_file_sink.h>
 
 #include <memory>
-#include <mutex>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "base/mutex.h"
 #include "base/path.h"
 #include "base/text.h"
 #include "console.h"
@@ -61,8 +61,8 @@ std::string Line(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
 }  // namespace
 
 struct QxLogger::State {
-    std::mutex mutex;  // guards what follows, and keeps lines apart
-    std::unique_ptr<spdlog::logger> backEnd = MakeBackEnd({std::make_shared<ConsoleSink>()});
+    base::Mutex mutex;  // keeps lines apart
+    std::unique_ptr<spdlog::logger> backEnd GUARDED_BY(mutex) = MakeBackEnd({std::make_shared<ConsoleSink>()});
 };
 
 QxLogger::QxLogger() : m_state(new State) {}
@@ -77,7 +77,7 @@ QxLogger* QxLogger::GetInstance() {
 void QxLogger::Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line) {
     try {
         const std::string text = Line(level, line.str());
-        const std::lock_guard guard(m_state->mutex);
+        const base::MutexLock lock(m_state->mutex);
         m_state->backEnd->log(BackEndLevel(level), text);
     } catch (...) {
         // Out of memory, mostly: the line is dropped. Lines are written in destructors, where nothing may be thrown.
@@ -97,12 +97,12 @@ void QxLogger::Open(const Options& options) {
         }
     }
     auto backEnd = MakeBackEnd(sinks);
-    const std::lock_guard guard(m_state->mutex);
+    const base::MutexLock lock(m_state->mutex);
     m_state->backEnd->flush();
     m_state->backEnd = std::move(backEnd);
 }
 
 void QxLogger::Flush() {
-    const std::lock_guard guard(m_state->mutex);
+    const base::MutexLock lock(m_state->mutex);
     m_state->backEnd->flush();
 }

@@ -1,6 +1,5 @@
 #include "ipc_client/ipc_message_client.h"
 
-#include <mutex>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -8,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/mutex.h"
 #include "base/reason.h"
 #include "client/connection.h"
 #include "client/receiver.h"
@@ -23,9 +23,8 @@ public:
     State(int endpoint, bool mayReceive, std::shared_ptr<Connection> shared)
         : endpointId(endpoint), receives(mayReceive), connection(std::move(shared)) {}
 
-    // Makes the receiver for the first callback; false, with a log line, when its thread cannot be started. Under
-    // `registration`.
-    bool EnsureReceiver() {
+    // Makes the receiver for the first callback; false, with a log line, when its thread cannot be started.
+    bool EnsureReceiver() REQUIRES(registration) {
         if (receiver) return true;
         try {
             receiver = std::make_unique<Receiver>(endpointId);
@@ -39,8 +38,8 @@ public:
     const int endpointId;
     const bool receives;
     const std::shared_ptr<Connection> connection;
-    std::mutex registration;             // keeps callbacks and the connection's routes in step
-    std::unique_ptr<Receiver> receiver;  // set once
+    base::Mutex registration;                                     // keeps callbacks and the connection's routes in step
+    std::unique_ptr<Receiver> receiver GUARDED_BY(registration);  // set once
 };
 
 namespace {
@@ -72,33 +71,39 @@ void IPCMessageClient::RegisterMessageCallback(int msgId, std::function<void(Tag
         return;
     }
     Receiver::Held replaced;  // goes after the lock
-    const std::lock_guard lock(m_state->registration);
+    const base::MutexLock lock(m_state->registration);
     if (!m_state->EnsureReceiver()) return;
     replaced = m_state->receiver->Set(msgId, std::move(callback));
     m_state->connection->AddReceiver(*m_state->receiver, msgId);
 }
 
 bool IPCMessageClient::UnRegisterMessageCallback(int msgId) {
-    std::unique_lock lock(m_state->registration);
-    Receiver* receiver = m_state->receiver.get();
-    if (receiver == nullptr) return false;
-    Receiver::Held removed = receiver->Remove(msgId);
-    if (removed) m_state->connection->RemoveReceiver(*receiver, {msgId});
-    lock.unlock();
+    Receiver* receiver = nullptr;
+    Receiver::Held removed;
+    {
+        const base::MutexLock lock(m_state->registration);
+        receiver = m_state->receiver.get();
+        if (receiver == nullptr) return false;
+        removed = receiver->Remove(msgId);
+        if (removed) m_state->connection->RemoveReceiver(*receiver, {msgId});
+    }
     const bool wasThere = std::exchange(removed, nullptr) != nullptr;
     receiver->WaitUntilDone(msgId);  // another thread, or the callback itself, may have removed it
     return wasThere;
 }
 
 bool IPCMessageClient::UnRegisterMessageCallbackAll() {
-    std::unique_lock lock(m_state->registration);
-    Receiver* receiver = m_state->receiver.get();
-    if (receiver == nullptr) return false;
-    std::unordered_map<int, Receiver::Held> removed = receiver->RemoveAll();
+    Receiver* receiver = nullptr;
+    std::unordered_map<int, Receiver::Held> removed;
     std::vector<int> msgIds;
-    for (const auto& [msgId, callback] : removed) msgIds.push_back(msgId);
-    m_state->connection->RemoveReceiver(*receiver, msgIds);
-    lock.unlock();
+    {
+        const base::MutexLock lock(m_state->registration);
+        receiver = m_state->receiver.get();
+        if (receiver == nullptr) return false;
+        removed = receiver->RemoveAll();
+        for (const auto& [msgId, callback] : removed) msgIds.push_back(msgId);
+        m_state->connection->RemoveReceiver(*receiver, msgIds);
+    }
     removed.clear();
     receiver->WaitUntilDone(std::nullopt);
     return !msgIds.empty();

@@ -4,9 +4,9 @@
 #include <limits>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <string_view>
 
+#include "base/mutex.h"
 #include "base/text.h"
 #include "byte_page.h"
 
@@ -21,10 +21,13 @@ unsigned Resolved(unsigned codePage) { return codePage == kCodePageAnsi ? g_ansi
 
 // The page's tables, built at the first use and kept; null for a page that cannot be converted.
 const BytePage* FindBytePage(unsigned codePage) {
-    static std::mutex& mutex = *new std::mutex;
-    static auto& pages = *new std::map<unsigned, std::unique_ptr<const BytePage>>;
-    const std::lock_guard guard(mutex);
-    const auto [entry, isNew] = pages.try_emplace(codePage);
+    struct Pages {
+        base::Mutex mutex;
+        std::map<unsigned, std::unique_ptr<const BytePage>> built GUARDED_BY(mutex);
+    };
+    static Pages& pages = *new Pages;
+    const base::MutexLock lock(pages.mutex);
+    const auto [entry, isNew] = pages.built.try_emplace(codePage);
     if (isNew) entry->second = BytePage::Make(codePage);
     return entry->second.get();
 }
