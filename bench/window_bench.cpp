@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "bench_page.h"
+#include "kernel/ui_turn.h"
 
 namespace {
 
@@ -53,6 +54,7 @@ private:
 };
 
 DuiLib::CDuiSize UseScale(benchmark::State& state) {
+    const kernel::UiTurn turn;
     auto* const resources = DuiLib::CResourceManager::GetInstance();
     resources->SetScale(static_cast<unsigned>(state.range(0)));
     return resources->Scale(kWindow);

@@ -20,7 +20,7 @@ endfunction()
 # add_page_test(NAME SOURCES... LIBS...): a GoogleTest program of plug-in code over the fake platform.
 function(add_page_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;LABELS" ${ARGN})
-  add_unit_test(${name} SOURCES ${ARG_SOURCES} LIBS page_fixture ${ARG_LIBS} LABELS plugin ${ARG_LABELS})
+  add_unit_test(${name} SOURCES ${ARG_SOURCES} $<TARGET_OBJECTS:held_turn> LIBS page_fixture ${ARG_LIBS} LABELS plugin ${ARG_LABELS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/plugin)
   use_fake_platform(${name})
 endfunction()

@@ -36,6 +36,10 @@ if(BRINDLE_BUILD_TESTS)
 
   add_library(test_time_limit OBJECT ${PROJECT_SOURCE_DIR}/tests/support/time_limit.cpp)
   target_link_libraries(test_time_limit PRIVATE project_warnings GTest::gtest Threads::Threads)
+
+  # For programs whose tests use the toolkit's controls: they list its objects among their sources.
+  add_library(held_turn OBJECT ${PROJECT_SOURCE_DIR}/tests/support/held_turn.cpp)
+  target_link_libraries(held_turn PRIVATE kernel GTest::gtest project_warnings)
 endif()
 
 # add_unit_test(NAME SOURCES... LIBS... [LABELS...] [INCLUDES...])

@@ -62,7 +62,6 @@ public:
 
 private:
     void Do(const json& step) {
-        const kernel::UiTurn turn;
         const std::string what = step.at("do");
         if (what == "create") {
             Create(step.value("null", json::array()));
@@ -129,6 +128,7 @@ private:
 }  // namespace
 
 std::string PlayScenario(const json& scenario, const std::filesystem::path& module) {
+    const kernel::UiTurn turn;
     Player player(scenario, module);
     std::size_t number = 0;
     for (const json& step : scenario.at("steps")) {

@@ -1,6 +1,9 @@
 #include "host_page.h"
 
+#include "kernel/ui_turn.h"
+
 HostPage::HostPage() : m_parent(new DuiLib::CVerticalLayoutUI), m_manager(new DuiLib::CPaintManagerUI) {
+    const kernel::UiTurn turn;
     auto* const root = new DuiLib::CVerticalLayoutUI;
     root->Add(m_parent);
     m_manager->AttachRoot(root);

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "duilib/resource_manager.h"
+#include "kernel/ui_turn.h"
 
 namespace {
 
@@ -77,6 +78,7 @@ MinimalLayouts::MinimalLayouts(const Options& options) : m_folder(NewFolder()) {
     fs::create_directories(m_folder / "bin");
     if (options.pageLayout) WritePage(layouts / "Tolvane.xml", options);
     if (options.rowLayout) WriteRow(layouts / "AccessoriesFirmwareWnd.xml", options);
+    const kernel::UiTurn turn;
     DuiLib::CResourceManager::GetInstance()->SetResourceBase(m_folder / "bin");
 }
 

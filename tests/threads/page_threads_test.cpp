@@ -86,9 +86,9 @@ protected:
     PageThreads() {
         SetIpcLogSink([](int, const std::string&) {});
         QxLogger::GetInstance()->Open({.file = {}, .console = false});
-        DuiLib::CRenderEngine::SetTextMeasurer(&m_measurer);
         m_broker.Start();
         const kernel::UiTurn turn;
+        DuiLib::CRenderEngine::SetTextMeasurer(&m_measurer);
         m_module.CreateSetting(m_page.Manager(), m_page.Pump(), m_page.Parent());
     }
     ~PageThreads() override {
@@ -97,9 +97,9 @@ protected:
             const kernel::UiTurn turn;
             m_module.CloseWnd();
             m_page.Discard();
+            DuiLib::CRenderEngine::SetTextMeasurer(nullptr);
         }
         SetIpcTrace(nullptr);
-        DuiLib::CRenderEngine::SetTextMeasurer(nullptr);
     }
 
     template <class Payload>

@@ -6,6 +6,7 @@
 #include "drawing/text_measurer.h"
 #include "foundation/geometry_math.h"
 #include "foundation/layout_basis.h"
+#include "foundation/ui_turn_assertion.h"
 
 namespace DuiLib {
 
@@ -31,6 +32,7 @@ void CRenderEngine::DrawText(PaintDC* dc, CPaintManagerUI*, CDuiRect& rect, std:
 }
 
 void CRenderEngine::SetTextMeasurer(TextMeasurer* measurer) {
+    AssertUiTurn();
     if (replacement == measurer) return;
     replacement = measurer;
     TellLayoutBasisChanged();

@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "foundation/geometry_math.h"
 #include "foundation/layout_basis.h"
+#include "foundation/ui_turn_assertion.h"
 
 namespace DuiLib {
 
@@ -23,12 +24,12 @@ std::filesystem::path ProgramFolder() {
 }  // namespace
 
 struct CResourceManager::State {
-    unsigned scale = 100;
-    std::filesystem::path base = ProgramFolder();
-    std::filesystem::path skin = base.parent_path() / "res";
-    std::filesystem::path fallbackPicture;
-    FontDescription defaultFont;
-    std::map<int, FontDescription> fonts;
+    unsigned scale GUARDED_BY(kernel::kUiTurn) = 100;
+    std::filesystem::path base GUARDED_BY(kernel::kUiTurn) = ProgramFolder();
+    std::filesystem::path skin GUARDED_BY(kernel::kUiTurn) = base.parent_path() / "res";
+    std::filesystem::path fallbackPicture GUARDED_BY(kernel::kUiTurn);
+    FontDescription defaultFont GUARDED_BY(kernel::kUiTurn);
+    std::map<int, FontDescription> fonts GUARDED_BY(kernel::kUiTurn);
 };
 
 namespace {
@@ -53,15 +54,20 @@ CResourceManager* CResourceManager::GetInstance() {
     return instance;
 }
 
-unsigned CResourceManager::GetScale() const { return m_state->scale; }
+unsigned CResourceManager::GetScale() const {
+    AssertUiTurn();
+    return m_state->scale;
+}
 
 void CResourceManager::SetScale(unsigned percent) {
+    AssertUiTurn();
     if (m_state->scale == percent) return;
     m_state->scale = percent;
     TellLayoutBasisChanged();
 }
 
 int CResourceManager::Scale(int design, const CPaintManagerUI*) const {
+    AssertUiTurn();
     return m_state->scale == 100 ? ClampExtent(design) : MultiplyRounded(design, m_state->scale, 100);
 }
 
@@ -70,31 +76,49 @@ CDuiSize CResourceManager::Scale(CDuiSize design, const CPaintManagerUI* manager
 }
 
 int CResourceManager::RestoreScale(int device, const CPaintManagerUI*) const {
+    AssertUiTurn();
     return m_state->scale == 0 ? 0 : MultiplyRounded(device, 100, m_state->scale);
 }
 
-void CResourceManager::SetResourceBase(const std::filesystem::path& folder) { m_state->base = folder; }
+void CResourceManager::SetResourceBase(const std::filesystem::path& folder) {
+    AssertUiTurn();
+    m_state->base = folder;
+}
 
 std::filesystem::path CResourceManager::Resolve(std::wstring_view file) const {
+    AssertUiTurn();
     return (m_state->base / PathOf(file)).lexically_normal();
 }
 
-void CResourceManager::SetSkinFolder(const std::filesystem::path& folder) { m_state->skin = folder; }
+void CResourceManager::SetSkinFolder(const std::filesystem::path& folder) {
+    AssertUiTurn();
+    m_state->skin = folder;
+}
 
 std::filesystem::path CResourceManager::ResolveSkinFile(std::wstring_view file) const {
+    AssertUiTurn();
     return (m_state->skin / PathOf(file)).lexically_normal();
 }
 
-void CResourceManager::SetFallbackPicture(const std::filesystem::path& file) { m_state->fallbackPicture = file; }
-std::filesystem::path CResourceManager::GetFallbackPicture() const { return m_state->fallbackPicture; }
+void CResourceManager::SetFallbackPicture(const std::filesystem::path& file) {
+    AssertUiTurn();
+    m_state->fallbackPicture = file;
+}
+
+std::filesystem::path CResourceManager::GetFallbackPicture() const {
+    AssertUiTurn();
+    return m_state->fallbackPicture;
+}
 
 void CResourceManager::SetFont(int index, const FontDescription& font) {
+    AssertUiTurn();
     const bool changed = GetFont(index) != font;
     (index == -1 ? m_state->defaultFont : m_state->fonts[index]) = font;
     if (changed) TellLayoutBasisChanged();
 }
 
 const FontDescription& CResourceManager::GetFont(int index) const {
+    AssertUiTurn();
     const auto found = m_state->fonts.find(index);
     return found == m_state->fonts.end() ? m_state->defaultFont : found->second;
 }

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "foundation/attribute_values.h"
 #include "foundation/layout_basis.h"
+#include "foundation/ui_turn_assertion.h"
 #include "foundation/xml_source.h"
 
 namespace DuiLib {
@@ -25,11 +26,11 @@ using Texts = std::unordered_map<std::wstring, CDuiString, Hash, std::equal_to<>
 }  // namespace
 
 struct UICulture::State {
-    std::string language;
-    std::wstring percentPattern{kPlainPercent};
-    std::wstring digits{kPlainDigits};  // 0 to 9 in order
-    bool rightToLeft = false;
-    Texts texts;
+    std::string language GUARDED_BY(kernel::kUiTurn);
+    std::wstring percentPattern GUARDED_BY(kernel::kUiTurn){kPlainPercent};
+    std::wstring digits GUARDED_BY(kernel::kUiTurn){kPlainDigits};  // 0 to 9 in order
+    bool rightToLeft GUARDED_BY(kernel::kUiTurn) = false;
+    Texts texts GUARDED_BY(kernel::kUiTurn);
 };
 
 UICulture::UICulture() : m_state(std::make_unique<State>()) {}
@@ -41,6 +42,7 @@ UICulture* UICulture::GetInstance() {
 }
 
 CDuiString UICulture::GetString(std::wstring_view id) const {
+    AssertUiTurn();
     const auto found = m_state->texts.find(id);
     return found == m_state->texts.end() ? CDuiString() : found->second;
 }
@@ -52,6 +54,7 @@ CDuiString UICulture::GetBindString(std::wstring_view bindText) const {
 }
 
 CDuiString UICulture::GetNumberString(int number) const {
+    AssertUiTurn();
     std::wstring text = std::to_wstring(number);
     for (wchar_t& character : text) {
         const std::size_t digit = kPlainDigits.find(character);
@@ -61,25 +64,38 @@ CDuiString UICulture::GetNumberString(int number) const {
 }
 
 CDuiString UICulture::GetPercentString(int percent) const {
+    AssertUiTurn();
     std::wstring text = m_state->percentPattern;
     const std::size_t at = text.find(kPlaceholder);
     if (at != text.npos) text.replace(at, kPlaceholder.size(), GetNumberString(percent).Str());
     return text;
 }
 
-const std::string& UICulture::GetLanguage() const { return m_state->language; }
-bool UICulture::IsRightToLeft() const { return m_state->rightToLeft; }
+const std::string& UICulture::GetLanguage() const {
+    AssertUiTurn();
+    return m_state->language;
+}
+
+bool UICulture::IsRightToLeft() const {
+    AssertUiTurn();
+    return m_state->rightToLeft;
+}
 
 void UICulture::Clear() {
+    AssertUiTurn();
     *m_state = State{};
     TellLayoutBasisChanged();
 }
 
 void UICulture::SetString(std::wstring_view id, std::wstring_view text) {
+    AssertUiTurn();
     m_state->texts.insert_or_assign(std::wstring(id), CDuiString(text));
 }
 
-void UICulture::SetPercentPattern(std::wstring_view pattern) { m_state->percentPattern = pattern; }
+void UICulture::SetPercentPattern(std::wstring_view pattern) {
+    AssertUiTurn();
+    m_state->percentPattern = pattern;
+}
 
 namespace {
 
@@ -137,6 +153,7 @@ void ReadText(const XmlSource& source, const pugi::xml_node& node, Texts& texts)
 }  // namespace
 
 void UICulture::Load(const std::filesystem::path& file) {
+    AssertUiTurn();
     const XmlSource source(file, ReadXmlFile(file));
     const pugi::xml_node root = source.Root();
     if (root.name() != std::string_view("Language")) {

@@ -16,6 +16,7 @@
 #include "duilib/scroll_view.h"
 #include "foundation/attribute_values.h"
 #include "foundation/diagnostics.h"
+#include "foundation/ui_turn_assertion.h"
 #include "foundation/xml_source.h"
 #include "markup/file_stamp.h"
 #include "tree/attribute_rules.h"
@@ -253,6 +254,7 @@ private:
 
 CControlUI* CDialogBuilder::Create(std::wstring_view file, const wchar_t* type, IDialogBuilderCallback* callback,
                                    CPaintManagerUI*, CControlUI* parent) {
+    AssertUiTurn();
     m_error.Empty();
     try {
         const std::filesystem::path path = CResourceManager::GetInstance()->Resolve(file);

@@ -7,6 +7,7 @@
 #include "duilib/ui_culture.h"
 #include "foundation/attribute_values.h"
 #include "foundation/geometry_math.h"
+#include "foundation/ui_turn_assertion.h"
 
 namespace DuiLib {
 
@@ -24,6 +25,7 @@ std::wstring_view CContainerUI::GetClass() const { return L"Container"; }
 // ---- Children
 
 bool CContainerUI::Add(CControlUI* control) {
+    AssertUiTurn();
     if (!control || control->m_parent || control->m_window) return false;
     for (const CControlUI* around = this; around; around = around->m_parent) {
         if (around == control) return false;
@@ -37,12 +39,14 @@ bool CContainerUI::Add(CControlUI* control) {
 }
 
 bool CContainerUI::Remove(CControlUI* control) {
+    AssertUiTurn();
     if (!control || control->m_parent != this) return false;
     delete control;
     return true;
 }
 
 void CContainerUI::RemoveAll() {
+    AssertUiTurn();
     Invalidate();
     const std::vector<CControlUI*> removed = std::exchange(m_items, {});
     for (CControlUI* child : removed) {

@@ -5,6 +5,7 @@
 #include "duilib/container.h"
 #include "duilib/render_engine.h"
 #include "foundation/geometry_math.h"
+#include "foundation/ui_turn_assertion.h"
 #include "tree/attribute_rules.h"
 #include "tree/control_extras.h"
 #include "tree/name_table.h"
@@ -21,6 +22,7 @@ const CDuiString kEmpty;
 CControlUI::CControlUI() : m_textStyle(kTextSingleLine | kTextVCenter) {}
 
 CControlUI::~CControlUI() {
+    if (m_parent || m_window) AssertUiTurn();
     if (m_parent) m_parent->Forget(this);
     if (!m_window) return;
     m_window->Names().Remove(this);
@@ -34,6 +36,7 @@ std::wstring_view CControlUI::GetClass() const { return L"Control"; }
 const CDuiString& CControlUI::GetName() const { return m_name.Get(); }
 
 void CControlUI::SetName(std::wstring_view name) {
+    AssertUiTurn();
     SharedText taken(name);  // the name may be this control's own
     if (m_window) m_window->Names().Remove(this);
     m_name = std::move(taken);
@@ -43,6 +46,7 @@ void CControlUI::SetName(std::wstring_view name) {
 const CDuiString& CControlUI::GetText() const { return m_text.Get(); }
 
 void CControlUI::SetText(std::wstring_view text) {
+    AssertUiTurn();
     SharedText next(text);
     if (next == m_text) return;
     m_text = std::move(next);
@@ -53,6 +57,7 @@ void CControlUI::SetText(std::wstring_view text) {
 const CDuiString& CControlUI::GetToolTip() const { return m_extras ? m_extras->toolTip.Get() : kEmpty; }
 
 void CControlUI::SetToolTip(std::wstring_view text) {
+    AssertUiTurn();
     SharedText next(text);
     const bool changed = m_extras ? m_extras->toolTip != next : !next.IsEmpty();
     if (changed) Extras().toolTip = std::move(next);
@@ -60,6 +65,7 @@ void CControlUI::SetToolTip(std::wstring_view text) {
 }
 
 void CControlUI::SetVirtualWnd(std::wstring_view name) {
+    AssertUiTurn();
     if (m_extras || !name.empty()) Extras().virtualWnd = SharedText(name);
 }
 
@@ -75,6 +81,7 @@ ControlExtras& CControlUI::Extras() {
 bool CControlUI::IsVisible() const { return m_visible; }
 
 void CControlUI::SetVisible(bool visible) {
+    AssertUiTurn();
     if (m_visible == visible) return;
     Invalidate();
     m_visible = visible;
@@ -86,6 +93,7 @@ void CControlUI::SetVisible(bool visible) {
 bool CControlUI::IsEnabled() const { return m_enabled; }
 
 void CControlUI::SetEnabled(bool enabled) {
+    AssertUiTurn();
     if (m_enabled == enabled) return;
     m_enabled = enabled;
     Invalidate();
@@ -105,6 +113,7 @@ ControlProgress CControlUI::GetProgress() const {
 // ---- Sizes
 
 void CControlUI::SetFixedHeight(int height) {
+    AssertUiTurn();
     height = std::clamp(height, 0, kMaxExtent);
     if (m_fixedHeight == height && !m_fixedHeightInPixels) return;
     m_fixedHeight = height;
@@ -113,6 +122,7 @@ void CControlUI::SetFixedHeight(int height) {
 }
 
 void CControlUI::SetFixedHeightInPixels(int height) {
+    AssertUiTurn();
     height = std::clamp(height, 0, kMaxExtent);
     if (m_fixedHeight == height && m_fixedHeightInPixels) return;
     m_fixedHeight = height;
@@ -121,6 +131,7 @@ void CControlUI::SetFixedHeightInPixels(int height) {
 }
 
 void CControlUI::SetFixedWidth(int width) {
+    AssertUiTurn();
     width = std::clamp(width, 0, kMaxExtent);
     if (m_fixedWidth == width) return;
     m_fixedWidth = width;
@@ -176,6 +187,7 @@ bool CControlUI::IsShown() const {
 // ---- Text look
 
 void CControlUI::SetFont(int index) {
+    AssertUiTurn();
     if (m_font == index) return;
     m_font = index;
     Invalidate();
@@ -185,6 +197,7 @@ void CControlUI::SetFont(int index) {
 int CControlUI::GetFont() const { return m_font; }
 
 void CControlUI::SetTextColor(CDuiColor color) {
+    AssertUiTurn();
     if (m_textColor == color) return;
     m_textColor = color;
     Invalidate();
@@ -193,6 +206,7 @@ void CControlUI::SetTextColor(CDuiColor color) {
 CDuiColor CControlUI::GetTextColor() const { return m_textColor; }
 
 void CControlUI::SetTextStyle(unsigned style) {
+    AssertUiTurn();
     if (m_textStyle == style) return;
     m_textStyle = style;
     Invalidate();
@@ -221,6 +235,7 @@ CDuiRect CControlUI::GetTextRect(CDuiSize available) {
 // ---- Painting
 
 void CControlUI::Invalidate() {
+    AssertUiTurn();
     if (m_window && m_window->WatchesChanges() && IsShown()) m_window->Invalidate(*this);
 }
 

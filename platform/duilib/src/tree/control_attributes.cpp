@@ -6,6 +6,7 @@
 #include "duilib/control.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
+#include "foundation/ui_turn_assertion.h"
 #include "tree/attribute_rules.h"
 #include "tree/control_extras.h"
 
@@ -206,6 +207,7 @@ bool AttributeList::Attribute::ApplyTo(CControlUI& control) const {
 // ---- CControlUI
 
 void CControlUI::SetAttribute(std::wstring_view name, std::wstring_view text) {
+    AssertUiTurn();
     if (name.empty()) return;
     const SharedText sharedName(name);
     const SharedText sharedText(text);  // may be this control's own

@@ -6,6 +6,7 @@
 #include "duilib/control.h"
 #include "duilib/resource_manager.h"
 #include "foundation/geometry_math.h"
+#include "foundation/ui_turn_assertion.h"
 #include "tree/control_extras.h"
 #include "tree/tree_window.h"
 
@@ -89,6 +90,7 @@ void CControlUI::ForgetSizesOfTree() {
 // Ends at a control that nobody has looked at since it was marked: what lies around it is marked too. Ends at a hidden
 // control as well, which counts for nothing until it is shown; SetVisible marks what lies around it then.
 void CControlUI::NeedLayout() {
+    AssertUiTurn();
     for (CControlUI* control = this; control; control = control->m_parent) {
         const bool marked = control->m_arrangePending && !control->m_contentWidthKnown &&
                             !control->m_contentHeightKnown && !control->m_flexibleKnown;

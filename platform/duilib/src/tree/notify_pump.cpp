@@ -1,6 +1,7 @@
 #include "duilib/notify_pump.h"
 
 #include "duilib/control.h"
+#include "foundation/ui_turn_assertion.h"
 
 namespace DuiLib {
 
@@ -26,12 +27,14 @@ const DUI_MSGMAP* CNotifyPump::GetMessageMap() const { return &s_messageMap; }
 void CNotifyPump::OnClick(TNotifyUI&) {}
 
 bool CNotifyPump::AddVirtualWnd(std::wstring_view name, CNotifyPump* pump) {
+    AssertUiTurn();
     if (name.empty() || !pump) return false;
     m_virtualWnds.insert_or_assign(std::wstring(name), pump);
     return true;
 }
 
 bool CNotifyPump::RemoveVirtualWnd(std::wstring_view name) {
+    AssertUiTurn();
     const auto found = m_virtualWnds.find(name);
     if (found == m_virtualWnds.end()) return false;
     m_virtualWnds.erase(found);
@@ -39,6 +42,7 @@ bool CNotifyPump::RemoveVirtualWnd(std::wstring_view name) {
 }
 
 void CNotifyPump::NotifyPump(TNotifyUI& message) {
+    AssertUiTurn();
     const auto window = m_virtualWnds.find(message.virtualWnd.Str());
     CNotifyPump* const target = window == m_virtualWnds.end() ? this : window->second;
     target->Dispatch(message);

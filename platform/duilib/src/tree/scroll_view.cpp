@@ -7,6 +7,7 @@
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
 #include "foundation/geometry_math.h"
+#include "foundation/ui_turn_assertion.h"
 #include "tree/tree_window.h"
 
 namespace DuiLib {
@@ -76,6 +77,7 @@ int CScrollViewUI::OffsetInPixels() const {
 // ---- Movement
 
 void CScrollViewUI::ScrollTo(double position, bool smoothly) {
+    AssertUiTurn();
     if (m_window) m_window->Layout();
     m_target = std::clamp(position, 0.0, GetScrollRange());
     if (m_target == m_position) return;

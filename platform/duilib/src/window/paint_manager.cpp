@@ -5,6 +5,7 @@
 
 #include "duilib/container.h"
 #include "foundation/geometry_math.h"
+#include "foundation/ui_turn_assertion.h"
 #include "kernel/ui_turn.h"
 #include "window/paint_manager_state.h"
 
@@ -26,6 +27,7 @@ CPaintManagerUI::~CPaintManagerUI() {
 // ---- The tree
 
 void CPaintManagerUI::AttachRoot(CControlUI* root) {
+    AssertUiTurn();
     if (root == m_state->root || (root && (root->m_parent || root->m_window))) return;
     delete m_state->root;
     m_state->root = root;
@@ -58,6 +60,7 @@ PaintDC* CPaintManagerUI::GetPaintDC() const { return &m_state->dc; }
 // ---- Layout
 
 void CPaintManagerUI::SetClientSize(CDuiSize size) {
+    AssertUiTurn();
     m_state->clientSize = {std::clamp(size.cx, 0, kMaxExtent), std::clamp(size.cy, 0, kMaxExtent)};
     NeedLayout();
     InvalidateAll();
@@ -66,6 +69,7 @@ void CPaintManagerUI::SetClientSize(CDuiSize size) {
 CDuiSize CPaintManagerUI::GetClientSize() const { return m_state->clientSize; }
 
 void CPaintManagerUI::NeedLayout() {
+    AssertUiTurn();
     if (m_state->root) m_state->root->NeedLayout();
 }
 
@@ -87,14 +91,19 @@ void CPaintManagerUI::LayOutAgain() {
 // ---- Notifications
 
 void CPaintManagerUI::AddNotifyPump(CNotifyPump* pump) {
+    AssertUiTurn();
     if (pump && std::ranges::find(m_state->pumps, pump) == m_state->pumps.end()) m_state->pumps.push_back(pump);
 }
 
-void CPaintManagerUI::RemoveNotifyPump(CNotifyPump* pump) { std::erase(m_state->pumps, pump); }
+void CPaintManagerUI::RemoveNotifyPump(CNotifyPump* pump) {
+    AssertUiTurn();
+    std::erase(m_state->pumps, pump);
+}
 
 // A handler may remove the sender, take pumps away, destroy this window, or give the turn up for a while in which
 // another thread does so: only `state` and the copies are used after the first one.
 void CPaintManagerUI::SendNotify(CControlUI* sender, std::wstring_view type, CDuiPoint mouse) {
+    AssertUiTurn();
     const std::shared_ptr<State> state = m_state;
     TNotifyUI message{CDuiString(type), sender, {}, mouse};
     for (const CControlUI* control = sender; control && message.virtualWnd.IsEmpty(); control = control->m_parent) {

@@ -5,6 +5,7 @@
 
 #include "duilib/container.h"
 #include "duilib/paint_manager.h"
+#include "foundation/ui_turn_assertion.h"
 #include "kernel/ui_turn.h"
 #include "tree/control_look.h"
 #include "window/paint_manager_state.h"
@@ -96,6 +97,7 @@ CControlUI* CPaintManagerUI::Hit(CDuiPoint point) const {
 }
 
 CControlUI* CPaintManagerUI::FindControl(CDuiPoint point) {
+    AssertUiTurn();
     Layout();
     return Hit(point);
 }
@@ -213,6 +215,7 @@ void CPaintManagerUI::SetModal(CControlUI* control) {
 CControlUI* CPaintManagerUI::GetFocus() const { return m_state->focused; }
 
 void CPaintManagerUI::SetFocus(CControlUI* control) {
+    AssertUiTurn();
     State& state = *m_state;
     if (state.focused) state.focused->Invalidate();
     state.focused = control;
@@ -222,6 +225,7 @@ void CPaintManagerUI::SetFocus(CControlUI* control) {
 }
 
 void CPaintManagerUI::EnsureVisible(CControlUI& control) {
+    AssertUiTurn();
     for (CControlUI* around = control.m_parent; around; around = around->m_parent) {
         around->EnsureVisible(control, m_state->watched);
     }

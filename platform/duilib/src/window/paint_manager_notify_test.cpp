@@ -103,8 +103,11 @@ TEST_F(PaintManagerTest, AHandlerMayDestroyTheWindow) {
 TEST_F(PaintManagerTest, AHandlerThatThrowsLeavesTheWindowUsable) {
     auto* const button = AddButton(L"0,0,100,100");
     pump.onClick = [](TNotifyUI&) { throw std::bad_function_call(); };
-    EXPECT_THROW(Click({10, 10}), std::bad_function_call);
-    EXPECT_FALSE(kernel::UiTurn::IsHeld());
+    {
+        const kernel::UiTurnPause pause;
+        EXPECT_THROW(Click({10, 10}), std::bad_function_call);
+        EXPECT_FALSE(kernel::UiTurn::IsHeld());
+    }
     pump.onClick = {};
     EXPECT_TRUE(Click(button));
     root->Remove(button);
@@ -116,6 +119,7 @@ TEST_F(PaintManagerTest, InputHoldsTheTurn) {
     AddButton(L"0,0,100,100");
     bool held = false;
     pump.onClick = [&](TNotifyUI&) { held = kernel::UiTurn::IsHeld(); };
+    const kernel::UiTurnPause pause;
     Click({10, 10});
     EXPECT_TRUE(held);
     EXPECT_FALSE(kernel::UiTurn::IsHeld());
@@ -146,7 +150,6 @@ TEST_F(PaintManagerTest, AHandlerMayGiveTheTurnUpWhileAnotherThreadRemovesTheSen
     };
     EXPECT_TRUE(Click({10, 10}));
     other.join();
-    kernel::UiTurn turn;
     EXPECT_NE(window.FindControl(L"next"), nullptr);
 }
 
@@ -167,13 +170,15 @@ TEST_F(PaintManagerTest, HandlersThatOverlapOnTwoThreadsEndInAnyOrder) {
         secondWaits.set_value();
         firstMayEnd.get_future().wait();
     };
-    std::thread other([&] { Click({10, 10}); });
-    firstWaits.get_future().wait();
-    std::thread third([&] { Click({110, 10}); });
-    other.join();
-    firstMayEnd.set_value();
-    third.join();
-    kernel::UiTurn turn;
+    {
+        const kernel::UiTurnPause pause;
+        std::thread other([&] { Click({10, 10}); });
+        firstWaits.get_future().wait();
+        std::thread third([&] { Click({110, 10}); });
+        other.join();
+        firstMayEnd.set_value();
+        third.join();
+    }
     EXPECT_EQ(pump.clicks, 2);
     root->Remove(first);
     root->Remove(second);
@@ -196,7 +201,10 @@ TEST_F(PaintManagerTest, ManyThreadsChangeOnePageInTurns) {
             }
         });
     }
-    for (std::thread& thread : threads) thread.join();
+    {
+        const kernel::UiTurnPause pause;
+        for (std::thread& thread : threads) thread.join();
+    }
     EXPECT_EQ(root->GetCount(), 4);
 }
 

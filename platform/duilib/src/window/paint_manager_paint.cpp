@@ -7,6 +7,7 @@
 #include "duilib/paint_manager.h"
 #include "duilib/render_engine.h"
 #include "foundation/geometry_math.h"
+#include "foundation/ui_turn_assertion.h"
 #include "kernel/ui_turn.h"
 #include "window/control_painter.h"
 #include "window/paint_manager_state.h"
@@ -23,6 +24,7 @@ constexpr std::chrono::milliseconds kFrameTime{16};  // between two steps of a m
 // ---- What changed
 
 void CPaintManagerUI::SetWakeUp(std::function<void()> wakeUp) {
+    AssertUiTurn();
     m_state->wakeUp = std::move(wakeUp);
     m_state->watched = true;
 }
@@ -62,6 +64,7 @@ void CPaintManagerUI::Invalidate(const CDuiRect& area) {
 }
 
 void CPaintManagerUI::InvalidateAll() {
+    AssertUiTurn();
     m_state->painted = nullptr;
     Changed();
 }

@@ -2,9 +2,15 @@
 
 #include <cstddef>
 
+#include "base/thread_annotations.h"
 #include "kernel/export.h"
 
 namespace kernel {
+
+// The turn as a compiler's thread-safety analysis names it: what is GUARDED_BY(kUiTurn) is only used under the turn.
+// Nothing at run time.
+class CAPABILITY("UI turn") UiTurnCapability {};
+inline constexpr UiTurnCapability kUiTurn;
 
 // The UI turn: one process-wide recursive lock that whoever touches page code or toolkit controls holds.
 //
@@ -19,10 +25,11 @@ namespace kernel {
 //         kernel::UiTurnPause pause;  // the turn is free, at whatever depth it was held
 //         WaitForSomething();
 //     }                             // held again, at the same depth
-class KERNEL_API UiTurn {
+class SCOPED_CAPABILITY KERNEL_API UiTurn {
 public:
-    UiTurn();  // waits until the turn is free, or goes one level deeper when this thread holds it
-    ~UiTurn();
+    // Waits until the turn is free, or goes one level deeper when this thread holds it.
+    UiTurn() ACQUIRE(kUiTurn);
+    ~UiTurn() RELEASE();
     UiTurn(const UiTurn&) = delete;
     UiTurn& operator=(const UiTurn&) = delete;
 
@@ -34,7 +41,7 @@ public:
 };
 
 // Gives up the turn for its own lifetime and takes it again, as deep as before. Does nothing on a thread that does not
-// hold the turn.
+// hold the turn, which is why no analysis follows it.
 class KERNEL_API UiTurnPause {
 public:
     UiTurnPause();

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "base/text.h"
+#include "kernel/ui_turn.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {
@@ -193,8 +194,14 @@ TEST_F(WindowOnDesktop, AnotherThreadEndsTheWait) {
     std::thread other([this] { shown->WakeUp(); });
     other.join();
     shown->RunOnce(std::nullopt);  // returns at all
-    other = std::thread([this] { button->SetAttribute(L"bkcolor", L"#FF00FF00"); });
-    other.join();
+    other = std::thread([this] {
+        const kernel::UiTurn turn;
+        button->SetAttribute(L"bkcolor", L"#FF00FF00");
+    });
+    {
+        const kernel::UiTurnPause pause;
+        other.join();
+    }
     EXPECT_TRUE(Shows({50, 30}, RGB(0, 255, 0)));
 }
 

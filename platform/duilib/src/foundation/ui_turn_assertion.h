@@ -1,0 +1,17 @@
+#pragma once
+
+#include <source_location>
+
+#include "kernel/ui_turn.h"
+
+namespace DuiLib {
+
+// Stands first in an operation that its caller must hold the UI turn for. A build for debugging ends the program where
+// the thread does not, and names the operation; others do nothing here. Clang takes the turn for held from here on.
+#if defined(NDEBUG)
+inline void AssertUiTurn() ASSERT_CAPABILITY(kernel::kUiTurn) {}
+#else
+void AssertUiTurn(std::source_location operation = std::source_location::current()) ASSERT_CAPABILITY(kernel::kUiTurn);
+#endif
+
+}  // namespace DuiLib
