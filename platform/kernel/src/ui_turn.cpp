@@ -1,7 +1,6 @@
 #include "kernel/ui_turn.h"
 
-#include <condition_variable>
-#include <mutex>
+#include "base/mutex.h"
 
 namespace kernel {
 namespace {
@@ -14,7 +13,7 @@ thread_local unsigned t_depth = 0;
 class FairLock {
 public:
     void Acquire() {
-        std::unique_lock guard(m_mutex);
+        const base::MutexLock lock(m_mutex);
         if (!m_held) {
             m_held = true;
             return;
@@ -23,11 +22,11 @@ public:
         (m_last ? m_last->next : m_first) = &self;
         m_last = &self;
         ++m_waiting;
-        self.wake.wait(guard, [&self] { return self.granted; });
+        while (!self.granted) self.wake.Wait(m_mutex);
     }
 
     void Release() {
-        const std::lock_guard guard(m_mutex);
+        const base::MutexLock lock(m_mutex);
         if (!m_first) {
             m_held = false;
             return;
@@ -37,26 +36,26 @@ public:
         if (!m_first) m_last = nullptr;
         --m_waiting;
         next.granted = true;
-        next.wake.notify_one();  // under the mutex: once it is free, `next` may be gone
+        next.wake.NotifyOne();  // under the mutex: once it is free, `next` may be gone
     }
 
     std::size_t Waiting() {
-        const std::lock_guard guard(m_mutex);
+        const base::MutexLock lock(m_mutex);
         return m_waiting;
     }
 
 private:
     struct Waiter {
-        std::condition_variable wake;
+        base::Condition wake;
         bool granted = false;
         Waiter* next = nullptr;
     };
 
-    std::mutex m_mutex;
-    bool m_held = false;
-    Waiter* m_first = nullptr;  // has waited longest
-    Waiter* m_last = nullptr;
-    std::size_t m_waiting = 0;
+    base::Mutex m_mutex;
+    bool m_held GUARDED_BY(m_mutex) = false;
+    Waiter* m_first GUARDED_BY(m_mutex) = nullptr;  // has waited longest
+    Waiter* m_last GUARDED_BY(m_mutex) = nullptr;
+    std::size_t m_waiting GUARDED_BY(m_mutex) = 0;
 };
 
 // Never destroyed: delivery threads may still ask for the turn while the process exits.
