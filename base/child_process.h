@@ -25,7 +25,7 @@ struct ChildStream {
         kNothing,    // reads nothing; what is written is lost
         kInherited,  // this process's own
         kPipe,       // the ChildProcess has the other end
-        kNewFile,    // written anew, for this user alone
+        kNewFile,    // written anew, for this user only
         kAsErrors,   // of the output: where the errors go
     };
     Kind kind = Kind::kInherited;

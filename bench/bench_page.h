@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "channel/records.h"
+#include "channel/record_codec.h"
 #include "duilib/duilib.h"
 #include "update_list/accessories_update_wnd.h"
 

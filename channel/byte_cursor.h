@@ -59,7 +59,9 @@ public:
     std::uint32_t Write(const void*, std::uint32_t) override { return 0; }
     std::uint32_t ReadUInt32(std::uint32_t* dst) override { return Read(dst, 4); }
     std::uint32_t ReadUInt8(std::uint8_t* dst) override { return Read(dst, 1); }
-    std::uint32_t Read(void* dst, std::uint32_t n) override;
+    std::uint32_t Read(void* dst, std::uint32_t n) override {
+        return ReadBytes(m_bytes.data(), static_cast<std::int32_t>(m_bytes.size()), m_position, dst, n);
+    }
 
     std::uint32_t Position() const { return m_position; }  // [bytes] read so far
 
@@ -76,7 +78,11 @@ public:
     std::uint32_t Reserve(std::uint32_t n) override { return n; }
     std::uint32_t WriteUInt32(std::uint32_t value) override { return Write(&value, 4); }
     std::uint32_t WriteUInt8(std::uint8_t value) override { return Write(&value, 1); }
-    std::uint32_t Write(const void* src, std::uint32_t n) override;
+    std::uint32_t Write(const void* src, std::uint32_t n) override {
+        if (m_memory != nullptr && n != 0) std::memcpy(m_memory + m_position, src, n);
+        m_position += n;
+        return n;
+    }
     std::uint32_t ReadUInt32(std::uint32_t*) override { return 0; }
     std::uint32_t ReadUInt8(std::uint8_t*) override { return 0; }
     std::uint32_t Read(void*, std::uint32_t) override { return 0; }

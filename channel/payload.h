@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "channel/record_codec.h"
-#include "channel/records.h"
 
 // What messages carry, and the bytes of it.
 //

@@ -92,7 +92,7 @@ TEST_F(SleepInhibitorTest, TheBusIsLeftAlthoughTheInhibitionIsHeld) {
     SleepInhibitor inhibitor = MakeInhibitor();
     inhibitor.Hold(true);
     ASSERT_THAT(m_service->Calls(), SizeIs(1));
-    EXPECT_TRUE(WaitUntilGone(m_service->Calls()[0].sender));
+    EXPECT_TRUE(WaitUntilDisconnected(m_service->Calls()[0].sender));
     EXPECT_FALSE(m_service->IsLetGo(0));
 }
 

@@ -1,11 +1,8 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 
-#include "duilib/container.h"
 #include "duilib/control.h"
-#include "duilib/notify_pump.h"
 
 // Operations on a row's controls, any of which the layout may lack.
 namespace DuiLib {
@@ -42,9 +39,7 @@ inline void SetFont(CControlUI* control, int font) {
     if (control != nullptr) control->SetFont(font);
 }
 
-// Adds the controls of a window, the row's or the list's, to its place and leads their notifications to it through the
-// host's pump, under the decimal digits of its address. Returns that name.
-std::wstring AddToPage(CNotifyPump* window, CControlUI* root, CNotifyPump* host, CContainerUI* place);
+// ---- Lengths (row_size.cpp)
 
 // The toolkit's display scale as a divisor: 1.25 at 125 percent. Below 1.0 it becomes 100.0, not 1.0, on purpose.
 float ScaleDivisor();

@@ -53,7 +53,7 @@ void AccessoriesFirwareWnd::Take(const LookStep& step, CControlUI& control) {
         case Call::kHide:
             control.SetVisible(step.call == Call::kShow);
             break;
-        case Call::kSay:
+        case Call::kSetText:
             Resolve(step.value);
             control.SetText(m_bindValue);
             break;

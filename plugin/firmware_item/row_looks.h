@@ -30,8 +30,8 @@ struct LookStep {
         kSetFont,
         kShow,
         kHide,
-        kSay,         // the text of the reference `value` becomes the control's
-        kTipTheSame,  // the tool tip says what kSay said last
+        kSetText,     // the text of the reference `value` becomes the control's
+        kTipTheSame,  // the tool tip says what kSetText set last
         kTipNothing
     };
 
@@ -61,7 +61,7 @@ constexpr LookStep Font(RowControl control, int font) {
 }
 constexpr LookStep Show(RowControl control) { return {control, LookStep::Call::kShow}; }
 constexpr LookStep Hide(RowControl control) { return {control, LookStep::Call::kHide}; }
-constexpr LookStep Say(const wchar_t* bindText) { return {kProgress, LookStep::Call::kSay, nullptr, bindText}; }
+constexpr LookStep Text(const wchar_t* bindText) { return {kProgress, LookStep::Call::kSetText, nullptr, bindText}; }
 constexpr LookStep TipTheSame() { return {kStop, LookStep::Call::kTipTheSame}; }
 constexpr LookStep TipNothing() { return {kStop, LookStep::Call::kTipNothing}; }
 
@@ -84,10 +84,10 @@ inline constexpr LookStep kDownloading[] = {
     Set(kLayout, L"bkcolor", L"#FFFFFFFF"),
 };
 
-inline constexpr LookStep kPaused[] = {Say(kBindResume), Font(kProgress, kButtonFont), TipTheSame()};
+inline constexpr LookStep kPaused[] = {Text(kBindResume), Font(kProgress, kButtonFont), TipTheSame()};
 
 // A percentage that comes while the row is paused.
-inline constexpr LookStep kStillPaused[] = {Say(kBindResume)};
+inline constexpr LookStep kStillPaused[] = {Text(kBindResume)};
 
 // On top of the downloading look.
 inline constexpr LookStep kInstalling[] = {
@@ -99,7 +99,7 @@ inline constexpr LookStep kInstalling[] = {
     Set(kProgress, L"textcolor", L"#FFFFFFFF"),
     Set(kProgress, L"bordersize", L"0"),
     Set(kLayout, L"bordersize", L"0"),
-    Say(kBindInstalling),
+    Text(kBindInstalling),
     TipTheSame(),
 };
 
@@ -113,7 +113,7 @@ inline constexpr LookStep kEnded[] = {
     Set(kProgress, L"textcolor", L"#FF0A59F7"),
     Set(kProgress, L"bordersize", L"0"),
     Set(kLayout, L"bordersize", L"0"),
-    Say(kBindInstallEnd),
+    Text(kBindInstallEnd),
     TipTheSame(),
 };
 
@@ -129,7 +129,7 @@ inline constexpr LookStep kFailed[] = {
     Set(kProgress, L"bordersize", L"0"),
     Set(kProgress, L"bkround", L"28,28"),
     Set(kLayout, L"bordersize", L"0"),
-    Say(kBindRetry),
+    Text(kBindRetry),
     TipTheSame(),
 };
 
@@ -145,8 +145,8 @@ inline constexpr LookStep kRetried[] = {
 };
 
 // What a resume or a retry puts back where the record is a state and no percentage.
-inline constexpr LookStep kInstallingAgain[] = {Say(kBindInstalling)};
-inline constexpr LookStep kEndedAgain[] = {Font(kProgress, kTextFont), Say(kBindInstallEnd)};
+inline constexpr LookStep kInstallingAgain[] = {Text(kBindInstalling)};
+inline constexpr LookStep kEndedAgain[] = {Font(kProgress, kTextFont), Text(kBindInstallEnd)};
 
 }  // namespace RowLook
 

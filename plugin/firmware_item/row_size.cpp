@@ -1,5 +1,6 @@
 // How wide the row's button and bar are, and how high the row is, folded and unfolded.
 #include <algorithm>
+#include <limits>
 
 #include "duilib/resource_manager.h"
 #include "firmware_item/accessories_firware_wnd.h"
@@ -21,6 +22,17 @@ constexpr const wchar_t* kDownImage = L"file='drawable/Brindle/ic_down.png' reve
 constexpr const wchar_t* kUpImage = L"file='drawable/Brindle/ic_up.png' reverse='true'";
 
 }  // namespace
+
+float ScaleDivisor() {
+    const float scale = static_cast<float>(CResourceManager::GetInstance()->GetScale()) / 100.0f;
+    return scale < 1.0f ? 100.0f : scale;
+}
+
+int Truncate(double value) {
+    using Limits = std::numeric_limits<int>;
+    const bool fits = value > Limits::min() - 1.0 && value < Limits::max() + 1.0;
+    return fits ? static_cast<int>(value) : Limits::min();
+}
 
 void AccessoriesFirwareWnd::InitUpdateButton() {
     if (m_paintManager == nullptr) return;

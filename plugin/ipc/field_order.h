@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <initializer_list>
 
-// Other modules read some objects of this one by their layout. A class whose fields are private lets a struct XLayout
-// in as a friend, which asserts them where the class is implemented.
+// Other modules read some objects of this one by their layout. A class whose fields are private lets a struct
+// XFieldOrder in as a friend, which asserts them where the class is implemented.
 
 // Whether fields at these offsets stand in this order.
 constexpr bool InOrder(std::initializer_list<std::size_t> offsets) {

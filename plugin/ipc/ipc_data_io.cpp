@@ -8,7 +8,7 @@
 static_assert(!std::has_virtual_destructor_v<IIPCDataIO>);
 static_assert(!std::has_virtual_destructor_v<IPCDataIO>);
 
-struct IPCDataIOLayout {
+struct IPCDataIOFieldOrder {
     static_assert(offsetof(IPCDataIO, m_blockSize) == sizeof(void*));
     static_assert(offsetof(IPCDataIO, m_item) == 2 * sizeof(void*));
     static_assert(offsetof(IPCDataIO, m_attached) == 3 * sizeof(void*));

@@ -38,7 +38,7 @@ public:
     std::uint32_t Position() const { return m_pos; }  // [bytes] read or written so far
 
 private:
-    friend struct IPCDataIOLayout;  // compile-time check of the field order
+    friend struct IPCDataIOFieldOrder;  // compile-time check of the field order
 
     std::uint32_t m_blockSize;
     TagIPCMessageItem* m_item;

@@ -11,7 +11,7 @@ static_assert(InOrder({offsetof(AccessoryVersionDataInfo, deviceKey), offsetof(A
                        offsetof(AccessoryVersionDataInfo, descLines), offsetof(AccessoryVersionDataInfo, reserved),
                        offsetof(AccessoryVersionDataInfo, isDriver)}));
 
-struct IPCServerLayout {
+struct IPCServerFieldOrder {
     static_assert(InOrder({offsetof(IPCServer, ownsClient), offsetof(IPCServer, lock), offsetof(IPCServer, endpointId),
                            offsetof(IPCServer, clientFlag), offsetof(IPCServer, client), offsetof(IPCServer, procs)}));
     static_assert(offsetof(IPCServer, ownsClient) == 0);

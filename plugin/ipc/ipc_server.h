@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    friend struct IPCServerLayout;  // compile-time check of the field order
+    friend struct IPCServerFieldOrder;  // compile-time check of the field order
 
     Owner* owner;
     Handler handler;
@@ -77,7 +77,7 @@ public:
     void UnregisterAll();
 
 private:
-    friend struct IPCServerLayout;  // compile-time check of the field order
+    friend struct IPCServerFieldOrder;  // compile-time check of the field order
 
     IPCMessageClient* NewOwnClient() const;
 

@@ -177,7 +177,7 @@ TEST_F(IpcServer, ARegistryWithAClientOfItsOwnMakesANewOneAtEachRegistrationAndD
         EXPECT_EQ(registry.Register(ProgressReceiver()), 1);
         EXPECT_EQ(Numbers(seam::Kind::kClientCreated).size(), 1u);
     }
-    EXPECT_EQ(Numbers(seam::Kind::kClientDestroyed).size(), 1u) << "the later one alone";
+    EXPECT_EQ(Numbers(seam::Kind::kClientDestroyed).size(), 1u) << "only the later one";
     EXPECT_TRUE(seam::Get().callbacks[to_page::IPC_MSG_DOWNLOAD_PROCESS.id].empty());
     EXPECT_EQ(seam::Get().callbacks[to_page::IPC_MSG_ALL_UPDATE_DATA.id].size(), 1u)
         << "nobody unregisters with the earlier one";
@@ -221,7 +221,7 @@ TEST_F(IpcServer, AClientThatThrowsOrFindsNoMemoryIsNull) {
     EXPECT_EQ(NewPageClient(), nullptr);
     IPCServer registry(IPC_ENDPOINT_PLUGIN, true);
     registry.UnregisterAll();
-    EXPECT_EQ(seam::Get().clients.size(), 1u) << "the fixture's alone";
+    EXPECT_EQ(seam::Get().clients.size(), 1u) << "only the fixture's";
 }
 
 TEST_F(IpcServer, ARegistryWhoseOwnClientCannotBeMadeRefuses) {
@@ -232,7 +232,7 @@ TEST_F(IpcServer, ARegistryWhoseOwnClientCannotBeMadeRefuses) {
         EXPECT_EQ(registry.Register(proc), -1);
         EXPECT_TRUE(failure.Happened());
     }
-    EXPECT_EQ(seam::Get().clients.size(), 1u) << "the fixture's alone";
+    EXPECT_EQ(seam::Get().clients.size(), 1u) << "only the fixture's";
     // The registry still names the refused receiver, which is this test's: it deletes it when it unregisters.
 }
 

@@ -3,15 +3,15 @@
 #include <type_traits>
 
 #include "duilib/dialog_builder.h"
-#include "firmware_item/row_controls.h"
 #include "ipc/field_order.h"
+#include "support/add_to_page.h"
 #include "support/log_line.h"
 
 namespace DuiLib {
 
 static_assert(!std::has_virtual_destructor_v<AccessoriesUpdateWnd>);
 
-struct PageLayout {
+struct PageFieldOrder {
     static_assert(
         InOrder({offsetof(AccessoriesUpdateWnd, m_root), offsetof(AccessoriesUpdateWnd, m_paintManager),
                  offsetof(AccessoriesUpdateWnd, m_notifyPump), offsetof(AccessoriesUpdateWnd, m_objIPCClientPtr),

@@ -50,13 +50,13 @@ public:
     void RecPkgFinish(TagIPCMessageItem& item);
     void RecPkgFail(TagIPCMessageItem& item);
 
+private:
+    friend struct PageInspector;   // tests see and call what nothing else can
+    friend struct PageFieldOrder;  // compile-time check of the field order
+
     // What the rows call back.
     void OnRowHeightChanged(int height, bool grow, bool extra);  // [design px]
     void OnRowFinished();
-
-private:
-    friend struct PageInspector;  // tests read the fields
-    friend struct PageLayout;     // compile-time check of the field order
 
     void SendInitFinshed();
     void InitRows(std::vector<AccessoryVersionDataInfo>& list);

@@ -21,7 +21,7 @@ protected:
 TEST_F(ListIntake, AnEmptyListHidesTheHeadingEmptiesThePageAndCountsNothing) {
     MakeWindow();
     List().Add(new DuiLib::CLabelUI);
-    window->OnRowFinished();
+    PageInspector::FinishRow(*window);
     ASSERT_EQ(PageInspector::FirmwareNum(*window), -1);
     Forget();
     DeliverList({});
@@ -154,8 +154,8 @@ TEST_F(ListIntake, ASeparatorThatCannotBeMadeIsLeftOutSilently) {
 TEST_F(ListIntake, HeightChangesAddUpAndCanGoBelowZero) {
     MakeWindow();
     Forget();
-    window->OnRowHeightChanged(10, true, true);
-    window->OnRowHeightChanged(22, false, false);
+    PageInspector::ChangeHeight(*window, 10, true, true);
+    PageInspector::ChangeHeight(*window, 22, false, false);
     EXPECT_THAT(Posted(), ElementsAre("1B0000 3A0066 10", "1B0000 3A0066 -12"));
     EXPECT_THAT(Slept(), ElementsAre(100, 100));
 }
@@ -171,10 +171,10 @@ TEST_F(ListIntake, AWindowWithoutClientAddsHeightsUpInSilenceAndDoesNotCountDown
     std::vector<AccessoryVersionDataInfo> list = {Accessory("X1")};
     window->RecAllUpdateData(list);
     Forget();
-    window->OnRowHeightChanged(10, true, true);
-    window->OnRowHeightChanged(22, false, false);
+    PageInspector::ChangeHeight(*window, 10, true, true);
+    PageInspector::ChangeHeight(*window, 22, false, false);
     EXPECT_EQ(PageInspector::TotalHeight(*window), 77 + 10 - 22);
-    window->OnRowFinished();
+    PageInspector::FinishRow(*window);
     EXPECT_EQ(PageInspector::FirmwareNum(*window), 1);
     EXPECT_TRUE(seam::Get().events.empty()) << "neither post nor pause";
 }

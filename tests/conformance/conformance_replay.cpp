@@ -2,7 +2,7 @@
 //
 // Replays scenarios and decode vectors (JSON Lines) and prints the first difference of each that fails. Closes with
 // "N passed, M failed"; exit code 1 if M is not 0, 2 for a file that cannot be read. A file without an entry fails.
-// With --line it plays one scenario in this process and prints the difference alone: so it starts itself for each, as a
+// With --line it plays one scenario in this process and prints only the difference: so it starts itself for each, as a
 // module and its rows live as long as their process.
 #include <exception>
 #include <filesystem>

@@ -1,6 +1,6 @@
 // A decode vector: payload bytes, the record they make, and where the reader stands afterwards.
+#include "base/text.h"
 #include "channel/record_codec.h"
-#include "channel/utf16_units.h"
 #include "ipc/ipc_data_io.h"
 #include "scenario.h"
 
@@ -10,7 +10,15 @@ using nlohmann::json;
 
 json Units(const std::wstring& text) {
     json units = json::array();
-    for (const char16_t unit : ToUtf16(text)) units.push_back(static_cast<unsigned>(unit));
+    for (std::wstring_view rest = text; !rest.empty();) {
+        const auto character = static_cast<unsigned>(base::TakeCharacter(rest));
+        if (character <= 0xFFFF) {
+            units.push_back(character);
+        } else {
+            units.push_back(0xD800 + ((character - 0x10000) >> 10));
+            units.push_back(0xDC00 + ((character - 0x10000) & 0x3FF));
+        }
+    }
     return units;
 }
 

@@ -2,9 +2,9 @@
 
 #include <set>
 
+#include "base/text.h"
 #include "duilib/container.h"
 #include "duilib/control.h"
-#include "trace_json.h"
 
 namespace {
 
@@ -25,8 +25,8 @@ void CollectNames(DuiLib::CControlUI* control, std::set<std::wstring>& names) {
 json ControlState(DuiLib::CControlUI& control) {
     json state = {{"visible", control.IsVisible()}};
     const std::wstring& name = control.GetName().Str();
-    if (!control.GetText().IsEmpty()) state["text"] = WideToUtf8(control.GetText().Str());
-    if (!control.GetToolTip().IsEmpty()) state["tooltip"] = WideToUtf8(control.GetToolTip().Str());
+    if (!control.GetText().IsEmpty()) state["text"] = base::Utf8FromWide(control.GetText().Str());
+    if (!control.GetToolTip().IsEmpty()) state["tooltip"] = base::Utf8FromWide(control.GetToolTip().Str());
     if (control.GetFont() != -1) state["font"] = control.GetFont();
     if (!name.ends_with(L"progressLayout")) {  // "pos" governs its size too
         if (control.GetFixedHeight() != 0) state["fixedHeight"] = control.GetFixedHeight();
@@ -34,7 +34,7 @@ json ControlState(DuiLib::CControlUI& control) {
     }
     for (const wchar_t* const attribute : kAttributes) {
         if (!control.HasAttribute(attribute)) continue;
-        state["@" + WideToUtf8(attribute)] = WideToUtf8(control.GetAttribute(attribute).Str());
+        state["@" + base::Utf8FromWide(attribute)] = base::Utf8FromWide(control.GetAttribute(attribute).Str());
     }
     return state;
 }
@@ -63,7 +63,7 @@ json PageState(DuiLib::CPaintManagerUI& manager) {
     std::set<std::wstring> names;
     CollectNames(manager.GetRoot(), names);
     json state = json::object();
-    for (const std::wstring& name : names) state[WideToUtf8(name)] = ControlState(*manager.FindControl(name));
+    for (const std::wstring& name : names) state[base::Utf8FromWide(name)] = ControlState(*manager.FindControl(name));
     return state;
 }
 
@@ -77,7 +77,7 @@ PageDifference Compare(const json& before, const json& after) {
         }
     }
     for (const auto& [name, state] : before.items()) {
-        if (!after.contains(name)) difference.gone.push_back(name);
+        if (!after.contains(name)) difference.removed.push_back(name);
     }
     return difference;
 }

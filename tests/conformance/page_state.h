@@ -10,7 +10,7 @@ nlohmann::json PageState(DuiLib::CPaintManagerUI& manager);
 
 struct PageDifference {
     nlohmann::json controls = nlohmann::json::object();  // changed properties of each changed or new control
-    nlohmann::json gone = nlohmann::json::array();       // names that no control has any more, sorted
+    nlohmann::json removed = nlohmann::json::array();    // names that no control has any more, sorted
 };
 
 PageDifference Compare(const nlohmann::json& before, const nlohmann::json& after);

@@ -4,6 +4,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "base/text.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
 #include "fixed_cell_measurer.h"
@@ -18,6 +19,8 @@
 namespace {
 
 using nlohmann::json;
+
+std::wstring Wide(const std::string& text) { return base::WideFromUtf8(text); }
 
 bool Contains(const json& list, const char* text) { return std::find(list.begin(), list.end(), text) != list.end(); }
 
@@ -39,7 +42,7 @@ public:
         DuiLib::CRenderEngine::SetTextMeasurer(&m_measurer);
         DuiLib::UICulture::GetInstance()->Clear();
         for (const auto& [id, text] : scenario.at("texts").items()) {
-            DuiLib::UICulture::GetInstance()->SetString(Utf8ToWideText(id), Utf8ToWideText(text));
+            DuiLib::UICulture::GetInstance()->SetString(Wide(id), Wide(text));
         }
         m_state = PageState(*m_page.Manager());
     }
@@ -56,7 +59,7 @@ public:
         const json& expected = step.at("expect");
         std::string difference = CompareTrace(expected.at("trace"));
         if (difference.empty()) difference = CompareControls(expected.at("controls"), seen.controls);
-        if (difference.empty()) difference = CompareGone(expected.at("gone"), seen.gone);
+        if (difference.empty()) difference = CompareRemoved(expected.at("gone"), seen.removed);
         return difference;
     }
 
@@ -71,9 +74,9 @@ private:
         } else if (what == "deliver") {
             seam::Get().Deliver(step.at("msgId"), FromHex(step.at("data")));
         } else if (what == "notify") {
-            m_page.Notify(Utf8ToWideText(step.at("control")), Utf8ToWideText(step.at("type")));
+            m_page.Notify(Wide(step.at("control")), Wide(step.at("type")));
         } else if (what == "companion") {
-            seam::Get().companions[Utf8ToWideText(step.at("key"))] = {step.at("isApp"), step.at("running")};
+            seam::Get().companions[Wide(step.at("key"))] = {step.at("isApp"), step.at("running")};
         } else if (what == "postResult") {
             seam::Get().postResult = step.at("ok");
         } else {
@@ -112,7 +115,7 @@ private:
         return {};
     }
 
-    static std::string CompareGone(json expected, json seen) {
+    static std::string CompareRemoved(json expected, json seen) {
         std::sort(expected.begin(), expected.end());
         std::sort(seen.begin(), seen.end());
         return expected == seen ? std::string() : Difference("gone", expected, seen);

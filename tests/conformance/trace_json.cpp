@@ -2,7 +2,7 @@
 
 #include <cctype>
 
-#include "kernel/code_pages.h"
+#include "base/text.h"
 #include "scenario.h"
 
 namespace {
@@ -59,27 +59,10 @@ bool MatchesPattern(const std::string& pattern, const std::string& text) {
 
 }  // namespace
 
-std::string WideToUtf8(const std::wstring& text) {
-    const int length = static_cast<int>(text.size());
-    const int size =
-        kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<std::size_t>(size), '\0');
-    kernel::WideCharToMultiByte(kernel::kCodePageUtf8, 0, text.data(), length, utf8.data(), size, nullptr, nullptr);
-    return utf8;
-}
-
-std::wstring Utf8ToWideText(const std::string& text) {
-    const int length = static_cast<int>(text.size());
-    const int size = kernel::MultiByteToWideChar(kernel::kCodePageUtf8, 0, text.data(), length, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(size), L'\0');
-    kernel::MultiByteToWideChar(kernel::kCodePageUtf8, 0, text.data(), length, wide.data(), size);
-    return wide;
-}
-
 json TraceEntry(const seam::Event& event) {
     switch (event.kind) {
         case seam::Kind::kLog:
-            return {"log", event.number, WithPlainLambda(WideToUtf8(event.line))};
+            return {"log", event.number, WithPlainLambda(base::Utf8FromWide(event.line))};
         case seam::Kind::kPost:
             return PostEntry(event);
         case seam::Kind::kClientCreated:

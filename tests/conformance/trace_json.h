@@ -11,6 +11,3 @@ nlohmann::json TraceEntry(const seam::Event& event);
 
 // Whether an expected entry matches a seen one: `*` in an expected log line stands for a run of digits.
 bool EntryMatches(const nlohmann::json& expected, const nlohmann::json& seen);
-
-std::string WideToUtf8(const std::wstring& text);
-std::wstring Utf8ToWideText(const std::string& text);

@@ -11,7 +11,7 @@
 namespace e2e {
 
 // The page in a real window, as somebody in front of a display uses it: all input comes from outside the process.
-// Script lines alone ask the host where its controls are, and wait for what it shows.
+// Only script lines ask the host where its controls are, and wait for what it shows.
 class WindowE2ETest : public PageE2ETest {
 protected:
     static inline const std::string kTitle = "Settings";  // of the window

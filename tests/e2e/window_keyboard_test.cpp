@@ -1,4 +1,4 @@
-// The page by keyboard alone.
+// The page by keyboard only.
 
 #include "window_e2e_test.h"
 

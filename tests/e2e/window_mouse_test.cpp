@@ -1,4 +1,4 @@
-// The page by mouse alone.
+// The page by mouse only.
 
 #include "window_e2e_test.h"
 

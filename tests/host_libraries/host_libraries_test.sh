@@ -61,13 +61,13 @@ configure "$folder/build" && cmake --build "$folder/build" >>"$folder/build.log"
 
 module=$(find "$folder/build" -name 'AccessoriesUpgrade.dll' -o -name 'libAccessoriesUpgrade.so')
 if [ -n "$toolchain" ]; then
-  "$source/tests/exports/exports_test_win32.sh" "$module" "$objdump"
+  "$source/tests/exports/windows/exports_test.sh" "$module" "$objdump"
   if "$objdump" -p "$module" | grep -i 'DLL Name: kernel\.dll'; then
     echo "the module imports the kernel library, which is the system's own here"
     exit 1
   fi
 else
-  "$source/tests/exports/exports_test.sh" "$module"
+  "$source/tests/exports/linux/exports_test.sh" "$module"
 fi
 
 for name in $libraries kernel; do

@@ -46,9 +46,10 @@ CControlUI* SettingsWindow() {
 
 PaintedPage::PaintedPage(Around around) {
     const kernel::UiTurn turn;
-    const bool alone = around == Around::kGround;
-    m_manager.AttachRoot(alone ? Ground() : SettingsWindow());
-    m_manager.SetClientSize(alone ? CDuiSize{Scaled({kPageWidth + 2 * kMargin, 0}).cx, kRoom} : Scaled(kSettingsSize));
+    const bool onlyGround = around == Around::kGround;
+    m_manager.AttachRoot(onlyGround ? Ground() : SettingsWindow());
+    m_manager.SetClientSize(onlyGround ? CDuiSize{Scaled({kPageWidth + 2 * kMargin, 0}).cx, kRoom}
+                                       : Scaled(kSettingsSize));
     m_manager.AddNotifyPump(&m_pump);
     m_parent = dynamic_cast<CContainerUI*>(m_manager.FindControl(L"page"));
     Module().CreateSetting(&m_manager, &m_pump, m_parent);

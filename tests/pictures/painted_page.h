@@ -14,7 +14,7 @@
 class PaintedPage {
 public:
     enum class Around {
-        kGround,          // the page alone, on the ground of the settings window
+        kGround,          // only the page, on the ground of the settings window
         kSettingsWindow,  // in the settings window's layout, which starts with its first view
     };
 

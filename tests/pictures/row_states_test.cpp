@@ -20,38 +20,38 @@ constexpr int kStarted = -1;  // ... started, and nothing heard yet
 enum class Then { kNothing, kDisable, kRefuse, kPause, kPauseAndRefuse, kFail, kFailAndRetry, kOpen };
 
 // What only one control has at a time.
-enum class Moment { kNone, kPointer, kPressed, kFocus };
+enum class Input { kNone, kPointer, kPressed, kFocus };
 
 struct RowState {
     const char* key;
     const wchar_t* label;
     int percent = kOffered;
     Then then = Then::kNothing;
-    Moment moment = Moment::kNone;
-    const char* control = nullptr;  // of the moment; the button of the update group unless given
+    Input input = Input::kNone;
+    const char* control = nullptr;  // of the input; the button of the update group unless given
 };
 
 constexpr RowState kRows[] = {
     {"offered", L"offered"},
-    {"pointed", L"under the pointer", kOffered, Then::kNothing, Moment::kPointer},
-    {"pressed", L"pressed", kOffered, Then::kNothing, Moment::kPressed},
-    {"focused", L"with the focus", kOffered, Then::kNothing, Moment::kFocus},
+    {"pointed", L"under the pointer", kOffered, Then::kNothing, Input::kPointer},
+    {"pressed", L"pressed", kOffered, Then::kNothing, Input::kPressed},
+    {"focused", L"with the focus", kOffered, Then::kNothing, Input::kFocus},
     {"disabled", L"disabled", kOffered, Then::kDisable},
-    {"refused", L"refused", kOffered, Then::kRefuse, Moment::kPointer},
+    {"refused", L"refused", kOffered, Then::kRefuse, Input::kPointer},
     {"started", L"started", kStarted},
     {"at0", L"0%", 0},
     {"at1", L"1%", 1},
     {"at37", L"37%", 37},
-    {"at37pointed", L"37%, under the pointer", 37, Then::kNothing, Moment::kPointer},
-    {"at37pressed", L"37%, pressed", 37, Then::kNothing, Moment::kPressed},
-    {"at37focused", L"37%, with the focus", 37, Then::kNothing, Moment::kFocus},
+    {"at37pointed", L"37%, under the pointer", 37, Then::kNothing, Input::kPointer},
+    {"at37pressed", L"37%, pressed", 37, Then::kNothing, Input::kPressed},
+    {"at37focused", L"37%, with the focus", 37, Then::kNothing, Input::kFocus},
     {"at99", L"99%", 99},
     {"paused", L"paused", 37, Then::kPause},
-    {"stillpaused", L"paused, refused", 37, Then::kPauseAndRefuse, Moment::kPointer},
+    {"stillpaused", L"paused, refused", 37, Then::kPauseAndRefuse, Input::kPointer},
     {"failed", L"failed", 37, Then::kFail},
     {"retried", L"failed at 37%, retried", 37, Then::kFailAndRetry},
     {"installing", L"100%", 100},
-    {"folded", L"pull-down under the pointer", kOffered, Then::kNothing, Moment::kPointer, "pulldown"},
+    {"folded", L"pull-down under the pointer", kOffered, Then::kNothing, Input::kPointer, "pulldown"},
     {"opened", L"opened", kOffered, Then::kOpen},
     {"nopicture", L"picture is missing"},
     {"finished", L"finished", 100},  // last: the line below a row goes as it ends
@@ -90,23 +90,23 @@ protected:
         if (row.then == Then::kOpen) m_page.Click(Named(row.key, "pulldown"));
     }
 
-    // The row as it is in its moment, to be put into the last picture.
-    void TakeMoment(const RowState& row) {
-        switch (row.moment) {
-            case Moment::kNone:
+    // The row under its input, to be put into the last picture.
+    void TakePicture(const RowState& row) {
+        switch (row.input) {
+            case Input::kNone:
                 return;
-            case Moment::kPointer:
+            case Input::kPointer:
                 m_page.PointAt(ButtonOf(row));
                 break;
-            case Moment::kPressed:
+            case Input::kPressed:
                 m_page.Press(ButtonOf(row));
                 break;
-            case Moment::kFocus:
+            case Input::kFocus:
                 m_page.Focus(ButtonOf(row));
                 break;
         }
         CutOut(row.key);
-        if (row.moment == Moment::kPressed) m_page.Release();
+        if (row.input == Input::kPressed) m_page.Release();
         m_page.PointAway();
         m_page.FocusNothing();
     }
@@ -125,7 +125,7 @@ protected:
         return whole;
     }
 
-    void PutMomentsInto(PaintSurface& picture) {
+    void PutPicturesInto(PaintSurface& picture) {
         for (const CutRow& row : m_cutRows) {
             EXPECT_EQ(m_page.Control(Named(row.key, "hor")).GetPos().top, row.top) << row.key;
             std::ranges::copy(row.pixels, picture.Pixels() + std::int64_t{row.top} * picture.Size().cx);
@@ -176,9 +176,9 @@ TEST_P(RowStates, AreAsDrawn) {
     ShowRows();
     for (const RowState& row : kRows) Bring(row);
     m_page.FitWindow();
-    for (const RowState& row : kRows) TakeMoment(row);
+    for (const RowState& row : kRows) TakePicture(row);
     PaintSurface picture = TakeFinish();
-    PutMomentsInto(picture);
+    PutPicturesInto(picture);
     ExpectPicture("row_states", picture);
 }
 

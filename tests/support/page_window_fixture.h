@@ -18,6 +18,10 @@ struct PageInspector {
     static std::wstring VirtualWndName(const AccessoriesUpdateWnd& window) { return window.m_virtualWndName; }
     static int BuildIndex(const AccessoriesUpdateWnd& window) { return window.m_buildIndex; }
     static void ForgetParent(AccessoriesUpdateWnd& window) { window.m_parent = nullptr; }
+    static void ChangeHeight(AccessoriesUpdateWnd& window, int height, bool grow, bool extra) {
+        window.OnRowHeightChanged(height, grow, extra);
+    }
+    static void FinishRow(AccessoriesUpdateWnd& window) { window.OnRowFinished(); }
     static IPCMessageClient* Client(const AccessoriesUpdateWnd& window) { return window.m_objIPCClientPtr; }
 };
 

@@ -69,7 +69,7 @@ void UseBusAt(const fs::path& socket) {
     setenv("DBUS_SYSTEM_BUS_ADDRESS", ("unix:path=" + socket.string()).c_str(), 1);
 }
 
-bool WaitUntilGone(const std::string& uniqueName) {
+bool WaitUntilDisconnected(const std::string& uniqueName) {
     sd_bus* bus = nullptr;
     if (sd_bus_open_system(&bus) < 0) throw std::runtime_error("the private bus cannot be reached");
     const auto deadline = std::chrono::steady_clock::now() + test_process::kPatience;

@@ -42,6 +42,6 @@ private:
 void UseBusAt(const std::filesystem::path& socket);
 
 // Waits until nobody of that unique name is on the system bus; false when patience ends first.
-bool WaitUntilGone(const std::string& uniqueName);
+bool WaitUntilDisconnected(const std::string& uniqueName);
 
 }  // namespace settings_host

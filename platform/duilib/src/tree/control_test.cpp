@@ -219,16 +219,16 @@ TEST_F(ControlTest, AHeightInPixelsStaysWhenTheScaleChangesAndOneInDesignPixelsF
 }
 
 TEST_F(ControlTest, SizesAreZeroOutsideATreeAndWhileTheControlItselfIsHidden) {
-    CControlUI* const alone = Make<>({{L"height", L"10"}, {L"width", L"20"}});
-    EXPECT_EQ(alone->GetHeight(), 0);
-    EXPECT_EQ(alone->GetWidth(), 0);
-    root->Add(alone);
-    EXPECT_EQ(alone->GetHeight(), 10);
-    EXPECT_EQ(alone->GetWidth(), 20);
-    alone->SetVisible(false);
-    EXPECT_EQ(alone->GetHeight(), 0);
-    EXPECT_EQ(alone->GetWidth(), 0);
-    EXPECT_EQ(alone->GetPos(), CDuiRect{});
+    CControlUI* const control = Make<>({{L"height", L"10"}, {L"width", L"20"}});
+    EXPECT_EQ(control->GetHeight(), 0);
+    EXPECT_EQ(control->GetWidth(), 0);
+    root->Add(control);
+    EXPECT_EQ(control->GetHeight(), 10);
+    EXPECT_EQ(control->GetWidth(), 20);
+    control->SetVisible(false);
+    EXPECT_EQ(control->GetHeight(), 0);
+    EXPECT_EQ(control->GetWidth(), 0);
+    EXPECT_EQ(control->GetPos(), CDuiRect{});
 }
 
 TEST_F(ControlTest, SizesAreKeptWhileAContainerIsHidden) {

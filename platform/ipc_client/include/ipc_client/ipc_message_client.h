@@ -12,7 +12,7 @@
 // All clients of a process share one connection per pipe. A client that only posts costs no thread; the first
 // registered callback starts the client's delivery thread, on which all its callbacks run, one at a time, in the order
 // in which the messages were posted. Around each callback the delivery thread holds the UI turn (kernel/ui_turn.h).
-// What a callback throws ends that callback alone: it is logged, and delivery goes on.
+// What a callback throws ends only that callback: it is logged, and delivery goes on.
 //
 // Two callbacks of different clients must not unregister, or destroy, each other's client while both run: each would
 // wait for the other's end for ever.
@@ -23,7 +23,7 @@ class IPC_CLIENT_API IPCMessageClient {
 public:
     // `endpointId`: what `destId` of incoming messages is matched with. `receives`: whether callbacks may be
     // registered. `exclusive`: reserved, false. `pipeName`: L"\\\\.\\Pipe\\NAME" (docs/protocol.md says where that is
-    // on this system). Does not wait for the broker. Throws std::bad_alloc alone.
+    // on this system). Does not wait for the broker. Throws only std::bad_alloc.
     IPCMessageClient(int endpointId, bool receives, bool exclusive, const std::wstring& pipeName);
 
     // As UnRegisterMessageCallbackAll, then ends the delivery thread. The last client of a process and pipe waits up to
@@ -37,7 +37,7 @@ public:
     // Calls `callback` with each message of that id from now on; replaces an earlier callback of that id. The item and
     // its payload live until the callback returns. A payload has a zero byte behind it, outside `dataLen`; an empty one
     // is a null pointer. Only a log line, and nothing registered, on a client that does not receive and when the
-    // delivery thread cannot be started. Throws std::bad_alloc alone. Any thread.
+    // delivery thread cannot be started. Throws only std::bad_alloc. Any thread.
     void RegisterMessageCallback(int msgId, std::function<void(TagIPCMessageItem&)> callback);
 
     // Removes the callback of that id; false when there was none. Does not return while that callback runs on another

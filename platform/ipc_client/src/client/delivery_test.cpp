@@ -290,7 +290,7 @@ TEST_F(DeliveryTest, WhatARemovedCallbackHoldsMayUseTheClientWhenItGoes) {
     EXPECT_EQ(gone, 3) << "removed with all";
 }
 
-#if !defined(_WIN32)  // no limit there lets threads run out in one process alone
+#if !defined(_WIN32)  // no limit there lets threads run out in only one process
 TEST_F(DeliveryTest, WithoutADeliveryThreadARegistrationIsALogLineAndPostsStillGoOut) {
     IPCMessageClient other(kPage, true, false, kPipe);
     Inbox inbox;

@@ -113,7 +113,7 @@ void PipeChannel::WriteAsync() {
 }
 
 // A pipe that takes nothing more may still hold messages from the other side, which closed it after its last post. So
-// a failed write ends writing alone; the end of the connection is found by reading.
+// a failed write ends only writing; the end of the connection is found by reading.
 void PipeChannel::HandleWritten(std::error_code error, std::size_t bytes) {
     {
         const base::MutexLock lock(m_mutex);

@@ -15,7 +15,7 @@ enum LOG_MESSAGE_LEVEL : int {
 };
 
 // The process-wide logger. Every operation may be called on any thread; lines are written whole, one after another.
-// Until Open has been called, lines go to the console (standard error) alone.
+// Until Open has been called, lines go only to the console (standard error).
 class QX_LOGGER_API QxLogger {
 public:
     static QxLogger* GetInstance();

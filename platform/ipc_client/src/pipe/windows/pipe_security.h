@@ -4,7 +4,7 @@
 
 #include <string>
 
-// Which user a process of this system belongs to, and pipes for one user alone.
+// Which user a process of this system belongs to, and pipes for only one user.
 namespace ipc_client {
 
 // The user of the process, as the text of a security identifier ("S-1-5-21-..."). Throws std::system_error.

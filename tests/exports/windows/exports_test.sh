@@ -1,5 +1,5 @@
 #!/bin/sh
-# exports_test_win32.sh MODULE OBJDUMP: the Windows module exports exactly its three symbols, under the platform compiler's
+# exports_test.sh MODULE OBJDUMP: the Windows module exports exactly its three symbols, under the platform compiler's
 # names, and needs nothing but the platform libraries, the C++ runtime and the system.
 set -eu
 module=$1
@@ -25,5 +25,5 @@ done
 for platform in duilib ipc_client qx_logger qx_data_report accessory_update_config; do
   echo "$imports" | grep -q -x "$platform.dll" || { echo "$module does not import $platform.dll"; failed=1; }
 done
-[ $failed = 0 ] && echo "three exports, platform libraries alone"
+[ $failed = 0 ] && echo "three exports, only platform libraries"
 exit $failed

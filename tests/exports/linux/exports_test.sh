@@ -20,5 +20,5 @@ for needed in $(readelf -d "$module" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p'); 
     *) echo "$module needs $needed"; failed=1 ;;
   esac
 done
-[ $failed = 0 ] && echo "three exports, platform libraries alone"
+[ $failed = 0 ] && echo "three exports, only platform libraries"
 exit $failed
