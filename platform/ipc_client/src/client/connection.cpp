@@ -218,7 +218,7 @@ std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
     std::shared_ptr<Connection> connection = known.lock();
     if (!connection) {
         // Not make_shared: the weak reference would keep the memory of an ended connection.
-        connection = std::shared_ptr<Connection>(new Connection(path));
+        connection = std::shared_ptr<Connection>(new Connection(path));  // NOLINT(modernize-make-shared)
         known = connection;
     }
     return connection;

@@ -104,7 +104,10 @@ int MultiByteToWideChar(unsigned codePage, std::uint32_t flags, const char* sour
 
 int WideCharToMultiByte(unsigned codePage, std::uint32_t flags, const wchar_t* source, int length, char* destination,
                         int capacity, const char* defaultCharacter, bool* usedDefaultCharacter) {
-    if (!IsUsable(flags, source, length, destination, capacity) || defaultCharacter || usedDefaultCharacter) return 0;
+    if (!IsUsable(flags, source, length, destination, capacity) || defaultCharacter != nullptr ||
+        usedDefaultCharacter != nullptr) {
+        return 0;
+    }
     std::wstring_view text(source, static_cast<std::size_t>(length));
     Destination<char> result(destination, capacity);
     codePage = Resolved(codePage);
