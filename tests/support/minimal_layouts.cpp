@@ -1,22 +1,14 @@
 #include "minimal_layouts.h"
 
 #include <fstream>
-#include <random>
 
+#include "base/path.h"
 #include "duilib/resource_manager.h"
 #include "kernel/ui_turn.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path NewFolder() {
-    std::random_device random;
-    for (;;) {
-        const fs::path folder = fs::temp_directory_path() / ("page-layouts-" + std::to_string(random()));
-        if (fs::create_directory(folder)) return folder;
-    }
-}
 
 class LayoutWriter {
 public:
@@ -72,7 +64,7 @@ void WriteRow(const fs::path& file, const MinimalLayouts::Options& options) {
 
 }  // namespace
 
-MinimalLayouts::MinimalLayouts(const Options& options) : m_folder(NewFolder()) {
+MinimalLayouts::MinimalLayouts(const Options& options) : m_folder(base::MakeTemporaryFolder("page-layouts")) {
     const fs::path layouts = m_folder / "components/brindle/res/layout";
     fs::create_directories(layouts);
     fs::create_directories(m_folder / "bin");

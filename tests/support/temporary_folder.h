@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include "base/path.h"
@@ -31,6 +32,12 @@ public:
     const std::filesystem::path& Path() const { return m_path; }
     operator const std::filesystem::path&() const { return m_path; }
     std::filesystem::path operator/(const std::filesystem::path& name) const { return m_path / name; }
+
+    // A file of it. Returns its path.
+    std::filesystem::path Write(const std::string& name, std::string_view text) const {
+        std::ofstream(m_path / name, std::ios::binary) << text;
+        return m_path / name;
+    }
 
 private:
     const std::filesystem::path m_path;

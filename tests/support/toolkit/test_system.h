@@ -8,9 +8,6 @@ namespace DuiLib {
 
 std::filesystem::path FolderOfThisTest();  // where the running program lies
 
-// A new folder for this test alone, under the system's temporary one. Throws std::runtime_error.
-std::filesystem::path MakeTemporaryFolder();
-
 // Makes something that opens like a file and would keep a reader waiting. False where the system has no such thing in
 // folders.
 bool MakePipe(const std::filesystem::path& path);

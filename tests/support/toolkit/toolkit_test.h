@@ -5,16 +5,18 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "duilib/duilib.h"
+#include "support/temporary_folder.h"
 #include "support/toolkit/test_system.h"
 
 namespace DuiLib {
+
+using test_support::TemporaryFolder;
 
 inline std::ostream& operator<<(std::ostream& out, const CDuiRect& rect) {
     return out << rect.left << ',' << rect.top << ',' << rect.right << ',' << rect.bottom;
@@ -106,27 +108,6 @@ protected:
 
     CPaintManagerUI window;
     Root* root = new Root;
-};
-
-// A folder of the test's own, gone after it.
-class TemporaryFolder {
-public:
-    TemporaryFolder() : m_path(MakeTemporaryFolder()) {}
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    const std::filesystem::path& Path() const { return m_path; }
-    std::filesystem::path Write(const std::string& name, std::string_view text) const {
-        std::ofstream(m_path / name, std::ios::binary) << text;
-        return m_path / name;
-    }
-
-private:
-    const std::filesystem::path m_path;
 };
 
 }  // namespace DuiLib
