@@ -1,3 +1,5 @@
+#include "running_programs.h"
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
@@ -5,8 +7,6 @@
 #include <iterator>
 #include <string_view>
 #include <vector>
-
-#include "companions.h"
 
 namespace {
 

@@ -1,18 +1,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <fstream>
+#include <utility>
 #include <vector>
 
 #include "accessory_update_config/accessory_update_config.h"
+#include "base/child_process.h"
 #include "temporary_folder.h"
 #include "wait_until.h"
-
-extern char** environ;
 
 namespace {
 
@@ -21,32 +20,20 @@ namespace fs = std::filesystem;
 // A program of the test's own that runs until the object goes.
 class Program {
 public:
-    explicit Program(std::vector<std::string> command) {
-        std::vector<char*> arguments;
-        for (std::string& word : command) arguments.push_back(word.data());
-        arguments.push_back(nullptr);
-        if (posix_spawn(&m_process, command[0].c_str(), nullptr, nullptr, arguments.data(), environ) != 0)
-            m_process = 0;
-    }
-    ~Program() {
-        Stop();
-        if (m_process > 0) waitpid(m_process, nullptr, 0);
-    }
+    explicit Program(std::vector<std::string> command) : m_process({.command = std::move(command)}) {}
+    ~Program() { m_process.Kill(); }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    bool HasStarted() const { return m_process > 0; }
-
     // Ends it and leaves what the system keeps until somebody asks for its exit status.
     void Stop() {
-        if (m_process <= 0) return;
-        kill(m_process, SIGKILL);
+        kill(m_process.Id(), SIGKILL);
         siginfo_t info;
-        waitid(P_PID, static_cast<id_t>(m_process), &info, WEXITED | WNOWAIT);
+        waitid(P_PID, static_cast<id_t>(m_process.Id()), &info, WEXITED | WNOWAIT);
     }
 
 private:
-    pid_t m_process = 0;
+    base::ChildProcess m_process;
 };
 
 // A program that was just started takes a moment to get its own name.
@@ -80,7 +67,6 @@ TEST_F(Companion, ACompanionRunsFromItsStartToItsEnd) {
     Load(R"({"companions": {"pen": {"program": ")" + name + R"("}}})");
     EXPECT_FALSE(AccessoryUpdateConfig::IsAccessoryAppRunning(L"pen"));
     Program program({Copy("/bin/sleep", name), "60"});
-    ASSERT_TRUE(program.HasStarted());
     EXPECT_TRUE(IsSeenRunning(L"pen"));
     EXPECT_FALSE(AccessoryUpdateConfig::IsAccessoryAppRunning(L"other"));
     program.Stop();
@@ -91,7 +77,6 @@ TEST_F(Companion, OnlyTheWholeFileNameCounts) {
     const std::string name = Unique("_program");
     Load(R"({"companions": {"pen": {"program": ")" + name + R"("}, "other": {"program": ")" + name + R"(_two"}}})");
     Program program({Copy("/bin/sleep", name + "_two"), "60"});
-    ASSERT_TRUE(program.HasStarted());
     ASSERT_TRUE(IsSeenRunning(L"other"));
     EXPECT_FALSE(AccessoryUpdateConfig::IsAccessoryAppRunning(L"pen"));
 }
@@ -101,7 +86,6 @@ TEST_F(Companion, AProgramWhoseFileWasReplacedWhileItRunsStillRuns) {
     Load(R"({"companions": {"pen": {"program": ")" + name + R"("}}})");
     const std::string path = Copy("/bin/sleep", name);
     Program program({path, "60"});
-    ASSERT_TRUE(program.HasStarted());
     fs::remove(path);
     EXPECT_TRUE(IsSeenRunning(L"pen"));
 }
@@ -117,12 +101,10 @@ TEST_F(Companion, ARunningScriptIsFoundAndAMentionedOneIsNot) {
     Load(R"({"companions": {"pen": {"program": ")" + name + R"("}, "other": {"program": ")" + name + R"(_other"}}})");
     {
         Program mention({Copy("/bin/sh", name + "_other"), "-c", wait, path});
-        ASSERT_TRUE(mention.HasStarted());
         ASSERT_TRUE(IsSeenRunning(L"other"));
         EXPECT_FALSE(AccessoryUpdateConfig::IsAccessoryAppRunning(L"pen"));
     }
     Program script({path});
-    ASSERT_TRUE(script.HasStarted());
     EXPECT_TRUE(IsSeenRunning(L"pen"));
 }
 

@@ -7,7 +7,7 @@
 
 #include "base/handle.h"
 #include "base/text.h"
-#include "companions.h"
+#include "running_programs.h"
 
 namespace {
 

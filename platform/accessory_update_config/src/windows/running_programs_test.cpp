@@ -2,9 +2,10 @@
 #include <windows.h>
 
 #include <fstream>
-#include <stdexcept>
 
 #include "accessory_update_config/accessory_update_config.h"
+#include "base/child_process.h"
+#include "base/path.h"
 #include "temporary_folder.h"
 
 namespace {
@@ -19,34 +20,25 @@ std::wstring OwnProgram() {
 // This program under another name, which stands and waits until the object goes.
 class Program {
 public:
-    explicit Program(const fs::path& file) {
-        fs::copy_file(OwnProgram(), file);
-        std::wstring commandLine =
-            L'"' + file.wstring() + L"\" --gtest_also_run_disabled_tests --gtest_filter=StandIn.DISABLED_Waits";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        const std::wstring libraries = fs::path(OwnProgram()).parent_path().wstring();
-        SetEnvironmentVariableW(L"PATH", libraries.c_str());
-        if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, libraries.c_str(),
-                            &startup, &m_process)) {
-            throw std::runtime_error("the copy cannot be started");
-        }
-    }
-    ~Program() {
-        Stop();
-        CloseHandle(m_process.hThread);
-        CloseHandle(m_process.hProcess);
-    }
+    explicit Program(const fs::path& file) : m_process(Start(file)) {}
+    ~Program() { Stop(); }
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    void Stop() {
-        TerminateProcess(m_process.hProcess, 0);
-        WaitForSingleObject(m_process.hProcess, INFINITE);
-    }
+    void Stop() { m_process.Kill(); }
 
 private:
-    PROCESS_INFORMATION m_process{};
+    // In the folder of its libraries.
+    static base::ChildProcess Start(const fs::path& file) {
+        fs::copy_file(OwnProgram(), file);
+        const fs::path libraries = fs::path(OwnProgram()).parent_path();
+        return base::ChildProcess({.command = {base::Utf8FromPath(file), "--gtest_also_run_disabled_tests",
+                                               "--gtest_filter=StandIn.DISABLED_Waits"},
+                                   .folder = libraries,
+                                   .environment = {{"PATH", base::Utf8FromPath(libraries)}}});
+    }
+
+    base::ChildProcess m_process;
 };
 
 // Not a test: what a copy of this program does.

@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "base/path.h"
+#include "base/reason.h"
 #include "base/text.h"
 
 namespace DuiLib {
@@ -19,7 +20,8 @@ std::string ReadXmlFile(const std::filesystem::path& path) {
         file.exceptions(std::ios::badbit | std::ios::failbit);
         return std::string{std::istreambuf_iterator<char>(file), {}};
     } catch (const std::ios_base::failure&) {  // also what reading a folder comes to
-        const std::string reason = errno == 0 ? "" : ": " + std::generic_category().message(errno);
+        const std::string reason =
+            errno == 0 ? "" : ": " + base::Reason(std::error_code(errno, std::generic_category()));
         throw XmlError(base::Utf8FromPath(path) + ":1: the file cannot be read" + reason);
     }
 }

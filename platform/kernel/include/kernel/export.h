@@ -1,7 +1,9 @@
 #pragma once
 
-// Marks what the kernel library exports; everything else in it is hidden.
-#if defined(_WIN32)
+// Marks what the kernel library exports; everything else in it is hidden. Whoever compiles its sources into a module of
+// their own defines KERNEL_API as nothing.
+#if defined(KERNEL_API)
+#elif defined(_WIN32)
 #if defined(KERNEL_BUILD)
 #define KERNEL_API __declspec(dllexport)
 #else

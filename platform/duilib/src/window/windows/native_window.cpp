@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/reason.h"
 #include "base/text.h"
 #include "duilib/resource_manager.h"
 #include "duilib/window.h"
@@ -23,7 +24,7 @@ constexpr const wchar_t* kClassName = L"DuiLibWindow";
 constexpr UINT kWakeUp = WM_APP;
 constexpr CDuiPoint kNowhere{-1, -1};
 
-std::string Reason(const char* what) { return std::string(what) + ": error " + std::to_string(::GetLastError()); }
+std::string NoWindow() { return kNoWindow + (": " + base::LastReason()); }
 
 bool IsDown(int key) { return ::GetKeyState(key) < 0; }
 
@@ -66,7 +67,7 @@ void RegisterClassOnce(WNDPROC handle) {
     description.hIcon = ::LoadIconW(nullptr, IDI_APPLICATION);
     description.lpszClassName = kClassName;
     if (!::RegisterClassExW(&description) && ::GetLastError() != ERROR_CLASS_ALREADY_EXISTS) {
-        throw std::runtime_error(Reason(kNoWindow));
+        throw std::runtime_error(NoWindow());
     }
 }
 
@@ -94,7 +95,7 @@ public:
         m_window.reset(::CreateWindowExW(0, kClassName, base::WideFromUtf8(options.title).c_str(), WS_OVERLAPPEDWINDOW,
                                          CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr,
                                          ThisModule(), this));
-        if (!m_window) throw std::runtime_error(Reason(kNoWindow));
+        if (!m_window) throw std::runtime_error(NoWindow());
         kernel::UiTurn turn;
         FollowDisplay();
         TakeFirstPlace();
@@ -347,7 +348,7 @@ bool NativeWindow::HasDisplay(std::string& reason) {
     BeAwareOfScales();
     const Window trial(
         ::CreateWindowExW(0, L"STATIC", L"", WS_OVERLAPPEDWINDOW, 0, 0, 1, 1, nullptr, nullptr, ThisModule(), nullptr));
-    if (!trial) reason = Reason(kNoWindow);
+    if (!trial) reason = NoWindow();
     return trial != nullptr;
 }
 
