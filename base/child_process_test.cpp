@@ -10,9 +10,9 @@
 #include <random>
 #include <thread>
 
-#include "base/arguments.h"
-#include "base/command_line.h"
+#include "base/child_system.h"
 #include "base/path.h"
+#include "base/process.h"
 #include "wait_until.h"
 
 #if defined(_WIN32)
@@ -324,13 +324,13 @@ TEST(ChildProcess, ASignalThatEndedItIsTold) {
 #endif
 
 TEST(WindowsCommandLine, WordsAreQuotedAsProgramsTakeThemApart) {
-    EXPECT_EQ(WindowsCommandLine({"a.exe", "b", "c d", "", "e\"f", "g h\\", "i\\j"}),
+    EXPECT_EQ(child_system::WindowsCommandLine({"a.exe", "b", "c d", "", "e\"f", "g h\\", "i\\j"}),
               "a.exe b \"c d\" \"\" \"e\\\"f\" \"g h\\\\\" i\\j");
-    EXPECT_EQ(WindowsCommandLine({"\xC3\xA9.exe"}), "\xC3\xA9.exe");
+    EXPECT_EQ(child_system::WindowsCommandLine({"\xC3\xA9.exe"}), "\xC3\xA9.exe");
 }
 
 TEST(WindowsCommandLine, TheInterpretersTextStaysAsItIs) {
-    EXPECT_EQ(WindowsCommandLine({"cmd.exe", "/d", "/s", "/c", "copy \"a b\" c", "package"}),
+    EXPECT_EQ(child_system::WindowsCommandLine({"cmd.exe", "/d", "/s", "/c", "copy \"a b\" c", "package"}),
               "cmd.exe /d /s /c \"copy \"a b\" c\"");
 }
 

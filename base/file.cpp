@@ -1,5 +1,8 @@
 #include "base/file.h"
 
+#include <algorithm>
+#include <chrono>
+
 namespace base {
 namespace {
 
@@ -47,6 +50,13 @@ void ReplaceContent(const std::filesystem::path& file, std::string_view content,
     beside.Sync();
     beside.Close();
     RenameDurably(fresh, file, system);
+}
+
+bool IsSettled(const FileStamp& stamp) {
+    using namespace std::chrono;
+    constexpr nanoseconds kCoarsestClock = 2s;
+    const nanoseconds changed(std::max(stamp.written_ns, stamp.changed_ns));
+    return system_clock::now().time_since_epoch() - changed > kCoarsestClock;
 }
 
 }  // namespace base

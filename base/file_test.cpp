@@ -182,5 +182,46 @@ TEST(File, AFullDiskLeavesTheOldContent) {
     EXPECT_EQ(ReadFile(folder / "file"), "old");
 }
 
+TEST(FileStamp, AnotherContentHasAnotherStamp) {
+    const TemporaryFolder folder;
+    const auto path = folder / "x";
+    WriteFile(path, "one");
+    const auto first = StampOf(path);
+    ASSERT_TRUE(first);
+    EXPECT_EQ(StampOf(path), first);
+    WriteFile(path, "longer");
+    EXPECT_NE(StampOf(path), first);
+    std::filesystem::remove(path);
+    EXPECT_FALSE(StampOf(path));
+}
+
+TEST(FileStamp, AFileThatReplacesAnotherHasAnotherStamp) {
+    const TemporaryFolder folder;
+    const auto path = folder / "x";
+    WriteFile(path, "one");
+    const auto first = StampOf(path);
+    const auto next = folder / "next";
+    WriteFile(next, "two");
+    std::filesystem::last_write_time(next, std::filesystem::last_write_time(path));
+    std::filesystem::rename(next, path);
+    EXPECT_NE(StampOf(path), first);
+}
+
+TEST(FileStamp, AChangeOfJustNowIsNotSettled) {
+    const TemporaryFolder folder;
+    WriteFile(folder / "x", "one");
+    const FileStamp now = *StampOf(folder / "x");
+    constexpr std::int64_t kHour_ns = 3'600'000'000'000;
+    EXPECT_FALSE(IsSettled(now));
+    FileStamp old = now;
+    old.written_ns -= kHour_ns;
+    EXPECT_FALSE(IsSettled(old)) << "a time that was set back";
+    old.changed_ns -= kHour_ns;
+    EXPECT_TRUE(IsSettled(old));
+    FileStamp future = old;
+    future.written_ns += 2 * kHour_ns;
+    EXPECT_FALSE(IsSettled(future));
+}
+
 }  // namespace
 }  // namespace base

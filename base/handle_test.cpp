@@ -4,7 +4,7 @@
 
 #include <system_error>
 
-#include "base/file_system.h"
+#include "base/file.h"
 #include "temporary_folder.h"
 
 namespace base {

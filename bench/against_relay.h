@@ -2,7 +2,7 @@
 
 #include <benchmark/benchmark.h>
 #include <ipc_client/ipc_broker.h>
-#include <ipc_client/ipc_connection_state.h>
+#include <ipc_client/ipc_diagnostics.h>
 
 #include <filesystem>
 

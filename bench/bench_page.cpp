@@ -1,6 +1,6 @@
 #include "bench_page.h"
 
-#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "kernel/sleep.h"
 #include "kernel/ui_turn.h"
 #include "qx_logger/qx_logger.h"

@@ -2,7 +2,7 @@
 // the same payload through a bare relay of two Unix socket hops; and a burst, which must arrive whole and in order.
 // Ends with exit code 1 when a message is lost or out of order, or the median is 2.5 times the relay's or more.
 
-#include <ipc_client/ipc_log.h>
+#include <ipc_client/ipc_diagnostics.h>
 #include <ipc_client/ipc_message_client.h>
 
 #include <array>

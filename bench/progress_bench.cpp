@@ -7,7 +7,7 @@
 #include "bench_page.h"
 #include "channel/messages.h"
 #include "ipc/ipc_server.h"
-#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_diagnostics.h"
 
 namespace {
 

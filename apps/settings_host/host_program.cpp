@@ -11,7 +11,7 @@
 #include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"
-#include "ipc_client/ipc_connection_state.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "kernel/ui_turn.h"
 #include "log.h"
 #include "page_waits.h"

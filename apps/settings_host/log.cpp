@@ -4,7 +4,7 @@
 
 #include "base/text.h"
 #include "duilib/duilib.h"
-#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "qx_logger/qx_logger.h"
 
 namespace settings_host {

@@ -8,12 +8,11 @@
 #include <thread>
 
 #include "accessory_update_config/accessory_update_config.h"
-#include "base/arguments.h"
+#include "base/process.h"
 #include "base/reason.h"
-#include "base/stop_signal.h"
 #include "duilib/duilib.h"
 #include "host_program.h"
-#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "kernel/ui_turn.h"
 #include "language_choice.h"
 #include "log.h"

@@ -11,8 +11,8 @@
 #include <system_error>
 #include <thread>
 
-#include "base/environment.h"
 #include "base/path.h"
+#include "base/process.h"
 #include "base/reason.h"
 #include "transcript.h"
 

@@ -6,7 +6,7 @@
 
 #include "base/text.h"
 #include "channel/messages.h"
-#include "ipc_client/ipc_connection_state.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "kernel/ui_turn.h"
 
 namespace settings_host {

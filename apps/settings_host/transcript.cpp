@@ -6,7 +6,7 @@
 #include <mutex>
 
 #include "channel_client.h"
-#include "ipc_client/ipc_trace.h"
+#include "ipc_client/ipc_diagnostics.h"
 
 namespace settings_host {
 

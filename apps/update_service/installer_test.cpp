@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "base/environment.h"
+#include "base/process.h"
 #include "shell_commands.h"
 #include "temporary_folder.h"
 #include "wait_until.h"

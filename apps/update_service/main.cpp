@@ -6,14 +6,13 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "base/arguments.h"
 #include "base/path.h"
+#include "base/process.h"
 #include "base/reason.h"
-#include "base/stop_signal.h"
 #include "base/text.h"
 #include "catalogue.h"
 #include "ipc_client/ipc_broker.h"
-#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "ipc_page_link.h"
 #include "options.h"
 #include "update_service.h"

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "base/command_line.h"
 #include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"

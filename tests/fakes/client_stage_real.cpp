@@ -7,7 +7,7 @@
 #include <mutex>
 #include <set>
 
-#include "base/environment.h"
+#include "base/process.h"
 #include "client_stage.h"
 #include "ipc_client/ipc_broker.h"
 #include "temporary_folder.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "base/environment.h"
+#include "base/process.h"
 #include "channel_client.h"
 #include "temporary_folder.h"
 

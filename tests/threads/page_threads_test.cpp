@@ -10,16 +10,15 @@
 #include <mutex>
 #include <thread>
 
-#include "base/environment.h"
+#include "base/process.h"
 #include "channel_client.h"
 #include "duilib/render_engine.h"
 #include "fixed_cell_measurer.h"
 #include "held_sleep.h"
 #include "host_page.h"
 #include "ipc_client/ipc_broker.h"
-#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "ipc_client/ipc_message_client.h"
-#include "ipc_client/ipc_trace.h"
 #include "kernel/ui_turn.h"
 #include "minimal_layouts.h"
 #include "module_loader/page_module.h"

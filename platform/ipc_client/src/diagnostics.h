@@ -3,8 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include "ipc_client/ipc_log.h"
-#include "ipc_client/ipc_trace.h"
+#include "ipc_client/ipc_diagnostics.h"
 
 // What the library tells of itself.
 namespace ipc_client {

@@ -12,8 +12,8 @@
 
 #include "base/mutex.h"
 #include "base/path.h"
+#include "base/process.h"
 #include "base/text.h"
-#include "console.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ class ConsoleSink final : public spdlog::sinks::base_sink<spdlog::details::null_
     void sink_it_(const spdlog::details::log_msg& message) override {
         spdlog::memory_buf_t line;
         formatter_->format(message, line);
-        WriteToConsole({line.data(), line.size()});
+        base::WriteToErrors({line.data(), line.size()});
     }
     void flush_() override {}  // every line is out
 };

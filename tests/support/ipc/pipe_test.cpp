@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "base/environment.h"
-#include "ipc_client/ipc_log.h"
+#include "base/process.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "pipe/pipe_path.h"
 #include "wire/frame.h"
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/file.h"
 #include "base/path.h"
 #include "base/text.h"
 #include "duilib/container.h"
@@ -18,7 +19,6 @@
 #include "foundation/diagnostics.h"
 #include "foundation/ui_turn_assertion.h"
 #include "foundation/xml_source.h"
-#include "markup/file_stamp.h"
 #include "tree/attribute_rules.h"
 
 namespace DuiLib {
@@ -147,7 +147,7 @@ MarkupFile ParseMarkup(const std::filesystem::path& path, std::string text) {
 constexpr std::size_t kMaxFiles = 64;
 
 struct Entry {
-    FileStamp stamp;
+    base::FileStamp stamp;
     bool settled = false;
     std::string text;
     std::shared_ptr<const MarkupFile> file;
@@ -161,13 +161,13 @@ std::map<std::filesystem::path, Entry>& Entries() {
 // The parsed layout of a file, kept from call to call while the file stays the same. A file that changed so lately that
 // its time stamp could miss a further change is read and compared again. Throws XmlError. UI turn.
 std::shared_ptr<const MarkupFile> LoadMarkup(const std::filesystem::path& path) {
-    const std::optional<FileStamp> stamp = StampOf(path);
+    const std::optional<base::FileStamp> stamp = base::StampOf(path);
     if (!stamp) throw XmlError(base::Utf8FromPath(path) + ":1: there is no such file");
     auto& entries = Entries();
     const auto known = entries.find(path);
     if (known != entries.end() && known->second.settled && known->second.stamp == *stamp) return known->second.file;
 
-    const bool settled = IsSettled(*stamp);  // asked before reading: what changes meanwhile has another stamp
+    const bool settled = base::IsSettled(*stamp);  // asked before reading: what changes meanwhile has another stamp
     std::string text = ReadXmlFile(path);
     if (known != entries.end() && known->second.text == text) {
         known->second.stamp = *stamp;

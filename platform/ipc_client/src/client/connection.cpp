@@ -8,7 +8,7 @@
 #include "base/reason.h"
 #include "client/receiver.h"
 #include "diagnostics.h"
-#include "ipc_client/ipc_connection_state.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "pipe/pipe_channel.h"
 #include "pipe/pipe_path.h"
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <asio/executor_work_guard.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
@@ -9,10 +10,10 @@
 #include <string>
 #include <thread>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "base/mutex.h"
-#include "client/connection_times.h"
 #include "pipe/pipe_channel.h"
 #include "pipe/pipe_transport.h"
 #include "wire/frame.h"
@@ -20,6 +21,34 @@
 namespace ipc_client {
 
 class Receiver;
+
+// For how long a connection is patient (docs/protocol.md). Tests choose smaller ones.
+struct ConnectionTimes {
+    std::chrono::milliseconds firstPause{20};      // before the second attempt to connect; doubles with each
+    std::chrono::milliseconds longestPause{1000};  // between two attempts
+    std::chrono::milliseconds handshake{5000};     // a broker that has not said hello by then is left
+    std::chrono::milliseconds linger{500};         // for what was posted to be written, at the end
+};
+
+// How long to wait before each attempt to connect.
+class ReconnectPauses {
+public:
+    explicit ReconnectPauses(const ConnectionTimes& times)
+        : m_first(times.firstPause), m_longest(times.longestPause), m_next(times.firstPause) {}
+
+    std::chrono::milliseconds Next() { return std::exchange(m_next, std::min(m_next * 2, m_longest)); }
+
+    // A connection that was open for so long has been lost. One that breaks as soon as it opens is not to be opened
+    // again and again without a pause.
+    void Lost(std::chrono::steady_clock::duration open) {
+        if (open >= m_longest) m_next = m_first;
+    }
+
+private:
+    std::chrono::milliseconds m_first;
+    std::chrono::milliseconds m_longest;
+    std::chrono::milliseconds m_next;
+};
 
 // A process's connection to one pipe, shared by all its clients of that pipe. Connects on an I/O thread of its own,
 // again and again with increasing pauses; what is posted meanwhile waits.
@@ -61,7 +90,7 @@ private:
     void BatchEnded() override {}
     void Closed(const std::string& reason, int level) override;
 
-    static void TellOfChange();  // the process's sink, see ipc_connection_state.h
+    static void TellOfChange();  // the process's sink, see ipc_diagnostics.h
 
     void SendRoutes(FrameType type, const std::vector<Route>& routes);
     void WaitUntilWritten();

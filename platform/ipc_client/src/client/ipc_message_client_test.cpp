@@ -12,9 +12,9 @@
 
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
-#include "ipc_client/ipc_connection_state.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "kernel/ui_turn.h"
-#include "wire/protocol.h"
+#include "wire/frame.h"
 
 namespace ipc_test {
 namespace {

@@ -8,9 +8,9 @@
 #include <string_view>
 
 #include "base/mutex.h"
-#include "ipc_client/ipc_log.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "pipe/pipe_transport.h"
-#include "wire/frame_reader.h"
+#include "wire/frame.h"
 #include "wire/out_queue.h"
 
 namespace ipc_client {

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "base/path.h"
+#include "base/process.h"
+
 namespace ipc_client {
 namespace {
 
@@ -20,6 +23,10 @@ std::wstring PlainPipeName(const std::wstring& pipeName) {
     std::wstring name = HasPrefix(pipeName) ? pipeName.substr(kPipePrefix.size()) : pipeName;
     std::replace_if(name.begin(), name.end(), IsForbidden, L'_');
     return name;
+}
+
+std::filesystem::path ChosenPipeFolder() {
+    return base::PathFromUtf8(base::Variable("BRINDLE_PIPE_DIR").value_or(std::string()));
 }
 
 }  // namespace ipc_client

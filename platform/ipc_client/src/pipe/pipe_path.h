@@ -20,4 +20,12 @@ std::wstring PlainPipeName(const std::wstring& pipeName);
 // one do not meet it.
 std::filesystem::path PipePath(const std::wstring& pipeName);
 
+// What $BRINDLE_PIPE_DIR says; empty when it says nothing.
+std::filesystem::path ChosenPipeFolder();
+
+// Makes the pipe folder if it is missing (mode 0700, its parent must exist). Throws std::runtime_error naming the
+// folder when that fails, or when the folder belongs to another user or is open to others. Does nothing on Windows,
+// where pipes lie in no folder.
+void PreparePipeFolder(const std::filesystem::path& folder);
+
 }  // namespace ipc_client

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <asio/io_context.hpp>
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -30,6 +31,13 @@ bool IsEndOfPipe(std::error_code error);
 
 // "process 1234", for log lines.
 std::string PeerName(PipeSocket& socket);
+
+// Why a pipe cannot be had, for the systems' sources. Each throws std::runtime_error naming the path.
+[[noreturn]] void FailAt(const std::filesystem::path& path, const std::string& reason);
+[[noreturn]] void FailAsTaken(const std::filesystem::path& path, const std::string& reason);  // by another broker
+void CheckBrokersUser(const std::filesystem::path& path, bool isThisUser);
+// `what` has the name ("a pipe's name"), counted in `unit`s of the path's own characters.
+void CheckLength(const std::filesystem::path& path, const char* what, std::size_t limit, const char* unit);
 
 // The broker's end: owns the pipe's name while it lives.
 class PipeListener {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -10,11 +12,41 @@
 #include <vector>
 
 #include "ipc_client/ipc_message_item.h"
-#include "wire/protocol.h"
 
-// Frames as bytes (docs/protocol.md). Encoders append to a string; decoders take one whole frame body and throw
-// ProtocolError, with a text for the log, when it is not what its type promises.
+// Frames as bytes (docs/protocol.md). Integers are little-endian. Encoders append to a string; decoders take one whole
+// frame body and throw ProtocolError, with a text for the log, when it is not what its type promises.
 namespace ipc_client {
+
+// Handshake: the first bytes in either direction, before any frame.
+inline constexpr char kMagic[4] = {'B', 'P', 'I', 'P'};
+inline constexpr std::uint32_t kProtocolVersion = 1;
+inline constexpr std::size_t kHelloBytes = 4 + 4;  // magic, version
+
+// A frame is a head, which says how long the body is and what it holds, and the body.
+inline constexpr std::size_t kFrameHeadBytes = 4 + 1;  // body length, type
+
+enum class FrameType : std::uint8_t {
+    kMessage = 1,   // both directions: one message
+    kAnnounce = 2,  // to the broker: this connection takes these routes
+    kWithdraw = 3,  // to the broker: it takes them no longer
+};
+
+// destination, source, message id, header words 1 to 4, flag, length of the text, length of the payload; then the text
+// and the payload themselves.
+inline constexpr std::size_t kMessageHeadBytes = 4 + 4 + 4 + 4 * 4 + 1 + 4 + 4;
+inline constexpr std::size_t kRouteBytes = 4 + 4;  // endpoint, message id
+
+// Limits. A frame beyond them ends the connection that it came from.
+inline constexpr std::size_t kMaxTextBytes = 64 * 1024;
+inline constexpr std::size_t kMaxDataBytes = 16 * 1024 * 1024;
+inline constexpr std::size_t kMaxBodyBytes = kMessageHeadBytes + kMaxTextBytes + kMaxDataBytes;
+
+// Queues of a process [bytes]: frames not yet written to the pipe, and messages that a client has not yet delivered.
+inline constexpr std::size_t kMaxUnsentBytes = 64 * 1024 * 1024;
+inline constexpr std::size_t kMaxUndeliveredBytes = 64 * 1024 * 1024;
+
+// What a queued message counts for beyond its own bytes.
+inline constexpr std::size_t kQueuedMessageOverhead = 128;
 
 // The peer does not speak the protocol; its connection is to be closed.
 class ProtocolError : public std::runtime_error {
@@ -65,6 +97,44 @@ FrameHead DecodeHead(std::string_view head);  // `head` has kFrameHeadBytes byte
 
 MessageView DecodeMessage(std::string_view body);
 std::vector<Route> DecodeRoutes(std::string_view body);
+
+// A frame in a FrameReader's buffer; its views live until the next call of Space().
+struct FrameView {
+    FrameType type;
+    std::string_view body;
+    std::string_view whole;  // head and body, to be forwarded as it is
+};
+
+// Cuts a byte stream into the handshake and frames:
+//
+//     std::span<char> space = reader.Space();
+//     reader.Commit(Receive(space));
+//     while (std::optional<FrameView> frame = reader.Next()) Handle(*frame);
+//
+// The buffer grows with the bytes that came, not with the length that a peer announces.
+class FrameReader {
+public:
+    FrameReader();
+
+    // Room for the next bytes; never empty.
+    std::span<char> Space();
+    void Commit(std::size_t bytes);
+
+    // True once the handshake is complete and right, which stays so; false while bytes are missing. Throws
+    // ProtocolError when it is wrong.
+    bool TakeHello();
+
+    // The next frame that is complete. Throws ProtocolError as soon as a head is wrong, its body need not be there.
+    std::optional<FrameView> Next();
+
+private:
+    std::string_view Unread() const { return {m_buffer.data() + m_begin, m_end - m_begin}; }
+
+    std::vector<char> m_buffer;
+    std::size_t m_begin = 0;  // first byte not yet taken
+    std::size_t m_end = 0;    // behind the last byte that came
+    bool m_helloTaken = false;
+};
 
 }  // namespace ipc_client
 

@@ -14,7 +14,7 @@
 
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
-#include "ipc_client/ipc_connection_state.h"
+#include "ipc_client/ipc_diagnostics.h"
 #include "ipc_client/ipc_message_client.h"
 
 namespace ipc_test {
@@ -58,7 +58,7 @@ TEST_F(BrokerSocket, TheSocketOfAKilledBrokerIsReplaced) {
     EXPECT_EQ(peer.Read(8), Hello());
 }
 
-TEST_F(BrokerSocket, TheSocketIsForThisUserAlone) {
+TEST_F(BrokerSocket, TheSocketIsForThisUserOnly) {
     IPCBroker broker(kPipe);
     broker.Start();
     struct stat info;

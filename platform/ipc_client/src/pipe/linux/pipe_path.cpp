@@ -11,7 +11,6 @@
 #include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"
-#include "pipe_folder.h"
 
 namespace ipc_client {
 namespace {
@@ -24,7 +23,7 @@ bool IsFolderOfThisUser(const char* path) {
 }
 
 fs::path PipeFolder() {
-    if (const char* chosen = std::getenv("BRINDLE_PIPE_DIR"); chosen != nullptr && chosen[0] != '\0') return chosen;
+    if (fs::path chosen = ChosenPipeFolder(); !chosen.empty()) return chosen;
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime != nullptr && IsFolderOfThisUser(runtime)) return fs::path(runtime) / "brindle";
     return "/tmp/brindle-" + std::to_string(geteuid());

@@ -9,7 +9,6 @@
 #include <fstream>
 #include <optional>
 
-#include "pipe_folder.h"
 #include "temporary_folder.h"
 
 namespace ipc_client {
@@ -78,7 +77,7 @@ TEST_F(PipePathTest, NamesBecomeFileNames) {
     for (const auto& name : cases) EXPECT_EQ(PipePath(name.name), name.path);
 }
 
-TEST_F(PipePathTest, AMissingFolderIsMadeForThisUserAlone) {
+TEST_F(PipePathTest, AMissingFolderIsMadeForThisUserOnly) {
     const fs::path folder = m_folder / "new";
     PreparePipeFolder(folder);
     struct stat info;

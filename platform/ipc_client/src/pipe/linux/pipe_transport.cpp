@@ -9,34 +9,24 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <stdexcept>
 #include <utility>
 
 #include "base/handle.h"
-#include "base/path.h"
 #include "base/reason.h"
 #include "pipe/pipe_path.h"
-#include "pipe_folder.h"
 
 namespace ipc_client {
 namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void Fail(const fs::path& path, const std::string& reason) {
-    throw std::runtime_error(base::Utf8FromPath(path) + ": " + reason);
-}
-
-[[noreturn]] void FailWithErrno(const fs::path& path) { Fail(path, base::LastReason()); }
+[[noreturn]] void FailWithErrno(const fs::path& path) { FailAt(path, base::LastReason()); }
 
 sockaddr_un Address(const fs::path& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
+    CheckLength(path, "a socket path", sizeof address.sun_path - 1, "bytes");
     const std::string& name = path.native();
-    if (name.size() >= sizeof address.sun_path) {
-        Fail(path, "a socket path may have " + std::to_string(sizeof address.sun_path - 1) + " bytes, this one has " +
-                       std::to_string(name.size()));
-    }
     std::copy(name.begin(), name.end(), address.sun_path);
     return address;
 }
@@ -64,8 +54,8 @@ int LockName(const fs::path& path) {
     base::OwnedHandle fd(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!fd) FailWithErrno(lockPath);
     if (flock(fd.Descriptor(), LOCK_EX | LOCK_NB) != 0) {
-        Fail(path, errno == EWOULDBLOCK ? "the name is taken by another broker (" + base::LastReason() + ")"
-                                        : base::LastReason());
+        if (errno == EWOULDBLOCK) FailAsTaken(path, base::LastReason());
+        FailWithErrno(path);
     }
     return fd.ReleaseDescriptor();
 }
@@ -85,7 +75,7 @@ PipeSocket ConnectPipe(asio::io_context& io, const fs::path& path) {
     const sockaddr_un address = Address(path);
     base::OwnedHandle fd(NewSocket(path));
     if (connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) FailWithErrno(path);
-    if (!IsOfThisUser(fd.Descriptor())) Fail(path, "the broker belongs to another user");
+    CheckBrokersUser(path, IsOfThisUser(fd.Descriptor()));
     PipeSocket socket(io);
     socket.assign(asio::local::stream_protocol(), fd.Descriptor());
     fd.ReleaseDescriptor();

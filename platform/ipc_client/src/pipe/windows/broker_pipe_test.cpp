@@ -2,9 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <windows.h>
-// The security headers need the one before them.
+// The security header needs the one before it.
 #include <aclapi.h>
-#include <sddl.h>
 
 #include <memory>
 
@@ -12,7 +11,6 @@
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_message_client.h"
-#include "pipe_security.h"
 #include "wire/frame.h"
 
 namespace ipc_test {
@@ -21,6 +19,19 @@ namespace {
 using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::ThrowsMessage;
+
+// With the identifier behind it, to which it points.
+struct OwnUserBytes {
+    alignas(TOKEN_USER) char bytes[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
+};
+
+void ReadOwnUser(OwnUserBytes& user) {
+    HANDLE opened = nullptr;
+    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened));
+    const base::OwnedHandle token(opened);
+    DWORD size = 0;
+    ASSERT_TRUE(GetTokenInformation(token.Handle(), TokenUser, user.bytes, sizeof user.bytes, &size));
+}
 
 class BrokerPipe : public PipeTest {
 protected:
@@ -57,7 +68,7 @@ TEST_F(BrokerPipe, MorePeersThanListenAtOnceAreAllTaken) {
     for (const auto& peer : peers) EXPECT_EQ(peer->Read(8), Hello());
 }
 
-TEST_F(BrokerPipe, ThePipeIsForThisUserAlone) {
+TEST_F(BrokerPipe, ThePipeIsForThisUserOnly) {
     IPCBroker broker(kPipe);
     broker.Start();
     const base::OwnedHandle pipe(
@@ -73,10 +84,10 @@ TEST_F(BrokerPipe, ThePipeIsForThisUserAlone) {
     void* entry = nullptr;
     ASSERT_TRUE(GetAce(list, 0, &entry));
     EXPECT_EQ(static_cast<ACE_HEADER*>(entry)->AceType, ACCESS_ALLOWED_ACE_TYPE);
-    wchar_t* user = nullptr;
-    ASSERT_TRUE(ConvertSidToStringSidW(&static_cast<ACCESS_ALLOWED_ACE*>(entry)->SidStart, &user));
-    EXPECT_EQ(std::wstring(user), ipc_client::UserOf(GetCurrentProcess()));
-    LocalFree(user);
+    OwnUserBytes user{};
+    ASSERT_NO_FATAL_FAILURE(ReadOwnUser(user));
+    EXPECT_TRUE(EqualSid(&static_cast<ACCESS_ALLOWED_ACE*>(entry)->SidStart,
+                         reinterpret_cast<TOKEN_USER*>(user.bytes)->User.Sid));
     LocalFree(descriptor);
 }
 

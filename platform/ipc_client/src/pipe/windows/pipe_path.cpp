@@ -1,7 +1,6 @@
 #include "pipe/pipe_path.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 namespace ipc_client {
@@ -16,11 +15,11 @@ std::uint64_t Hash(std::wstring_view text) {
 
 // "brindle-0123456789abcdef-" for a chosen pipe folder, else empty.
 std::wstring FolderMark() {
-    const wchar_t* const folder = _wgetenv(L"BRINDLE_PIPE_DIR");
-    if (folder == nullptr || folder[0] == L'\0') return {};
+    const std::filesystem::path folder = ChosenPipeFolder();
+    if (folder.empty()) return {};
     static constexpr wchar_t kDigits[] = L"0123456789abcdef";
     std::wstring mark = L"brindle-";
-    const std::uint64_t hash = Hash(folder);
+    const std::uint64_t hash = Hash(folder.native());
     for (int shift = 60; shift >= 0; shift -= 4) mark += kDigits[(hash >> shift) & 15];
     return mark + L'-';
 }
@@ -30,5 +29,7 @@ std::wstring FolderMark() {
 std::filesystem::path PipePath(const std::wstring& pipeName) {
     return std::wstring(kPipePrefix) + FolderMark() + PlainPipeName(pipeName);
 }
+
+void PreparePipeFolder(const std::filesystem::path&) {}
 
 }  // namespace ipc_client

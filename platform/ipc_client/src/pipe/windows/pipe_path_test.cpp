@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/environment.h"
+#include "base/process.h"
 
 namespace ipc_client {
 namespace {

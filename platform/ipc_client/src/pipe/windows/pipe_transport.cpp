@@ -4,13 +4,14 @@
 #include <asio/windows/overlapped_ptr.hpp>
 #include <deque>
 #include <list>
-#include <stdexcept>
+#include <memory>
+#include <system_error>
 #include <utility>
+// The security header needs the system's, which Asio's bring.
+#include <sddl.h>
 
 #include "base/handle.h"
-#include "base/path.h"
 #include "base/reason.h"
-#include "pipe_security.h"
 
 namespace ipc_client {
 namespace {
@@ -20,16 +21,53 @@ namespace fs = std::filesystem;
 constexpr DWORD kBufferBytes = 64 * 1024;  // each way
 constexpr std::size_t kLongestName = 256;  // [UTF-16 units], with the prefix
 
-[[noreturn]] void Fail(const fs::path& path, const std::string& reason) {
-    throw std::runtime_error(base::Utf8FromPath(path) + ": " + reason);
+[[noreturn]] void FailWithLastError(const char* what) {
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
 }
 
-void CheckLength(const fs::path& path) {
-    const std::size_t length = path.native().size();
-    if (length <= kLongestName) return;
-    Fail(path, "a pipe's name may have " + std::to_string(kLongestName) + " characters, this one has " +
-                   std::to_string(length));
+struct LocalDeleter {
+    void operator()(void* memory) const { LocalFree(memory); }
+};
+
+// The user of the process, as the text of a security identifier ("S-1-5-21-..."). Throws std::system_error.
+std::wstring UserOf(HANDLE process) {
+    HANDLE opened = nullptr;
+    if (!OpenProcessToken(process, TOKEN_QUERY, &opened)) FailWithLastError("OpenProcessToken");
+    const base::OwnedHandle token(opened);
+    alignas(TOKEN_USER) char user[sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE];
+    DWORD size = 0;
+    if (!GetTokenInformation(token.Handle(), TokenUser, user, sizeof user, &size))
+        FailWithLastError("GetTokenInformation");
+    wchar_t* text = nullptr;
+    if (!ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(user)->User.Sid, &text)) {
+        FailWithLastError("ConvertSidToStringSid");
+    }
+    const std::unique_ptr<wchar_t, LocalDeleter> owned(text);
+    return text;
 }
+
+// Security attributes with which only the user of this process may open an object; not handed on to other processes.
+class OnlyOwnUser {
+public:
+    // Throws std::system_error. A protected list with one entry: everything is allowed to this user, nothing to anybody
+    // else.
+    OnlyOwnUser() {
+        const std::wstring rule = L"D:P(A;;GA;;;" + UserOf(GetCurrentProcess()) + L")";
+        m_attributes.nLength = sizeof m_attributes;
+        if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(rule.c_str(), SDDL_REVISION_1,
+                                                                  &m_attributes.lpSecurityDescriptor, nullptr)) {
+            FailWithLastError("ConvertStringSecurityDescriptorToSecurityDescriptor");
+        }
+    }
+    ~OnlyOwnUser() { LocalFree(m_attributes.lpSecurityDescriptor); }
+    OnlyOwnUser(const OnlyOwnUser&) = delete;
+    OnlyOwnUser& operator=(const OnlyOwnUser&) = delete;
+
+    SECURITY_ATTRIBUTES* Get() { return &m_attributes; }
+
+private:
+    SECURITY_ATTRIBUTES m_attributes{};
+};
 
 // The user that the pipe's server process belongs to is asked of the system, not of the server. Throws
 // std::system_error.
@@ -47,35 +85,33 @@ void CheckServer(HANDLE pipe, const fs::path& path) {
     try {
         isOfThisUser = ServerUser(pipe) == UserOf(GetCurrentProcess());
     } catch (const std::system_error& error) {
-        Fail(path, "the broker's user cannot be told: " + base::Reason(error.code()));
+        FailAt(path, "the broker's user cannot be told: " + base::Reason(error.code()));
     }
-    if (!isOfThisUser) Fail(path, "the broker belongs to another user");
+    CheckBrokersUser(path, isOfThisUser);
 }
 
 // The server's end of one connection to come; null, with the error set, when there is none to be had.
 base::OwnedHandle NewInstance(const fs::path& path, bool isFirst) {
     constexpr DWORD kMode = PIPE_TYPE_BYTE | PIPE_READMODE_BYTE | PIPE_WAIT | PIPE_REJECT_REMOTE_CLIENTS;
     const DWORD open = PIPE_ACCESS_DUPLEX | FILE_FLAG_OVERLAPPED | (isFirst ? FILE_FLAG_FIRST_PIPE_INSTANCE : 0);
-    OwnUserAlone security;
+    OnlyOwnUser security;
     const HANDLE instance = CreateNamedPipeW(path.c_str(), open, kMode, PIPE_UNLIMITED_INSTANCES, kBufferBytes,
                                              kBufferBytes, 0, security.Get());
     return base::OwnedHandle(instance);
 }
 
-[[noreturn]] void FailAsTaken(const fs::path& path, DWORD error) {
-    Fail(path, "the name is taken by another broker (" + base::Reason(static_cast<int>(error)) + ")");
-}
-
 // That the instance is the name's first is for the system to find out, as nobody can come in between there. The look
 // before it is for Wine, where it does not.
 base::OwnedHandle FirstInstance(const fs::path& path) {
-    CheckLength(path);
-    if (WaitNamedPipeW(path.c_str(), 1) || GetLastError() == ERROR_SEM_TIMEOUT) FailAsTaken(path, ERROR_PIPE_BUSY);
+    CheckLength(path, "a pipe's name", kLongestName, "characters");
+    if (WaitNamedPipeW(path.c_str(), 1) || GetLastError() == ERROR_SEM_TIMEOUT)
+        FailAsTaken(path, base::Reason(ERROR_PIPE_BUSY));
     base::OwnedHandle instance = NewInstance(path, true);
     if (instance) return instance;
     const DWORD error = GetLastError();
-    if (error == ERROR_ACCESS_DENIED || error == ERROR_PIPE_BUSY) FailAsTaken(path, error);
-    Fail(path, base::Reason(static_cast<int>(error)));
+    if (error == ERROR_ACCESS_DENIED || error == ERROR_PIPE_BUSY)
+        FailAsTaken(path, base::Reason(static_cast<int>(error)));
+    FailAt(path, base::Reason(static_cast<int>(error)));
 }
 
 std::error_code LastError() { return {static_cast<int>(GetLastError()), asio::error::get_system_category()}; }
@@ -84,11 +120,11 @@ std::error_code LastError() { return {static_cast<int>(GetLastError()), asio::er
 
 // Security level "identification": a server may learn who the client is, and do nothing in its name.
 PipeSocket ConnectPipe(asio::io_context& io, const fs::path& path) {
-    CheckLength(path);
+    CheckLength(path, "a pipe's name", kLongestName, "characters");
     constexpr DWORD kFlags = FILE_FLAG_OVERLAPPED | SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;
     base::OwnedHandle pipe(
         CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, kFlags, nullptr));
-    if (!pipe) Fail(path, base::LastReason());
+    if (!pipe) FailAt(path, base::LastReason());
     CheckServer(pipe.Handle(), path);
     PipeSocket socket(io);
     socket.assign(pipe.Handle());

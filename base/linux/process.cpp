@@ -1,12 +1,16 @@
-#include "base/stop_signal.h"
+#include "base/process.h"
 
 #include <signal.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <initializer_list>
 #include <thread>
+
+extern char** environ;
 
 namespace base {
 namespace {
@@ -30,6 +34,27 @@ void ReadToTheEnd() {
 
 }  // namespace
 
+Arguments::Arguments(int argc, const char* const* argv) : m_texts(argv, argv + argc) { List(); }
+
+std::vector<std::string> OwnEnvironment() {
+    std::vector<std::string> variables;
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        variables.emplace_back(*variable);
+    }
+    return variables;
+}
+
+bool ComesBefore(const std::string& name, const std::string& other) { return name < other; }
+
+std::optional<std::string> Variable(const std::string& name) {
+    const char* const value = std::getenv(name.c_str());
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+void SetVariable(const std::string& name, const std::optional<std::string>& value) {
+    value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+}
+
 void HoldStopSignals() {
     const sigset_t signals = StopSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
@@ -51,6 +76,11 @@ const char* WaitForStopSignal() {
     }
     if (number == SIGTERM && inputEnded.exchange(false)) return "end of input";
     return number == SIGTERM ? "SIGTERM" : number == SIGINT ? "SIGINT" : "SIGHUP";
+}
+
+void WriteToErrors(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
 }
 
 }  // namespace base

@@ -1,7 +1,8 @@
-#include "base/file_system.h"
+#include "base/file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -14,7 +15,13 @@ namespace {
     throw std::system_error(errno, std::generic_category(), path.native());
 }
 
+std::int64_t Nanoseconds(const timespec& time) {
+    return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
 }  // namespace
+
+bool OwnedHandle::CloseValue(std::intptr_t value) noexcept { return close(static_cast<int>(value)) == 0; }
 
 OwnedHandle FileSystem::OpenToAppend(const std::filesystem::path& path) {
     OwnedHandle file(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
@@ -58,6 +65,13 @@ void FileSystem::SyncFolder(const std::filesystem::path& path) {
     const OwnedHandle folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder) Fail(path);
     fsync(folder.Descriptor());  // a file system that cannot do it for folders has nothing to wait for
+}
+
+std::optional<FileStamp> StampOf(const std::filesystem::path& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) return {};
+    return FileStamp{Nanoseconds(status.st_mtim), Nanoseconds(status.st_ctim),
+                     static_cast<std::uint64_t>(status.st_size), static_cast<std::uint64_t>(status.st_ino)};
 }
 
 }  // namespace base

@@ -1,4 +1,4 @@
-#include "base/file_system.h"
+#include "base/file.h"
 
 #include <windows.h>
 
@@ -19,7 +19,25 @@ namespace {
 constexpr int kTries = 40;
 constexpr DWORD kBetweenTries = 50;  // [ms]
 
+// Opens no content, and stands in nobody's way.
+OwnedHandle Open(const std::filesystem::path& path) {
+    constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    return OwnedHandle(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+                                   FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
+std::int64_t Nanoseconds(std::int64_t hundreds) {
+    constexpr std::int64_t kHundredsUntil1970 = 116'444'736'000'000'000;
+    return hundreds == 0 ? 0 : (hundreds - kHundredsUntil1970) * 100;
+}
+
+std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
+
 }  // namespace
+
+bool OwnedHandle::CloseValue(std::intptr_t value) noexcept {
+    return CloseHandle(reinterpret_cast<HANDLE>(value)) != FALSE;
+}
 
 // Not for appending only: clearing needs the right to write.
 OwnedHandle FileSystem::OpenToAppend(const std::filesystem::path& path) {
@@ -71,5 +89,17 @@ void FileSystem::Rename(const std::filesystem::path& from, const std::filesystem
 
 // Renaming writes through.
 void FileSystem::SyncFolder(const std::filesystem::path&) {}
+
+std::optional<FileStamp> StampOf(const std::filesystem::path& path) {
+    const OwnedHandle file = Open(path);
+    FILE_BASIC_INFO times{};
+    BY_HANDLE_FILE_INFORMATION rest{};
+    if (!file || !GetFileInformationByHandleEx(file.Handle(), FileBasicInfo, &times, sizeof times) ||
+        !GetFileInformationByHandle(file.Handle(), &rest)) {
+        return {};
+    }
+    return FileStamp{Nanoseconds(times.LastWriteTime.QuadPart), Nanoseconds(times.ChangeTime.QuadPart),
+                     Joined(rest.nFileSizeHigh, rest.nFileSizeLow), Joined(rest.nFileIndexHigh, rest.nFileIndexLow)};
+}
 
 }  // namespace base
