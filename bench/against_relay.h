@@ -3,8 +3,10 @@
 #include <benchmark/benchmark.h>
 #include <ipc_client/ipc_broker.h>
 #include <ipc_client/ipc_diagnostics.h>
+#include <sched.h>
 
 #include <filesystem>
+#include <memory>
 
 #include "bare_relay.h"
 
@@ -43,10 +45,29 @@ inline void WaitForBroker(const wchar_t* pipe) {
     }
 }
 
+// Keeps the processors from going to sleep while it lives: waking one costs a virtual machine more than a message does,
+// and that would be measured. What spins gives way to anything else that wants to run.
+class AwakeProcessors {
+public:
+    AwakeProcessors() {
+        for (unsigned i = 0; i < std::max(1u, std::thread::hardware_concurrency()); ++i) {
+            m_spinning.push_back(std::make_unique<Child>([] {
+                const sched_param lowest{};
+                if (sched_setscheduler(0, SCHED_IDLE, &lowest) != 0) _exit(1);
+                while (true) benchmark::ClobberMemory();
+            }));
+        }
+    }
+
+private:
+    std::vector<std::unique_ptr<Child>> m_spinning;
+};
+
 // The relay and `time` [microseconds] take turns, so that whatever else the machine does disturbs both alike. Ends the
 // program when the median of the second, called `name`, is too many times the relay's.
 template <class Time>
 void CompareWithRelay(benchmark::State& state, Relay& relay, const std::string& name, Time time) {
+    const AwakeProcessors awake;
     std::vector<double> relayTimes, times;
     for (auto _ : state) {
         relayTimes.push_back(relay.Time());

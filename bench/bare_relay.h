@@ -31,7 +31,7 @@ constexpr std::chrono::seconds kPatience{60};
 
 [[noreturn]] inline void Die(const std::string& reason) {
     std::fprintf(stderr, "benchmark: %s\n", reason.c_str());
-    std::exit(1);
+    std::_Exit(1);  // other threads still use what is there
 }
 
 // Runs `work` in another process until this one is destroyed.
