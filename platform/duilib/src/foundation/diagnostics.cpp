@@ -1,6 +1,7 @@
 #include "duilib/diagnostics.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 #include "base/sink_slot.h"
@@ -23,5 +24,13 @@ void SetDiagnosticSink(DiagnosticSink sink) { Sink().Set(std::move(sink)); }
 void Report(const std::string& line) {
     if (!Sink().Call(line)) std::fprintf(stderr, "%s\n", line.c_str());
 }
+
+#if !defined(NDEBUG)
+void AssertUiTurn(std::source_location operation) {
+    if (kernel::UiTurn::IsHeld()) return;
+    std::fprintf(stderr, "called without the UI turn: %s\n", operation.function_name());
+    std::abort();
+}
+#endif
 
 }  // namespace DuiLib

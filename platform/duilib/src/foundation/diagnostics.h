@@ -1,10 +1,23 @@
 #pragma once
 
+#include <source_location>
 #include <string>
+
+#include "kernel/ui_turn.h"
 
 namespace DuiLib {
 
+// What the toolkit says of those who use it: what is wrong with their files, and with their calls.
+
 // Gives a line to the sink of duilib/diagnostics.h.
 void Report(const std::string& line);
+
+// Stands first in an operation that its caller must hold the UI turn for. A build for debugging ends the program where
+// the thread does not, and names the operation; others do nothing here. Clang takes the turn for held from here on.
+#if defined(NDEBUG)
+inline void AssertUiTurn() ASSERT_CAPABILITY(kernel::kUiTurn) {}
+#else
+void AssertUiTurn(std::source_location operation = std::source_location::current()) ASSERT_CAPABILITY(kernel::kUiTurn);
+#endif
 
 }  // namespace DuiLib

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 namespace DuiLib {
 
@@ -9,16 +11,27 @@ namespace DuiLib {
 class LayoutBasisListener {
 public:
     // `changed` is called at each change, from now on until this is destroyed. It makes and destroys no listener.
-    explicit LayoutBasisListener(std::function<void()> changed);
-    ~LayoutBasisListener();
+    explicit LayoutBasisListener(std::function<void()> changed) : m_changed(std::move(changed)) {
+        All().push_back(this);
+    }
+    ~LayoutBasisListener() { std::erase(All(), this); }
     LayoutBasisListener(const LayoutBasisListener&) = delete;
     LayoutBasisListener& operator=(const LayoutBasisListener&) = delete;
 
 private:
     friend void TellLayoutBasisChanged();  // the one that calls
+
+    // Never destroyed: windows with static storage may go later.
+    static std::vector<LayoutBasisListener*>& All() {
+        static auto& all = *new std::vector<LayoutBasisListener*>;
+        return all;
+    }
+
     const std::function<void()> m_changed;
 };
 
-void TellLayoutBasisChanged();
+inline void TellLayoutBasisChanged() {
+    for (const LayoutBasisListener* listener : LayoutBasisListener::All()) listener->m_changed();
+}
 
 }  // namespace DuiLib

@@ -5,9 +5,9 @@
 
 #include "base/path.h"
 #include "base/text.h"
+#include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"
 #include "foundation/layout_basis.h"
-#include "foundation/ui_turn_assertion.h"
 
 namespace DuiLib {
 

@@ -4,8 +4,8 @@
 
 #include "base/text.h"
 #include "foundation/attribute_values.h"
+#include "foundation/diagnostics.h"
 #include "foundation/layout_basis.h"
-#include "foundation/ui_turn_assertion.h"
 #include "foundation/xml_source.h"
 
 namespace DuiLib {

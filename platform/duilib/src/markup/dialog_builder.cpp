@@ -17,7 +17,6 @@
 #include "duilib/scroll_view.h"
 #include "foundation/attribute_values.h"
 #include "foundation/diagnostics.h"
-#include "foundation/ui_turn_assertion.h"
 #include "foundation/xml_source.h"
 #include "tree/attribute_rules.h"
 

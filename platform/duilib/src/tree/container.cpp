@@ -6,8 +6,8 @@
 #include "duilib/resource_manager.h"
 #include "duilib/ui_culture.h"
 #include "foundation/attribute_values.h"
+#include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"
-#include "foundation/ui_turn_assertion.h"
 
 namespace DuiLib {
 

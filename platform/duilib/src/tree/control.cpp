@@ -4,8 +4,8 @@
 
 #include "duilib/container.h"
 #include "duilib/render_engine.h"
+#include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"
-#include "foundation/ui_turn_assertion.h"
 #include "tree/attribute_rules.h"
 #include "tree/control_extras.h"
 #include "tree/name_table.h"

@@ -6,7 +6,7 @@
 #include "duilib/control.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
-#include "foundation/ui_turn_assertion.h"
+#include "foundation/diagnostics.h"
 #include "tree/attribute_rules.h"
 #include "tree/control_extras.h"
 

@@ -5,8 +5,8 @@
 #include "duilib/container.h"
 #include "duilib/control.h"
 #include "duilib/resource_manager.h"
+#include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"
-#include "foundation/ui_turn_assertion.h"
 #include "tree/control_extras.h"
 #include "tree/tree_window.h"
 

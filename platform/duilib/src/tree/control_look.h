@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "drawing/picture_reference.h"
+#include "drawing/pictures.h"
 #include "duilib/geometry.h"
 
 namespace DuiLib {

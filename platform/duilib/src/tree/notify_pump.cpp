@@ -1,7 +1,7 @@
 #include "duilib/notify_pump.h"
 
 #include "duilib/control.h"
-#include "foundation/ui_turn_assertion.h"
+#include "foundation/diagnostics.h"
 
 namespace DuiLib {
 

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "duilib/container.h"
+#include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"
-#include "foundation/ui_turn_assertion.h"
 #include "kernel/ui_turn.h"
 #include "window/paint_manager_state.h"
 

@@ -5,7 +5,7 @@
 
 #include "duilib/container.h"
 #include "duilib/paint_manager.h"
-#include "foundation/ui_turn_assertion.h"
+#include "foundation/diagnostics.h"
 #include "kernel/ui_turn.h"
 #include "tree/control_look.h"
 #include "window/paint_manager_state.h"

@@ -7,7 +7,7 @@
 #include "drawing/canvas_clips.h"
 #include "drawing/linux/cairo_owned.h"
 #include "drawing/linux/text_lines.h"
-#include "drawing/picture_files.h"
+#include "drawing/pictures.h"
 #include "duilib/ui_culture.h"
 
 namespace DuiLib {

@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "drawing/linux/cairo_owned.h"
-#include "drawing/picture_files.h"
+#include "drawing/pictures.h"
 
 namespace DuiLib {
 

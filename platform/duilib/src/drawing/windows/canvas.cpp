@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "drawing/canvas_clips.h"
-#include "drawing/picture_files.h"
-#include "drawing/windows/gdiplus_session.h"
+#include "drawing/pictures.h"
+#include "drawing/windows/gdiplus_library.h"
 #include "drawing/windows/pixels.h"
 #include "drawing/windows/text_lines.h"
 #include "foundation/geometry_math.h"

@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "drawing/picture_files.h"
-#include "drawing/windows/gdiplus_session.h"
+#include "drawing/pictures.h"
+#include "drawing/windows/gdiplus_library.h"
 #include "drawing/windows/pixels.h"
 
 namespace DuiLib {

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "base/text.h"
-#include "drawing/windows/gdiplus_fonts.h"
+#include "drawing/windows/gdiplus_library.h"
 #include "duilib/ui_culture.h"
 
 namespace DuiLib {

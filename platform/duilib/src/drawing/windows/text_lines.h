@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "drawing/text_measurer.h"
-#include "drawing/windows/gdiplus_session.h"
+#include "drawing/windows/gdiplus_library.h"
 
 namespace DuiLib {
 

@@ -1,6 +1,6 @@
 #include "drawing/windows/text_lines.h"
 
-#include "drawing/windows/gdiplus_fonts.h"
+#include "drawing/windows/gdiplus_library.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {

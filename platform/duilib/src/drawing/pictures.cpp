@@ -1,4 +1,4 @@
-#include "drawing/picture_files.h"
+#include "drawing/pictures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,9 +7,12 @@
 #include <map>
 #include <stdexcept>
 #include <tuple>
+#include <utility>
 
 #include "base/path.h"
 #include "base/reason.h"
+#include "duilib/resource_manager.h"
+#include "foundation/diagnostics.h"
 
 namespace DuiLib {
 
@@ -118,6 +121,95 @@ const PaintSurface* RasterOf(const std::filesystem::path& file, CDuiSize room) {
 bool IsPictureReadable(const std::filesystem::path& file, std::string& reason) {
     reason = FileOf(file).error;
     return reason.empty();
+}
+
+// ---- What layouts name
+
+std::optional<PictureReference> ParsePicture(std::wstring_view text) {
+    if (text.empty()) return PictureReference{};
+    PictureReference picture;
+    constexpr std::wstring_view kHead = L"file='";
+    constexpr std::wstring_view kReverse = L" reverse='true'";
+    constexpr std::wstring_view kPlain = L" reverse='false'";
+    if (text.ends_with(kReverse)) {
+        picture.reverse = true;
+        text.remove_suffix(kReverse.size());
+    } else if (text.ends_with(kPlain)) {
+        text.remove_suffix(kPlain.size());
+    }
+    if (!text.starts_with(kHead) || !text.ends_with(L'\'')) return {};
+    text.remove_prefix(kHead.size());
+    if (text.size() < 2 || text.find(L"' ") != text.npos) return {};  // something else follows the file
+    picture.file = SharedText(text.substr(0, text.size() - 1));
+    return picture;
+}
+
+namespace {
+
+std::filesystem::path VersionFor(const std::filesystem::path& file, unsigned scale) {
+    const bool drawing = file.extension() == ".svg";
+    if (file.extension() != ".png" && (!drawing || CanDrawSvg())) return file;
+    std::error_code ignored;
+    std::filesystem::path version = file;
+    version.replace_extension(".svg");
+    if (CanDrawSvg() && std::filesystem::exists(version, ignored)) return version;
+    std::filesystem::path largest = file;
+    largest.replace_extension(".png");
+    for (const unsigned made : {125u, 150u, 200u, 300u}) {
+        version = file.parent_path() / file.stem();
+        version += "@" + std::to_string(made) + ".png";
+        if (scale <= 100 || !std::filesystem::exists(version, ignored)) continue;
+        if (made >= scale) return version;
+        largest = version;
+    }
+    return largest;
+}
+
+std::filesystem::path Choose(const std::wstring& file, unsigned scale) {
+    const CResourceManager& resources = *CResourceManager::GetInstance();
+    std::string reason;
+    const std::filesystem::path found = VersionFor(resources.ResolveSkinFile(file), scale);
+    if (IsPictureReadable(found, reason)) return found;
+    Report("the picture cannot be shown: " + reason);
+    const std::filesystem::path fallback = VersionFor(resources.GetFallbackPicture(), scale);
+    return !fallback.empty() && IsPictureReadable(fallback, reason) ? fallback : std::filesystem::path();
+}
+
+}  // namespace
+
+std::filesystem::path FindPicture(const std::wstring& file, unsigned scale) {
+    static std::map<std::pair<std::filesystem::path, unsigned>, std::filesystem::path> chosen;
+    const std::pair key{CResourceManager::GetInstance()->ResolveSkinFile(file), scale};
+    const auto found = chosen.find(key);
+    return found != chosen.end() ? found->second : chosen.emplace(key, Choose(file, scale)).first->second;
+}
+
+// ---- Pictures in memory
+
+namespace {
+
+// Names the file in what the work throws.
+template <class Work>
+auto NamingFile(const std::filesystem::path& file, Work work) {
+    try {
+        return work();
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(base::Utf8FromPath(file) + ": " + error.what());
+    }
+}
+
+}  // namespace
+
+PaintSurface::PaintSurface(CDuiSize size) : m_size{std::max(0, size.cx), std::max(0, size.cy)} {
+    m_pixels.resize(static_cast<std::size_t>(m_size.cx) * static_cast<std::size_t>(m_size.cy));
+}
+
+void PaintSurface::SavePng(const std::filesystem::path& file) const {
+    NamingFile(file, [&] { WritePng(*this, file); });
+}
+
+PaintSurface PaintSurface::LoadPng(const std::filesystem::path& file) {
+    return NamingFile(file, [&] { return ReadPng(file); });
 }
 
 }  // namespace DuiLib
