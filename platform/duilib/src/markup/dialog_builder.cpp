@@ -18,7 +18,7 @@
 #include "foundation/attribute_values.h"
 #include "foundation/diagnostics.h"
 #include "foundation/xml_source.h"
-#include "tree/attribute_rules.h"
+#include "tree/control_attributes.h"
 
 namespace DuiLib {
 

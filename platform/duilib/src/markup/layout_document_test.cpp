@@ -3,7 +3,7 @@
 
 #include "base/text.h"
 #include "support/toolkit/toolkit_test.h"
-#include "tree/attribute_rules.h"
+#include "tree/control_attributes.h"
 
 namespace DuiLib {
 

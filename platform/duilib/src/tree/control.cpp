@@ -6,9 +6,7 @@
 #include "duilib/render_engine.h"
 #include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"
-#include "tree/attribute_rules.h"
-#include "tree/control_extras.h"
-#include "tree/name_table.h"
+#include "tree/control_attributes.h"
 #include "tree/tree_window.h"
 
 namespace DuiLib {

@@ -1,14 +1,15 @@
+#include "tree/control_attributes.h"
+
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <unordered_map>
 
 #include "duilib/container.h"
 #include "duilib/control.h"
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
 #include "foundation/diagnostics.h"
-#include "tree/attribute_rules.h"
-#include "tree/control_extras.h"
 
 namespace DuiLib {
 
@@ -177,6 +178,49 @@ std::span<const AttributeRule> AttributeRules() { return kRules; }
 const AttributeRule* FindAttributeRule(std::wstring_view name) {
     const auto rule = std::ranges::lower_bound(kRules, name, {}, &AttributeRule::name);
     return rule != kRules.end() && rule->name == name ? &*rule : nullptr;
+}
+
+// ---- Looks
+
+namespace {
+
+// Looks at enough to tell most looks apart.
+struct HashOfLook {
+    std::size_t operator()(const ControlLook* look) const {
+        std::size_t hash = 0;
+        const auto add = [&hash](auto value) { hash = hash * 31 + std::hash<decltype(value)>{}(value); };
+        add(look->ground.value);
+        add(look->borderColor.value);
+        add(look->borderFill.value);
+        add(look->round.value.cx);
+        add(look->picture.value.file.Key());
+        add(look->groundPicture.value.file.Key());
+        return hash;
+    }
+};
+
+struct SameLook {
+    bool operator()(const ControlLook* a, const ControlLook* b) const { return *a == *b; }
+};
+
+// Every look that a control has. Never destroyed: controls with static storage may go later.
+auto& Looks() {
+    static auto& looks =
+        *new std::unordered_map<const ControlLook*, std::weak_ptr<const ControlLook>, HashOfLook, SameLook>;
+    return looks;
+}
+
+}  // namespace
+
+std::shared_ptr<const ControlLook> ShareLook(const ControlLook& look) {
+    auto& looks = Looks();
+    if (const auto found = looks.find(&look); found != looks.end()) return found->second.lock();
+    std::shared_ptr<const ControlLook> shared(new ControlLook(look), [](const ControlLook* unused) {
+        Looks().erase(unused);
+        delete unused;
+    });
+    looks.emplace(shared.get(), shared);
+    return shared;
 }
 
 // ---- Given attributes

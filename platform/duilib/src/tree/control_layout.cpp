@@ -7,7 +7,7 @@
 #include "duilib/resource_manager.h"
 #include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"
-#include "tree/control_extras.h"
+#include "tree/control_attributes.h"
 #include "tree/tree_window.h"
 
 namespace DuiLib {

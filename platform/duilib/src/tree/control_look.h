@@ -1,8 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-
 #include "drawing/pictures.h"
 #include "duilib/geometry.h"
 
@@ -40,8 +37,5 @@ struct ControlLook {
     bool ChangesUnderPointer() const { return hotText.given || hotGround.given || hotPicture.given; }
     friend bool operator==(const ControlLook&, const ControlLook&) = default;
 };
-
-// The copy of a look that all controls share that look so: the rows of a page look alike. UI turn.
-std::shared_ptr<const ControlLook> ShareLook(const ControlLook& look);
 
 }  // namespace DuiLib

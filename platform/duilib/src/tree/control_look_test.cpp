@@ -1,6 +1,7 @@
 #include "tree/control_look.h"
 
 #include "support/toolkit/toolkit_test.h"
+#include "tree/control_attributes.h"
 
 namespace DuiLib {
 

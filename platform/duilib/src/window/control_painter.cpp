@@ -6,7 +6,7 @@
 #include "duilib/render_engine.h"
 #include "duilib/ui_culture.h"
 #include "foundation/geometry_math.h"
-#include "tree/control_extras.h"
+#include "tree/control_attributes.h"
 #include "tree/control_look.h"
 
 namespace DuiLib {

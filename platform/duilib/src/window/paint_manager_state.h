@@ -8,12 +8,23 @@
 #include "drawing/canvas.h"
 #include "duilib/paint_manager.h"
 #include "foundation/layout_basis.h"
-#include "tree/name_table.h"
 #include "tree/tree_window.h"
-#include "window/dirty_area.h"
 #include "window/tool_tip.h"
 
 namespace DuiLib {
+
+// What of a window is to be painted again: a few rectangles [device px] that together cover it.
+class DirtyArea {
+public:
+    void Add(const CDuiRect& area);
+    bool IsEmpty() const { return m_areas.empty(); }
+
+    // The part that lies within `bounds`; nothing is left.
+    std::vector<CDuiRect> Take(const CDuiRect& bounds);
+
+private:
+    std::vector<CDuiRect> m_areas;
+};
 
 struct CPaintManagerUI::State final : TreeWindow {
     explicit State(CPaintManagerUI& owner) : manager(owner), dc(&owner) {}

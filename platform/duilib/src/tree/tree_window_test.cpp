@@ -1,4 +1,4 @@
-#include "tree/name_table.h"
+#include "tree/tree_window.h"
 
 #include <map>
 #include <random>

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -11,6 +13,8 @@
 #include "tree/control_look.h"
 
 namespace DuiLib {
+
+// ---- What attributes say
 
 // What the text of an attribute says, read once; nothing where the text is not of the attribute's form.
 using AttributeValue = std::variant<std::monostate, SharedText, bool, int, CDuiColor, CDuiSize, CDuiRect, Alignment,
@@ -49,5 +53,20 @@ std::span<const AttributeRule> AttributeRules();
 
 // Null for an attribute that nobody knows. Lives for ever.
 const AttributeRule* FindAttributeRule(std::wstring_view name);
+
+// ---- What controls keep of it
+
+// The copy of a look that all controls share that look so: the rows of a page look alike. UI turn.
+std::shared_ptr<const ControlLook> ShareLook(const ControlLook& look);
+
+// What only some controls have.
+struct ControlExtras {
+    SharedText toolTip;
+    SharedText virtualWnd;
+    std::vector<std::pair<SharedText, SharedText>> attributes;  // name and text, given by SetAttribute
+    std::shared_ptr<const ControlLook> look;                    // null while it is the element's
+    std::optional<CDuiRect> pos;                                // [design px]
+    CDuiRect textPadding;                                       // [design px]
+};
 
 }  // namespace DuiLib

@@ -1,6 +1,4 @@
-#include "tree/name_table.h"
-
-#include "duilib/control.h"
+#include "tree/tree_window.h"
 
 namespace DuiLib {
 
