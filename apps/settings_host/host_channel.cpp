@@ -1,6 +1,7 @@
 #include "host_channel.h"
 
 #include <algorithm>
+#include <random>
 
 #include "channel_client.h"
 #include "transcript.h"
@@ -10,6 +11,13 @@ namespace settings_host {
 namespace {
 
 constexpr int kMostHeight = 1 << 20;  // [design px] more than ten thousand rows
+
+// From the host to itself. One to each endpoint, as only the messages of one client come in the order of their posts.
+using Mark = channel::FromPage<channel::Decimal>;
+constexpr std::int32_t kMarkId = 0x1B0001;
+constexpr Mark kLayoutMark{"mark", kMarkId, IPC_ENDPOINT_HOST_LAYOUT};
+constexpr Mark kStatusMark{"mark", kMarkId, IPC_ENDPOINT_HOST_STATUS};
+constexpr Mark kPluginMark{"mark", kMarkId, IPC_ENDPOINT_HOST_PLUGIN};
 
 }  // namespace
 
@@ -22,6 +30,23 @@ HostChannel::HostChannel(std::function<void()> changed)
     Listen(m_status, channel::from_page::IPC_MSG_NO_UPDATES_LEFT, &HostChannel::OnNothingLeft);
     Listen(m_plugin, channel::from_page::IPC_MSG_PLUGIN_UPDATE, &HostChannel::OnUpdate);
     Listen(m_plugin, channel::from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, &HostChannel::OnUpdateFinish);
+    Listen(m_layout, kLayoutMark, &HostChannel::OnMark);
+    Listen(m_status, kStatusMark, &HostChannel::OnMark);
+    Listen(m_plugin, kPluginMark, &HostChannel::OnMark);
+}
+
+void HostChannel::PostMark() {
+    channel::Decimal payload;
+    payload.digits = std::to_string(std::random_device{}());  // others may have hosts on this pipe, too
+    m_mark = payload.digits;
+    m_marksUnderWay = 3;
+    for (const Mark& mark : {kLayoutMark, kStatusMark, kPluginMark}) {
+        channel_client::Post(m_layout, mark.endpoint, mark, payload);
+    }
+}
+
+void HostChannel::OnMark(const channel::Decimal& payload) {
+    if (payload.digits == m_mark) --m_marksUnderWay;
 }
 
 template <class Payload>

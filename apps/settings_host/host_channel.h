@@ -27,11 +27,17 @@ public:
     // Under the UI turn.
     PageNews& News() { return m_news; }
 
+    // Messages are under way for a while. What this process has posted to the host until PostMark has come and is in
+    // the news once MarkHasCome; without a broker that is never so. Under the UI turn.
+    void PostMark();
+    bool MarkHasCome() const { return m_marksUnderWay == 0; }
+
 private:
     void OnHeight(const channel::Decimal& payload);
     void OnNothingLeft(const channel::Decimal& payload);
     void OnUpdate(const channel::DeviceKey& payload);
     void OnUpdateFinish(const channel::DeviceKey& payload);
+    void OnMark(const channel::Decimal& payload);
 
     template <class Payload>
     void Listen(IPCMessageClient& client, const channel::FromPage<Payload>& message,
@@ -39,6 +45,8 @@ private:
 
     const std::function<void()> m_changed;
     PageNews m_news;
+    std::string m_mark;  // the last one's digits
+    int m_marksUnderWay = 0;
     IPCMessageClient m_layout;  // last: their callbacks use what stands above
     IPCMessageClient m_status;
     IPCMessageClient m_plugin;

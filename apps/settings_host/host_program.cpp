@@ -31,6 +31,7 @@ using std::chrono::steady_clock;
 constexpr milliseconds kLookAgain{10};  // how often a page without a window, or a script's condition, is looked at
 constexpr milliseconds kRest{500};      // without a change, the page has come to rest
 constexpr std::chrono::seconds kListPatience{10};
+constexpr std::chrono::seconds kNewsPatience{5};
 
 base::Mutex programMutex;
 HostProgram* program GUARDED_BY(programMutex) = nullptr;  // the running one, for signals
@@ -104,8 +105,7 @@ void HostProgram::Run() {
     PlayScript();
     if (!m_commandLine.screenshot.empty()) {
         Settle();
-        m_window.SavePicture(m_commandLine.screenshot);
-        WriteTranscript("picture: " + Utf8FromPath(m_commandLine.screenshot));
+        TakePicture(m_commandLine.screenshot);
     } else if (m_commandLine.script.empty()) {
         for (;;) Step({});
     }
@@ -171,6 +171,7 @@ void HostProgram::PlayFrom(std::istream& input, const std::string& name, bool fr
     ScriptRunner runner(m_window, m_channel,
                         {.idle = [this] { Step(kLookAgain); },
                          .origin = [this] { return m_native ? m_native->GetOrigin() : DuiLib::CDuiPoint{}; },
+                         .takePicture = [this](const std::filesystem::path& file) { TakePicture(file); },
                          .pictures = m_commandLine.pictures});
     script::Reader reader(input, name);
     for (bool ended = false; !ended;) {
@@ -183,6 +184,8 @@ void HostProgram::PlayFrom(std::istream& input, const std::string& name, bool fr
         }
     }
 }
+
+// ---- Pictures
 
 // Until the page has shown its list, or there is none to come, and does not change any more.
 void HostProgram::Settle() {
@@ -199,6 +202,28 @@ void HostProgram::Settle() {
         const bool shown = m_channel.News().heightReported || m_channel.News().nothingLeft;
         if ((shown || now >= patience) && now - since >= kRest) return;
     }
+}
+
+// Until the window shows all that the page has told by now: what stands in the page is there at once, while the height
+// that it needs, and which updates run, come as messages.
+void HostProgram::CatchUp() {
+    const auto patience = steady_clock::now() + kNewsPatience;
+    const auto hasCome = [this] {
+        const kernel::UiTurn turn;
+        return m_channel.MarkHasCome();
+    };
+    if (IsPipeConnected(IPC_PIPE_ASSISTANT)) {
+        const kernel::UiTurn turn;
+        m_channel.PostMark();
+    }
+    while (!hasCome() && IsPipeConnected(IPC_PIPE_ASSISTANT) && steady_clock::now() < patience) Step(kLookAgain);
+    Step(kLookAgain);
+}
+
+void HostProgram::TakePicture(const std::filesystem::path& file) {
+    CatchUp();
+    m_window.SavePicture(file);
+    WriteTranscript("picture: " + Utf8FromPath(file));
 }
 
 }  // namespace settings_host

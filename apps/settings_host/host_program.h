@@ -45,6 +45,8 @@ private:
     void PlayScript();
     void PlayFrom(std::istream& input, const std::string& name, bool fromTerminal);
     void Settle();
+    void CatchUp();
+    void TakePicture(const std::filesystem::path& file);
     void WakeUp();
 
     const CommandLine m_commandLine;

@@ -12,7 +12,8 @@
 //     click NAME                       presses the control as a pointer would, within 3 seconds from now
 //     hover NAME                       moves the pointer there
 //     where NAME                       writes its place on the desktop: "where NAME X Y WIDTH HEIGHT" in pixels
-//     picture FILE                     paints the window into a PNG file of the folder --pictures
+//     picture FILE                     paints the window into a PNG file of the folder --pictures, once all that the
+//                                      page has told the host until now is shown
 //     wait CONDITION [within SECONDS]  until it holds; 10 seconds unless said otherwise
 //     start PROGRAM, stop PROGRAM      a program of the host's own folder
 //     waits PERCENT                    how long the page's own waits last from now on, those that run included, until

@@ -83,12 +83,10 @@ void ScriptRunner::Do(const script::Where& where) {
 }
 
 void ScriptRunner::Do(const script::Picture& picture) {
-    m_around.idle();
     const std::filesystem::path file = m_around.pictures / base::PathFromUtf8(picture.file);
     std::error_code error;  // what cannot be made shows when the picture is saved
     std::filesystem::create_directories(m_around.pictures, error);
-    m_window.SavePicture(file);
-    WriteTranscript("picture: " + base::Utf8FromPath(file));
+    m_around.takePicture(file);
 }
 
 void ScriptRunner::Do(const script::Words& words) { WriteTranscript("# " + words.text); }

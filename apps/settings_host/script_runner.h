@@ -18,7 +18,8 @@ public:
     struct Surroundings {
         std::function<void()> idle;                 // called again and again while a command waits
         std::function<DuiLib::CDuiPoint()> origin;  // [device px] of the window's content on the desktop
-        std::filesystem::path pictures;             // folder for pictures
+        std::function<void(const std::filesystem::path&)> takePicture;
+        std::filesystem::path pictures;  // folder for pictures
     };
     ScriptRunner(SettingsWindow& window, HostChannel& channel, Surroundings surroundings)
         : m_window(window), m_channel(channel), m_around(std::move(surroundings)) {}

@@ -1,4 +1,6 @@
-// A picture of the window that the host takes by itself, and ends.
+// Pictures of the window: those that a script takes, and the one that the host takes by itself, and ends.
+
+#include <signal.h>
 
 #include "page_e2e_test.h"
 
@@ -45,6 +47,32 @@ TEST_F(ScreenshotTest, WithAScriptItShowsWhatTheScriptLeft) {
     const std::vector<std::string> options = {"--headless", "--scale", "150", "--script",
                                               (m_folder / "test.script").string()};
     EXPECT_TRUE(Screenshot(options, HostEnvironment()) == expected);
+}
+
+TEST_F(ScreenshotTest, AScriptsPictureShowsWhatThePageToldJustBefore) {
+    const std::string rest = WaitForRows(2, "dock") + "wait hidden pendevInfo";
+    const std::string open = "click penpulldown\nwait shown pendevInfo";
+    const std::string expected = PictureOf(rest + "\n" + open + "\nwait height 212");
+    const auto host = StartHost({"--pictures", m_folder.Path().string(), "--scale", "150", "--trace"});
+    ASSERT_TRUE(host->Play(rest));
+    kill(m_service->Id(), SIGSTOP);  // with it the pipe, and the height that the page tells on it
+    EXPECT_TRUE(host->Play(open));
+    host->Program().Write("picture early.png\n");
+    EXPECT_TRUE(host->Program().Output().WaitFor("post 0x1B0000 -> 0x1B0000")) << host->Transcript();
+    EXPECT_THAT(host->Transcript(), Not(HasSubstr("picture: ")));
+    kill(m_service->Id(), SIGCONT);
+    EXPECT_TRUE(host->Play("say taken"));
+    EXPECT_TRUE(ReadFile(m_folder / "early.png") == expected);
+    host->End();
+}
+
+TEST_F(ScreenshotTest, APictureIsTakenWithoutAService) {
+    const auto host = StartHost({"--pictures", m_folder.Path().string(), "--scale", "150"});
+    ASSERT_TRUE(host->Play(WaitForRows(2, "dock")));
+    StopService();
+    EXPECT_TRUE(host->Play("wait disconnected\nwait shown serviceBar\npicture away.png"));
+    EXPECT_THAT(ReadFile(m_folder / "away.png"), testing::StartsWith("\x89PNG"));
+    host->End();
 }
 
 TEST_F(ScreenshotTest, WithoutADisplayItIsTakenAllTheSame) {
