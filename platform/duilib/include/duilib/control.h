@@ -109,7 +109,7 @@ public:
     CPaintManagerUI* GetManager() const;  // null outside a window's tree
 
     // As the attribute "role" says, else as its class is.
-    ControlRole GetRole() const { return m_role != ControlRole::kNone ? m_role : ClassRole(); }
+    ControlRole GetRole() const;
 
     // How much is done where the role is kProgress: such a control covers, by its "pos", what of a bar is not yet done.
     ControlProgress GetProgress() const;

@@ -16,7 +16,7 @@ public:
     std::wstring_view GetClass() const override;
 
     // [design px] How far the content is moved up, and how far it can be.
-    double GetScrollPos() const { return m_position; }
+    double GetScrollPos() const;
     double GetScrollRange();
 
     void ScrollTo(double position, bool smoothly);  // as far as it goes

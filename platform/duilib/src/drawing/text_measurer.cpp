@@ -114,6 +114,7 @@ TextMeasurer* replacement = nullptr;
 
 void CRenderEngine::DrawText(PaintDC* dc, CPaintManagerUI*, CDuiRect& rect, std::wstring_view text, CDuiColor color,
                              int font, unsigned style) {
+    AssertUiTurn();
     const CResourceManager& resources = *CResourceManager::GetInstance();
     if (!(style & kTextCalcRect)) {
         Canvas* const canvas = dc ? dc->GetCanvas() : nullptr;
@@ -134,6 +135,9 @@ void CRenderEngine::SetTextMeasurer(TextMeasurer* measurer) {
     TellLayoutBasisChanged();
 }
 
-TextMeasurer& CRenderEngine::GetTextMeasurer() { return replacement ? *replacement : SystemTextMeasurer(); }
+TextMeasurer& CRenderEngine::GetTextMeasurer() {
+    AssertUiTurn();
+    return replacement ? *replacement : SystemTextMeasurer();
+}
 
 }  // namespace DuiLib

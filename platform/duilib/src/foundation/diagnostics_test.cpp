@@ -65,6 +65,14 @@ TEST_F(UiTurnAssertionTest, ABuildingIsCaught) {
     ExpectCaught("CDialogBuilder::Create", [] { CDialogBuilder().Create(L"page.xml"); });
 }
 
+TEST_F(UiTurnAssertionTest, AReadingIsCaught) {
+    ExpectCaught("CControlUI::GetText", [this] { container.GetText(); });
+    ExpectCaught("CContainerUI::GetCount", [this] { container.GetCount(); });
+    ExpectCaught("CPaintManagerUI::FindControl", [this] { window.FindControl(L"title"); });
+    ExpectCaught("CRenderEngine::GetTextMeasurer", [] { CRenderEngine::GetTextMeasurer(); });
+    ExpectCaught("SharedText::SharedText", [] { SharedText(L"text"); });
+}
+
 TEST_F(UiTurnAssertionTest, AChangeOfTheScaleIsCaught) {
     ExpectCaught("CResourceManager::SetScale", [] { CResourceManager::GetInstance()->SetScale(200); });
 }

@@ -72,6 +72,7 @@ int CResourceManager::Scale(int design, const CPaintManagerUI*) const {
 }
 
 CDuiSize CResourceManager::Scale(CDuiSize design, const CPaintManagerUI* manager) const {
+    AssertUiTurn();
     return {Scale(design.cx, manager), Scale(design.cy, manager)};
 }
 

@@ -4,6 +4,8 @@
 #include <memory>
 #include <unordered_set>
 
+#include "foundation/diagnostics.h"
+
 namespace DuiLib {
 
 struct SharedText::Copy {
@@ -35,6 +37,7 @@ struct SharedTextPool {
 };
 
 SharedText::SharedText(std::wstring_view text) {
+    AssertUiTurn();
     if (text.empty()) return;
     auto& copies = SharedTextPool::Instance().copies;
     if (const auto found = copies.find(text); found != copies.end()) {
@@ -48,6 +51,7 @@ SharedText::SharedText(std::wstring_view text) {
 }
 
 SharedText::SharedText(const SharedText& other) : m_copy(other.m_copy) {
+    AssertUiTurn();
     if (m_copy) ++m_copy->users;
 }
 
@@ -63,6 +67,7 @@ const CDuiString& SharedText::Get() const {
 }
 
 SharedText SharedText::Find(std::wstring_view text) {
+    AssertUiTurn();
     SharedText result;
     const auto& copies = SharedTextPool::Instance().copies;
     if (const auto found = copies.find(text); found != copies.end()) {

@@ -48,6 +48,7 @@ CDuiString UICulture::GetString(std::wstring_view id) const {
 }
 
 CDuiString UICulture::GetBindString(std::wstring_view bindText) const {
+    AssertUiTurn();
     constexpr std::wstring_view kHead = L"bind='";
     if (bindText.size() <= kHead.size() || !bindText.starts_with(kHead) || !bindText.ends_with(L'\'')) return {};
     return GetString(bindText.substr(kHead.size(), bindText.size() - kHead.size() - 1));

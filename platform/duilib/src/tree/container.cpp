@@ -56,9 +56,13 @@ void CContainerUI::RemoveAll() {
     NeedLayout();
 }
 
-int CContainerUI::GetCount() const { return static_cast<int>(m_items.size()); }
+int CContainerUI::GetCount() const {
+    AssertUiTurn();
+    return static_cast<int>(m_items.size());
+}
 
 CControlUI* CContainerUI::GetItemAt(int index) const {
+    AssertUiTurn();
     return index >= 0 && index < GetCount() ? m_items[static_cast<std::size_t>(index)] : nullptr;
 }
 

@@ -31,7 +31,10 @@ std::wstring_view CControlUI::GetClass() const { return L"Control"; }
 
 // ---- Texts
 
-const CDuiString& CControlUI::GetName() const { return m_name.Get(); }
+const CDuiString& CControlUI::GetName() const {
+    AssertUiTurn();
+    return m_name.Get();
+}
 
 void CControlUI::SetName(std::wstring_view name) {
     AssertUiTurn();
@@ -41,7 +44,10 @@ void CControlUI::SetName(std::wstring_view name) {
     if (m_window) m_window->Names().Add(this);
 }
 
-const CDuiString& CControlUI::GetText() const { return m_text.Get(); }
+const CDuiString& CControlUI::GetText() const {
+    AssertUiTurn();
+    return m_text.Get();
+}
 
 void CControlUI::SetText(std::wstring_view text) {
     AssertUiTurn();
@@ -52,7 +58,10 @@ void CControlUI::SetText(std::wstring_view text) {
     if (IsSizedByText() && !(m_fixedWidth && m_fixedHeight)) NeedLayout();
 }
 
-const CDuiString& CControlUI::GetToolTip() const { return m_extras ? m_extras->toolTip.Get() : kEmpty; }
+const CDuiString& CControlUI::GetToolTip() const {
+    AssertUiTurn();
+    return m_extras ? m_extras->toolTip.Get() : kEmpty;
+}
 
 void CControlUI::SetToolTip(std::wstring_view text) {
     AssertUiTurn();
@@ -67,7 +76,10 @@ void CControlUI::SetVirtualWnd(std::wstring_view name) {
     if (m_extras || !name.empty()) Extras().virtualWnd = SharedText(name);
 }
 
-const CDuiString& CControlUI::GetVirtualWnd() const { return m_extras ? m_extras->virtualWnd.Get() : kEmpty; }
+const CDuiString& CControlUI::GetVirtualWnd() const {
+    AssertUiTurn();
+    return m_extras ? m_extras->virtualWnd.Get() : kEmpty;
+}
 
 ControlExtras& CControlUI::Extras() {
     if (!m_extras) m_extras = std::make_unique<ControlExtras>();
@@ -76,7 +88,10 @@ ControlExtras& CControlUI::Extras() {
 
 // ---- State
 
-bool CControlUI::IsVisible() const { return m_visible; }
+bool CControlUI::IsVisible() const {
+    AssertUiTurn();
+    return m_visible;
+}
 
 void CControlUI::SetVisible(bool visible) {
     AssertUiTurn();
@@ -88,7 +103,10 @@ void CControlUI::SetVisible(bool visible) {
     if (m_window) m_window->Changed();  // also in a place that is hidden: somebody may look for it
 }
 
-bool CControlUI::IsEnabled() const { return m_enabled; }
+bool CControlUI::IsEnabled() const {
+    AssertUiTurn();
+    return m_enabled;
+}
 
 void CControlUI::SetEnabled(bool enabled) {
     AssertUiTurn();
@@ -97,12 +115,25 @@ void CControlUI::SetEnabled(bool enabled) {
     Invalidate();
 }
 
-CContainerUI* CControlUI::GetParent() const { return m_parent; }
-CPaintManagerUI* CControlUI::GetManager() const { return m_window ? m_window->Manager() : nullptr; }
+CContainerUI* CControlUI::GetParent() const {
+    AssertUiTurn();
+    return m_parent;
+}
+
+CPaintManagerUI* CControlUI::GetManager() const {
+    AssertUiTurn();
+    return m_window ? m_window->Manager() : nullptr;
+}
 
 // ---- For readers
 
+ControlRole CControlUI::GetRole() const {
+    AssertUiTurn();
+    return m_role != ControlRole::kNone ? m_role : ClassRole();
+}
+
 ControlProgress CControlUI::GetProgress() const {
+    AssertUiTurn();
     if (GetRole() != ControlRole::kProgress || !m_extras || !m_extras->pos) return {};
     const int whole = std::max(0, m_extras->pos->right);
     return {std::clamp(m_extras->pos->left, 0, whole), whole};
@@ -137,12 +168,17 @@ void CControlUI::SetFixedWidth(int width) {
 }
 
 int CControlUI::GetFixedHeight() const {
+    AssertUiTurn();
     return m_fixedHeightInPixels ? m_fixedHeight : CResourceManager::GetInstance()->Scale(m_fixedHeight);
 }
 
-int CControlUI::GetFixedWidth() const { return CResourceManager::GetInstance()->Scale(m_fixedWidth); }
+int CControlUI::GetFixedWidth() const {
+    AssertUiTurn();
+    return CResourceManager::GetInstance()->Scale(m_fixedWidth);
+}
 
 int CControlUI::GetHeight() {
+    AssertUiTurn();
     if (!m_window || !m_visible) return 0;
     if (HasPlace(LayoutAxis::kVertical)) return PosInPixels().Height();
     if (m_fixedHeight) return GetFixedHeight();
@@ -151,6 +187,7 @@ int CControlUI::GetHeight() {
 }
 
 int CControlUI::GetWidth() {
+    AssertUiTurn();
     if (!m_window || !m_visible) return 0;
     if (HasPlace(LayoutAxis::kHorizontal)) return PosInPixels().Width();
     if (m_fixedWidth) return GetFixedWidth();
@@ -159,6 +196,7 @@ int CControlUI::GetWidth() {
 }
 
 CDuiRect CControlUI::GetPos() {
+    AssertUiTurn();
     if (!IsShown()) return {};
     m_window->Layout();
     return PlaceInWindow();
@@ -192,7 +230,10 @@ void CControlUI::SetFont(int index) {
     if (IsSizedByText()) NeedLayout();
 }
 
-int CControlUI::GetFont() const { return m_font; }
+int CControlUI::GetFont() const {
+    AssertUiTurn();
+    return m_font;
+}
 
 void CControlUI::SetTextColor(CDuiColor color) {
     AssertUiTurn();
@@ -201,7 +242,10 @@ void CControlUI::SetTextColor(CDuiColor color) {
     Invalidate();
 }
 
-CDuiColor CControlUI::GetTextColor() const { return m_textColor; }
+CDuiColor CControlUI::GetTextColor() const {
+    AssertUiTurn();
+    return m_textColor;
+}
 
 void CControlUI::SetTextStyle(unsigned style) {
     AssertUiTurn();
@@ -211,7 +255,10 @@ void CControlUI::SetTextStyle(unsigned style) {
     if (IsSizedByText()) NeedLayout();
 }
 
-unsigned CControlUI::GetTextStyle() const { return m_textStyle; }
+unsigned CControlUI::GetTextStyle() const {
+    AssertUiTurn();
+    return m_textStyle;
+}
 
 bool CControlUI::Wraps() const { return !(m_textStyle & kTextSingleLine); }
 
@@ -226,6 +273,7 @@ CDuiSize CControlUI::MeasureText(int width) const {
 }
 
 CDuiRect CControlUI::GetTextRect(CDuiSize available) {
+    AssertUiTurn();
     const CDuiSize text = MeasureText(available.cx);
     return {0, 0, std::min(text.cx, std::max(0, available.cx)), std::min(text.cy, std::max(0, available.cy))};
 }

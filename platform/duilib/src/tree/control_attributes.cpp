@@ -297,10 +297,14 @@ const SharedText* CControlUI::FindAttribute(const SharedText& key) const {
 }
 
 CDuiString CControlUI::GetAttribute(std::wstring_view name) const {
+    AssertUiTurn();
     const SharedText* const text = FindAttribute(SharedText::Find(name));
     return text ? text->Get() : CDuiString();
 }
 
-bool CControlUI::HasAttribute(std::wstring_view name) const { return FindAttribute(SharedText::Find(name)) != nullptr; }
+bool CControlUI::HasAttribute(std::wstring_view name) const {
+    AssertUiTurn();
+    return FindAttribute(SharedText::Find(name)) != nullptr;
+}
 
 }  // namespace DuiLib

@@ -64,7 +64,13 @@ void CScrollViewUI::ArrangeChildren() {
     }
 }
 
+double CScrollViewUI::GetScrollPos() const {
+    AssertUiTurn();
+    return m_position;
+}
+
 double CScrollViewUI::GetScrollRange() {
+    AssertUiTurn();
     const int hidden = std::max(0, m_contentHeight - InnerRect().Height());
     const unsigned scale = CResourceManager::GetInstance()->GetScale();
     return scale == 0 ? 0 : hidden * 100.0 / scale;
@@ -92,7 +98,10 @@ void CScrollViewUI::ScrollTo(double position, bool smoothly) {
     m_window->BeginTicks(*this);
 }
 
-void CScrollViewUI::ScrollBy(double distance, bool smoothly) { ScrollTo(m_target + distance, smoothly); }
+void CScrollViewUI::ScrollBy(double distance, bool smoothly) {
+    AssertUiTurn();
+    ScrollTo(m_target + distance, smoothly);
+}
 
 bool CScrollViewUI::Scroll(ScrollStep step, double steps) {
     if (GetScrollRange() <= 0) return false;
@@ -115,6 +124,7 @@ double CScrollViewUI::StepLength(ScrollStep step) {
 }
 
 bool CScrollViewUI::Tick(TimePoint now) {
+    AssertUiTurn();
     if (!m_moving) return false;
     const double elapsed =
         m_lastTick == TimePoint{} ? 1 / 60.0 : std::chrono::duration<double>(now - m_lastTick).count();
@@ -134,6 +144,7 @@ void CScrollViewUI::MoveContent() {
 }
 
 void CScrollViewUI::EnsureVisible(CControlUI& control, bool smoothly) {
+    AssertUiTurn();
     const CDuiRect place = control.GetPos();
     const CDuiRect view = GetPos();
     const unsigned scale = CResourceManager::GetInstance()->GetScale();

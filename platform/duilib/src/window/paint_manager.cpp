@@ -37,9 +37,15 @@ void CPaintManagerUI::AttachRoot(CControlUI* root) {
     root->NeedLayout();
 }
 
-CControlUI* CPaintManagerUI::GetRoot() const { return m_state->root; }
+CControlUI* CPaintManagerUI::GetRoot() const {
+    AssertUiTurn();
+    return m_state->root;
+}
 
-CControlUI* CPaintManagerUI::FindControl(std::wstring_view name) const { return m_state->names.Find(name); }
+CControlUI* CPaintManagerUI::FindControl(std::wstring_view name) const {
+    AssertUiTurn();
+    return m_state->names.Find(name);
+}
 
 void CPaintManagerUI::Forget(CControlUI& control) {
     State& state = *m_state;
@@ -55,7 +61,10 @@ void CPaintManagerUI::Forget(CControlUI& control) {
     }
 }
 
-PaintDC* CPaintManagerUI::GetPaintDC() const { return &m_state->dc; }
+PaintDC* CPaintManagerUI::GetPaintDC() const {
+    AssertUiTurn();
+    return &m_state->dc;
+}
 
 // ---- Layout
 
@@ -66,7 +75,10 @@ void CPaintManagerUI::SetClientSize(CDuiSize size) {
     InvalidateAll();
 }
 
-CDuiSize CPaintManagerUI::GetClientSize() const { return m_state->clientSize; }
+CDuiSize CPaintManagerUI::GetClientSize() const {
+    AssertUiTurn();
+    return m_state->clientSize;
+}
 
 void CPaintManagerUI::NeedLayout() {
     AssertUiTurn();

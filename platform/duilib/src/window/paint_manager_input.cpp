@@ -148,7 +148,10 @@ void CPaintManagerUI::UpdateHot() {
     invalidateMissing(state.hot, hot);
 }
 
-CControlUI* CPaintManagerUI::GetHovered() const { return m_state->hovered; }
+CControlUI* CPaintManagerUI::GetHovered() const {
+    AssertUiTurn();
+    return m_state->hovered;
+}
 
 bool CPaintManagerUI::ButtonDown(CDuiPoint point) {
     kernel::UiTurn turn;
@@ -212,7 +215,10 @@ void CPaintManagerUI::SetModal(CControlUI* control) {
 
 // ---- Keyboard
 
-CControlUI* CPaintManagerUI::GetFocus() const { return m_state->focused; }
+CControlUI* CPaintManagerUI::GetFocus() const {
+    AssertUiTurn();
+    return m_state->focused;
+}
 
 void CPaintManagerUI::SetFocus(CControlUI* control) {
     AssertUiTurn();

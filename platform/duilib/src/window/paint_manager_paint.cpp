@@ -193,7 +193,10 @@ void CPaintManagerUI::ToolTipSet(const CControlUI& control, bool changed) {
     Changed();
 }
 
-CControlUI* CPaintManagerUI::GetToolTipOwner() const { return m_state->tip.Shown(); }
+CControlUI* CPaintManagerUI::GetToolTipOwner() const {
+    AssertUiTurn();
+    return m_state->tip.Shown();
+}
 
 void CPaintManagerUI::UpdateToolTipOwner() {
     State& state = *m_state;
