@@ -20,6 +20,10 @@
 // with no signal ignored or held back. Texts are UTF-8.
 namespace base {
 
+// The command that lets the system's shell carry out a text; `name` is what the shell calls itself in its complaints,
+// where it can. Arguments that are put behind it are the text's own, where the shell knows such.
+std::vector<std::string> ShellCommand(std::string text, const std::string& name);
+
 struct ChildStream {
     enum class Kind {
         kNothing,    // reads nothing; what is written is lost

@@ -12,6 +12,12 @@ std::string Utf8FromPath(const std::filesystem::path& path);
 
 std::filesystem::path PathFromUtf8(std::string_view text);
 
+// Whether files whose names differ in capitals only are different files.
+bool CapitalsCount();
+
+// Whether the name, in small letters, is a device's in every folder, whatever follows a dot.
+bool IsDeviceName(const std::string& name);
+
 // The folder that the running program lies in. Throws std::system_error when the system does not tell.
 std::filesystem::path ProgramFolder();
 

@@ -5,7 +5,8 @@
 #include <string_view>
 #include <vector>
 
-// This process: its command line, its environment, what asks it to stop, its standard error. Texts are UTF-8.
+// This process: its command line, its environment, its user's language, what asks it to stop, its standard error. Texts
+// are UTF-8.
 namespace base {
 
 // The command line in UTF-8; and, on Windows, UTF-8 is what a console shows of this program's output from now on. Make
@@ -43,6 +44,10 @@ std::optional<std::string> Variable(const std::string& name);
 
 // Sets a variable, or removes it. While there is one thread, or none that reads the environment.
 void SetVariable(const std::string& name, const std::optional<std::string>& value);
+
+// The locale of the user's texts: on Windows the language of the system's own texts, such as "de-DE"; elsewhere the
+// first that is not empty of LC_ALL, LC_MESSAGES and LANG. Empty when none is set.
+std::string SystemLocale();
 
 // Holds back the signals that ask the process to stop, so that WaitForStopSignal gets them. Call in main, before any
 // thread is made.

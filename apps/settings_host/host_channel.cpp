@@ -4,7 +4,7 @@
 #include <random>
 
 #include "channel_client.h"
-#include "transcript.h"
+#include "host_output.h"
 
 namespace settings_host {
 

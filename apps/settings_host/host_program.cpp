@@ -11,14 +11,12 @@
 #include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"
+#include "host_output.h"
 #include "ipc_client/ipc_diagnostics.h"
 #include "kernel/ui_turn.h"
-#include "log.h"
-#include "page_waits.h"
 #include "qx_logger/qx_logger.h"
-#include "script_input.h"
+#include "script.h"
 #include "script_runner.h"
-#include "transcript.h"
 
 namespace settings_host {
 
@@ -154,7 +152,7 @@ void HostProgram::WritePage() {
 void HostProgram::PlayScript() {
     if (m_commandLine.script.empty()) return;
     if (m_commandLine.script == "-") {
-        ScriptInput input(0, [this] { Step(kLookAgain); });
+        script::Input input(0, [this] { Step(kLookAgain); });
         PlayFrom(input.Stream(), "standard input", true);
         return;
     }

@@ -15,10 +15,6 @@ inline constexpr const char* kFallbackLanguage = "en-US";
 // is only chosen when the locale names it in full.
 std::string ChooseLanguage(const std::vector<std::string>& available, const std::string& locale);
 
-// The locale of the user's texts: on Windows the language of the system's own texts, elsewhere from the environment:
-// the first that is not empty of LC_ALL, LC_MESSAGES and LANG; empty when none is set.
-std::string SystemLocale();
-
 // The languages that have a file in the folder ("de-DE" for de-DE.xml), sorted, the pseudo language among them. Empty
 // when the folder cannot be read.
 std::vector<std::string> AvailableLanguages(const std::filesystem::path& folder);

@@ -11,16 +11,15 @@
 #include "base/process.h"
 #include "base/reason.h"
 #include "duilib/duilib.h"
+#include "host_output.h"
 #include "host_program.h"
 #include "ipc_client/ipc_diagnostics.h"
 #include "kernel/ui_turn.h"
 #include "language_choice.h"
-#include "log.h"
 #include "options.h"
-#include "page_waits.h"
 #include "qx_data_report/qx_data_report.h"
 #include "sample.h"
-#include "transcript.h"
+#include "script_runner.h"
 
 namespace {
 
@@ -38,7 +37,8 @@ void ChooseDisplay(CommandLine& commandLine) {
 }
 
 void LoadLanguage(const std::filesystem::path& folder, const std::string& wanted) {
-    const std::string language = wanted.empty() ? ChooseLanguage(AvailableLanguages(folder), SystemLocale()) : wanted;
+    const std::string language =
+        wanted.empty() ? ChooseLanguage(AvailableLanguages(folder), base::SystemLocale()) : wanted;
     DuiLib::UICulture::GetInstance()->Load(folder / (language + ".xml"));
 }
 

@@ -14,7 +14,7 @@
 #include "base/path.h"
 #include "base/process.h"
 #include "base/reason.h"
-#include "transcript.h"
+#include "host_output.h"
 
 namespace settings_host {
 

@@ -1,7 +1,7 @@
-#include "script_input.h"
-
 #include <fcntl.h>
 #include <gtest/gtest.h>
+
+#include "script.h"
 #if defined(_WIN32)
 #include <io.h>
 #else
@@ -13,8 +13,6 @@
 #include <system_error>
 #include <utility>
 #include <vector>
-
-#include "script.h"
 
 namespace settings_host {
 namespace {
@@ -84,7 +82,7 @@ void NeverIdle() { ADD_FAILURE() << "there was something to read"; }
 
 TEST(ScriptInput, LinesThatComeInPiecesArePutTogether) {
     Pipe pipe;
-    ScriptInput input(pipe.ReadEnd(), Writer(pipe, {"cl", "ick A\nclick", " B", "\n", "close"}));
+    script::Input input(pipe.ReadEnd(), Writer(pipe, {"cl", "ick A\nclick", " B", "\n", "close"}));
     EXPECT_EQ(ReadLines(input.Stream()), (std::vector<std::string>{"click A", "click B", "close"}));
 }
 
@@ -92,7 +90,7 @@ TEST(ScriptInput, WhatIsThereIsReadWithoutIdling) {
     Pipe pipe;
     pipe.Write("click A\nclick B\n");
     pipe.End();
-    ScriptInput input(pipe.ReadEnd(), NeverIdle);
+    script::Input input(pipe.ReadEnd(), NeverIdle);
     EXPECT_EQ(ReadLines(input.Stream()), (std::vector<std::string>{"click A", "click B"}));
     EXPECT_TRUE(input.Stream().eof());
 }
@@ -100,7 +98,7 @@ TEST(ScriptInput, WhatIsThereIsReadWithoutIdling) {
 TEST(ScriptInput, IdleIsCalledAgainAndAgainUntilSomethingComes) {
     Pipe pipe;
     int calls = 0;
-    ScriptInput input(pipe.ReadEnd(), [&] {
+    script::Input input(pipe.ReadEnd(), [&] {
         if (++calls == 5) pipe.Write("close\n");
     });
     std::string line;
@@ -113,7 +111,7 @@ TEST(ScriptInput, IdleIsCalledAgainAndAgainUntilSomethingComes) {
 TEST(ScriptInput, AFileThatDoesNotWaitIsReadJustTheSame) {
     Pipe pipe;
     ASSERT_EQ(fcntl(pipe.ReadEnd(), F_SETFL, O_NONBLOCK), 0);
-    ScriptInput input(pipe.ReadEnd(), Writer(pipe, {"op", "en\n"}));
+    script::Input input(pipe.ReadEnd(), Writer(pipe, {"op", "en\n"}));
     EXPECT_EQ(ReadLines(input.Stream()), std::vector<std::string>{"open"});
 }
 #endif
@@ -121,13 +119,13 @@ TEST(ScriptInput, AFileThatDoesNotWaitIsReadJustTheSame) {
 TEST(ScriptInput, MoreThanOneBufferComesWhole) {
     Pipe pipe;
     const std::string text(10'000, 'x');
-    ScriptInput input(pipe.ReadEnd(), Writer(pipe, {text, text}));
+    script::Input input(pipe.ReadEnd(), Writer(pipe, {text, text}));
     EXPECT_EQ(ReadLines(input.Stream()), std::vector<std::string>{text + text});
 }
 
 TEST(ScriptInput, AScriptIsReadToItsEnd) {
     Pipe pipe;
-    ScriptInput input(pipe.ReadEnd(), Writer(pipe, {"# first\nclick", " A\n\nclo", "se"}));
+    script::Input input(pipe.ReadEnd(), Writer(pipe, {"# first\nclick", " A\n\nclo", "se"}));
     script::Reader reader(input.Stream(), "standard input");
     script::Command command;
     ASSERT_TRUE(reader.Next(command));
@@ -146,7 +144,7 @@ struct WindowClosed {
 TEST(ScriptInput, WhatIdleThrowsReachesWhoeverReadsTheScript) {
     Pipe pipe;
     pipe.Write("click A\nclick");
-    ScriptInput input(pipe.ReadEnd(), [] { throw WindowClosed{7}; });
+    script::Input input(pipe.ReadEnd(), [] { throw WindowClosed{7}; });
     script::Reader reader(input.Stream(), "standard input");
     script::Command command;
     ASSERT_TRUE(reader.Next(command));
@@ -168,7 +166,7 @@ TEST(ScriptInput, AFileThatCannotBeReadIsNotTakenForTheEnd) {
     const std::errc reason = std::errc::is_a_directory;
 #endif
     ASSERT_GE(unreadable, 0);
-    ScriptInput input(unreadable, NeverIdle);
+    script::Input input(unreadable, NeverIdle);
     script::Reader reader(input.Stream(), "standard input");
     script::Command command;
     try {

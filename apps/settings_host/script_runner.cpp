@@ -1,20 +1,55 @@
 #include "script_runner.h"
 
 #include <chrono>
+#include <cstdint>
 
+#include "base/mutex.h"
 #include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"
 #include "channel/messages.h"
+#include "host_output.h"
 #include "ipc_client/ipc_diagnostics.h"
+#include "kernel/sleep.h"
 #include "kernel/ui_turn.h"
-#include "transcript.h"
 
 namespace settings_host {
 
 namespace {
 
+using std::chrono::steady_clock;
+
 constexpr auto kPatience = std::chrono::seconds(3);
+
+class PageWaits {
+public:
+    void SetPercent(unsigned percent) {
+        const base::MutexLock lock(m_mutex);
+        m_percent = percent;
+        m_changed.NotifyAll();
+    }
+
+    void Wait(std::uint32_t milliseconds) {
+        const steady_clock::time_point begin = steady_clock::now();
+        const base::MutexLock lock(m_mutex);
+        for (;;) {
+            const auto end = begin + std::chrono::microseconds(std::uint64_t{10} * m_percent * milliseconds);
+            if (steady_clock::now() >= end) return;
+            m_changed.WaitUntil(m_mutex, end);
+        }
+    }
+
+private:
+    base::Mutex m_mutex;
+    base::Condition m_changed;
+    unsigned m_percent GUARDED_BY(m_mutex) = 100;
+};
+
+// Never destroyed: page code may wait while the process exits.
+PageWaits& Waits() {
+    static PageWaits& waits = *new PageWaits;
+    return waits;
+}
 
 bool IsPercentageFrom(const DuiLib::CDuiString& text, int least) {
     for (int percent = least; percent <= 100; ++percent) {
@@ -37,6 +72,11 @@ std::string Description(const script::Wait& wait) {
 
 }  // namespace
 
+void SetWaitPercent(unsigned percent) {
+    Waits().SetPercent(percent);
+    kernel::SetSleeper([](std::uint32_t milliseconds) { Waits().Wait(milliseconds); });
+}
+
 void ScriptRunner::Run(script::Reader& reader) {
     script::Command command;
     while (reader.Next(command)) {
@@ -50,9 +90,9 @@ void ScriptRunner::Run(script::Reader& reader) {
 
 // Until it works: a row may not be laid out yet.
 void ScriptRunner::Try(const std::string& what, const std::function<std::string()>& attempt) {
-    const auto end = std::chrono::steady_clock::now() + kPatience;
+    const auto end = steady_clock::now() + kPatience;
     std::string fault = attempt();
-    while (!fault.empty() && std::chrono::steady_clock::now() < end) {
+    while (!fault.empty() && steady_clock::now() < end) {
         m_around.idle();
         fault = attempt();
     }
@@ -92,9 +132,9 @@ void ScriptRunner::Do(const script::Picture& picture) {
 void ScriptRunner::Do(const script::Words& words) { WriteTranscript("# " + words.text); }
 
 void ScriptRunner::Do(const script::Wait& wait) {
-    const auto end = std::chrono::steady_clock::now() + wait.limit;
+    const auto end = steady_clock::now() + wait.limit;
     while (!Holds(wait)) {
-        if (std::chrono::steady_clock::now() >= end) {
+        if (steady_clock::now() >= end) {
             throw std::runtime_error("wait " + Description(wait) + ": not within " +
                                      std::to_string(wait.limit.count()) + " s; " + Seen(wait));
         }

@@ -6,11 +6,14 @@
 
 #include "child_programs.h"
 #include "host_channel.h"
-#include "page_waits.h"
 #include "script.h"
 #include "settings_window.h"
 
 namespace settings_host {
+
+// How long the page's own waits last (100 ms after a row was added, 2 s of a row that has ended), in percent of what it
+// asks for; 100 until this is called. Waits that run are lengthened or shortened, too. Any thread.
+void SetWaitPercent(unsigned percent);
 
 // Carries out script commands on the host's window. UI thread; takes the UI turn itself.
 class ScriptRunner {

@@ -9,9 +9,9 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "base/child_process.h"
 #include "base/path.h"
-#include "system_rules.h"
-#include "work_files.h"
+#include "work_folder.h"
 
 namespace update_service {
 namespace {
@@ -116,7 +116,7 @@ std::string Sha256(const Place& place, const Json& value) {
 }
 
 std::vector<std::string> Installer(const Place& place, const Json& value) {
-    if (value.is_string()) return ShellCommand(NonEmptyText(place, value));
+    if (value.is_string()) return base::ShellCommand(NonEmptyText(place, value), "installer");
     if (!value.is_array()) place.Fail("must be a text or a list of texts");
     std::vector<std::string> command = Texts(place, value);
     if (command.empty() || command[0].empty()) place.Fail("must name a program");

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "pacer.h"
-#include "work_files.h"
+#include "work_folder.h"
 
 namespace update_service {
 

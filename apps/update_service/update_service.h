@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <stop_token>
 #include <string>
@@ -13,12 +14,29 @@
 #include "catalogue.h"
 #include "channel/messages.h"
 #include "installer.h"
-#include "log.h"
 #include "package_transfer.h"
-#include "service_state.h"
-#include "work_files.h"
+#include "qx_logger/qx_logger.h"
+#include "work_folder.h"
 
 namespace update_service {
+
+// Where the service's log lines go [UTF-8, no line end]. Called on any thread, on several at once.
+class Log {
+public:
+    using Write = std::function<void(LOG_MESSAGE_LEVEL level, const std::string& line)>;
+    explicit Log(Write write) : m_write(std::move(write)) {}
+
+    // A line that cannot be written is dropped, whatever the function throws.
+    void operator()(LOG_MESSAGE_LEVEL level, const std::string& line) const noexcept {
+        try {
+            m_write(level, line);
+        } catch (...) {
+        }
+    }
+
+private:
+    Write m_write;
+};
 
 // The service's way to the accessory page: what it sends. Called on any thread, on several at once; never waits for
 // the page.

@@ -14,7 +14,13 @@
 
 #include "base/reason.h"
 
-namespace base::child_system {
+namespace base {
+
+std::vector<std::string> ShellCommand(std::string text, const std::string& name) {
+    return {"/bin/sh", "-c", std::move(text), name};
+}
+
+namespace child_system {
 
 namespace {
 
@@ -150,4 +156,5 @@ bool AskToEnd(const Started& child) { return kill(child.id, SIGTERM) == 0; }
 
 void Kill(const Started& child) { kill(child.ownGroup ? -child.id : child.id, SIGKILL); }
 
-}  // namespace base::child_system
+}  // namespace child_system
+}  // namespace base

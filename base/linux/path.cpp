@@ -11,6 +11,10 @@ std::string Utf8FromPath(const std::filesystem::path& path) { return path.native
 
 std::filesystem::path PathFromUtf8(std::string_view text) { return text; }
 
+bool CapitalsCount() { return true; }
+
+bool IsDeviceName(const std::string&) { return false; }
+
 std::filesystem::path ProgramFolder() { return std::filesystem::read_symlink("/proc/self/exe").parent_path(); }
 
 std::filesystem::path MakeTemporaryFolder(const std::string& prefix) {

@@ -55,6 +55,14 @@ void SetVariable(const std::string& name, const std::optional<std::string>& valu
     value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
 }
 
+std::string SystemLocale() {
+    for (const char* const name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const std::string value = Variable(name).value_or("");
+        if (!value.empty()) return value;
+    }
+    return {};
+}
+
 void HoldStopSignals() {
     const sigset_t signals = StopSignals();
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);

@@ -9,7 +9,13 @@
 #include "base/reason.h"
 #include "base/text.h"
 
-namespace base::child_system {
+namespace base {
+
+std::vector<std::string> ShellCommand(std::string text, const std::string&) {
+    return {"cmd.exe", "/d", "/s", "/c", std::move(text)};
+}
+
+namespace child_system {
 
 namespace {
 
@@ -202,4 +208,5 @@ void Kill(const Started& child) {
     }
 }
 
-}  // namespace base::child_system
+}  // namespace child_system
+}  // namespace base

@@ -14,6 +14,14 @@ std::string Utf8FromPath(const std::filesystem::path& path) { return Utf8FromWid
 
 std::filesystem::path PathFromUtf8(std::string_view text) { return WideFromUtf8(text); }
 
+bool CapitalsCount() { return false; }
+
+bool IsDeviceName(const std::string& name) {
+    const std::string stem = name.substr(0, name.find('.'));
+    if (stem == "con" || stem == "prn" || stem == "aux" || stem == "nul") return true;
+    return stem.size() == 4 && (stem.starts_with("com") || stem.starts_with("lpt")) && stem[3] >= '0' && stem[3] <= '9';
+}
+
 // The whole path, however long.
 std::filesystem::path ProgramFolder() {
     std::wstring path(MAX_PATH, L'\0');

@@ -102,6 +102,13 @@ void SetVariable(const std::string& name, const std::optional<std::string>& valu
     _wputenv_s(WideFromUtf8(name).c_str(), WideFromUtf8(value.value_or("")).c_str());
 }
 
+// Names of locales are ASCII.
+std::string SystemLocale() {
+    wchar_t name[LOCALE_NAME_MAX_LENGTH] = {};
+    LCIDToLocaleName(MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT), name, LOCALE_NAME_MAX_LENGTH, 0);
+    return Utf8FromWide(name);
+}
+
 // A process that was started with Ctrl+C switched off gets it again.
 void HoldStopSignals() {
     SetConsoleCtrlHandler(nullptr, FALSE);

@@ -1,12 +1,12 @@
+#include "script.h"
+
 #include <io.h>
 #include <windows.h>
 
 #include <cerrno>
 #include <system_error>
 
-#include "script_input.h"
-
-namespace settings_host {
+namespace settings_host::script {
 
 namespace {
 
@@ -43,11 +43,11 @@ bool IsReadable(int file) {
 }  // namespace
 
 // Texts are read as on other systems, except for carriage returns, which the C library takes off in text mode.
-std::optional<std::size_t> ScriptInput::ReadIfReady(int file, char* buffer, std::size_t size) {
+std::optional<std::size_t> Input::ReadIfReady(int file, char* buffer, std::size_t size) {
     if (!IsReadable(file)) return std::nullopt;
     const int got = _read(file, buffer, static_cast<unsigned>(size));
     if (got < 0) throw std::system_error(errno, std::generic_category(), "the script cannot be read");
     return static_cast<std::size_t>(got);
 }
 
-}  // namespace settings_host
+}  // namespace settings_host::script

@@ -1,12 +1,12 @@
+#include "script.h"
+
 #include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
 
-#include "script_input.h"
-
-namespace settings_host {
+namespace settings_host::script {
 
 namespace {
 
@@ -25,7 +25,7 @@ bool IsReadable(int file) {
 }  // namespace
 
 // A read may find nothing although the file was readable: another process that shares it was faster, or a signal came.
-std::optional<std::size_t> ScriptInput::ReadIfReady(int file, char* buffer, std::size_t size) {
+std::optional<std::size_t> Input::ReadIfReady(int file, char* buffer, std::size_t size) {
     if (!IsReadable(file)) return std::nullopt;
     const ssize_t got = read(file, buffer, size);
     if (got >= 0) return static_cast<std::size_t>(got);
@@ -33,4 +33,4 @@ std::optional<std::size_t> ScriptInput::ReadIfReady(int file, char* buffer, std:
     return std::nullopt;
 }
 
-}  // namespace settings_host
+}  // namespace settings_host::script

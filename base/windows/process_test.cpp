@@ -1,9 +1,9 @@
+#include "base/process.h"
+
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include "language_choice.h"
-
-namespace settings_host {
+namespace base {
 namespace {
 
 TEST(SystemLocale, IsALocaleThatTheSystemKnows) {
@@ -15,4 +15,4 @@ TEST(SystemLocale, IsALocaleThatTheSystemKnows) {
 }
 
 }  // namespace
-}  // namespace settings_host
+}  // namespace base

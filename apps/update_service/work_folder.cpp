@@ -1,8 +1,9 @@
-#include "service_state.h"
+#include "work_folder.h"
 
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
+#include <system_error>
 
 #include "base/file.h"
 #include "base/path.h"
@@ -11,6 +12,11 @@ namespace update_service {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+bool IsPlain(char c) {
+    return (c >= 'a' && c <= 'z') || (base::CapitalsCount() && c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+           c == '-' || c == '_';
+}
 
 constexpr Phase kPhases[] = {Phase::kIdle,       Phase::kDownloading, Phase::kPaused,
                              Phase::kInstalling, Phase::kInstalled,   Phase::kFailed};
@@ -23,6 +29,33 @@ Phase PhaseOf(const std::string& name) {
 }
 
 }  // namespace
+
+std::string SafeFileName(const std::string& deviceKey) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    const bool isDevice = base::IsDeviceName(deviceKey);
+    std::string name;
+    for (const char c : deviceKey) {
+        const bool opensDevice = isDevice && name.empty();
+        if ((IsPlain(c) && !opensDevice) || (c == '.' && !name.empty())) {
+            name += c;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(c);
+        name += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+    return name;
+}
+
+WorkFiles WorkFilesOf(const std::filesystem::path& workFolder, const std::string& deviceKey) {
+    const std::string name = SafeFileName(deviceKey);
+    return {workFolder / (name + ".part"), workFolder / (name + ".pkg")};
+}
+
+void RemoveWorkFiles(const WorkFiles& files) {
+    std::error_code ignored;
+    std::filesystem::remove(files.part, ignored);
+    std::filesystem::remove(files.package, ignored);
+}
 
 const char* NameOf(Phase phase) {
     switch (phase) {

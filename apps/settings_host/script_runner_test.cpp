@@ -1,4 +1,4 @@
-#include "page_waits.h"
+#include "script_runner.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "log.h"
+#include "host_output.h"
 
 #include <gmock/gmock.h>
 
