@@ -38,6 +38,16 @@ public:
         return true;
     }
 
+    // The same for a function that only hears of something: what it throws is lost, and ends nothing. True when one is
+    // set.
+    bool Tell(Arguments... arguments) const noexcept {
+        try {
+            return Call(std::forward<Arguments>(arguments)...);
+        } catch (...) {
+            return true;
+        }
+    }
+
 private:
     std::shared_ptr<const Sink> Current() const {
         const MutexLock lock(m_mutex);

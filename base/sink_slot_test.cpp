@@ -45,6 +45,19 @@ TEST(SinkSlot, WhatASinkThrowsGoesToTheCaller) {
     EXPECT_THROW(slot.Call(1, ""), int) << "the lock is still held";
 }
 
+TEST(SinkSlot, WhatASinkThrowsThatIsOnlyToldEndsNothing) {
+    Slot slot;
+    EXPECT_FALSE(slot.Tell(1, "nobody listens"));
+    int lines = 0;
+    slot.Set([&lines](int, const std::string&) {
+        ++lines;
+        throw 3;
+    });
+    EXPECT_TRUE(slot.Tell(1, ""));
+    EXPECT_TRUE(slot.Tell(1, "")) << "the lock is still held";
+    EXPECT_EQ(lines, 2);
+}
+
 TEST(SinkSlot, IsReplacedWhileOtherThreadsCallIt) {
     Slot slot;
     std::atomic<int> calls = 0;

@@ -29,12 +29,9 @@ void SetIpcTrace(std::function<void(IpcTraceEvent event, const TagIPCMessageItem
 namespace ipc_client {
 
 void Log(int level, const std::string& line) noexcept {
-    try {
-        if (!LogSlot().Call(level, line)) std::fprintf(stderr, "ipc_client: %s\n", line.c_str());
-    } catch (...) {
-    }
+    if (!LogSlot().Tell(level, line)) std::fprintf(stderr, "ipc_client: %s\n", line.c_str());
 }
 
-void Trace(IpcTraceEvent event, const TagIPCMessageItem& item) { TraceSlot().Call(event, item); }
+void Trace(IpcTraceEvent event, const TagIPCMessageItem& item) noexcept { TraceSlot().Tell(event, item); }
 
 }  // namespace ipc_client

@@ -14,7 +14,7 @@ void Log(int level, const std::string& line) noexcept;
 // For lines that would repeat without end: whether the count-th of them is to be written (1, 2, 4, 8, ...).
 constexpr bool IsWorthALine(std::size_t count) { return (count & (count - 1)) == 0; }
 
-// Shows one message to the trace, if there is one. Any thread.
-void Trace(IpcTraceEvent event, const TagIPCMessageItem& item);
+// Shows one message to the trace, if there is one. Any thread; never throws.
+void Trace(IpcTraceEvent event, const TagIPCMessageItem& item) noexcept;
 
 }  // namespace ipc_client

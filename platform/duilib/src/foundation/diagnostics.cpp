@@ -21,8 +21,8 @@ auto& Sink() {
 
 void SetDiagnosticSink(DiagnosticSink sink) { Sink().Set(std::move(sink)); }
 
-void Report(const std::string& line) {
-    if (!Sink().Call(line)) std::fprintf(stderr, "%s\n", line.c_str());
+void Report(const std::string& line) noexcept {
+    if (!Sink().Tell(line)) std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 #if !defined(NDEBUG)

@@ -9,8 +9,8 @@ namespace DuiLib {
 
 // What the toolkit says of those who use it: what is wrong with their files, and with their calls.
 
-// Gives a line to the sink of duilib/diagnostics.h.
-void Report(const std::string& line);
+// Gives a line to the sink of duilib/diagnostics.h; what that throws is lost.
+void Report(const std::string& line) noexcept;
 
 // Stands first in an operation that its caller must hold the UI turn for. A build for debugging ends the program where
 // the thread does not, and names the operation; others do nothing here. Clang takes the turn for held from here on.

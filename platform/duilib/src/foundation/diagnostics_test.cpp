@@ -17,6 +17,18 @@ TEST(Diagnostics, LinesGoToStandardErrorUntilASinkIsSet) {
     EXPECT_EQ(heard, "x.xml:1: to the sink");
 }
 
+TEST_F(ToolkitTest, WhatADiagnosticSinkThrowsEndsNothing) {
+    int lines = 0;
+    SetDiagnosticSink([&lines](const std::string&) {
+        ++lines;
+        throw std::runtime_error("the disk is full");
+    });
+    CDialogBuilder builder;
+    EXPECT_EQ(builder.Create(L"missing.xml"), nullptr);
+    EXPECT_FALSE(builder.GetError().IsEmpty());
+    EXPECT_EQ(lines, 1);
+}
+
 // ---- Calls without the UI turn
 
 #if !defined(NDEBUG)

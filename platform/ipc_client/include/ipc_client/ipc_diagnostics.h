@@ -24,7 +24,8 @@ enum class IpcTraceEvent {
 };
 
 // Shows every message of this process's clients to `trace` from now on, on the thread that posts or delivers it; an
-// empty one ends that. The item lives during the call. It must not call the library. For diagnostics.
+// empty one ends that. The item lives during the call. It must not call the library. What it throws is ignored. For
+// diagnostics.
 IPC_CLIENT_API void SetIpcTrace(std::function<void(IpcTraceEvent event, const TagIPCMessageItem& item)> trace);
 
 // Whether this process's connection to that pipe is open: a broker is there and the handshake is done. False also when

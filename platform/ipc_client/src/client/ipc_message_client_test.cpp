@@ -8,6 +8,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <thread>
 
 #include "ipc/pipe_test.h"
@@ -127,6 +128,20 @@ TEST_F(ListeningPageTest, TheLargestPayloadArrivesAndALargerOneIsRefused) {
     ASSERT_EQ(received.size(), 1u);
     EXPECT_EQ(received[0].data, std::string(ipc_client::kMaxDataBytes, 'x'));
     EXPECT_TRUE(received[0].zeroBehindData);
+}
+
+TEST_F(ListeningPageTest, WhatATraceThrowsKeepsNoMessageFromBeingPostedAndDelivered) {
+    std::atomic<int> shown = 0;
+    struct TraceUntilEnd {
+        ~TraceUntilEnd() { SetIpcTrace(nullptr); }
+    } const untilEnd;
+    SetIpcTrace([&shown](IpcTraceEvent, const TagIPCMessageItem&) {
+        ++shown;
+        throw std::runtime_error("the disk is full");
+    });
+    EXPECT_TRUE(Post(*page, kPage, kList, "news"));
+    EXPECT_THAT(inbox.WaitForData(1), ElementsAre("news"));
+    EXPECT_EQ(shown, 2) << "posted, delivered";
 }
 
 TEST_F(IpcMessageClientTest, AMessageWithoutTheDataItAnnouncesIsRefused) {
