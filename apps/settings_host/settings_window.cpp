@@ -252,52 +252,65 @@ namespace {
 
 constexpr int kBarCells = 20;
 
-// The first control below `control`, itself included, that is the one; null when there is none.
-template <class Predicate>
-CControlUI* FirstBelow(CControlUI* control, const Predicate& isTheOne) {
-    if (isTheOne(*control)) return control;
-    auto* const container = dynamic_cast<CContainerUI*>(control);
-    for (int i = 0; container != nullptr && i < container->GetCount(); ++i) {
-        if (CControlUI* const found = FirstBelow(container->GetItemAt(i), isTheOne)) return found;
+// The labels of a row in the order of its tree.
+enum RowLabel : std::size_t { kPicture, kName, kVersion, kInformation };
+
+// What is shown below a control, by roles, in the order of the tree.
+struct ShownParts {
+    std::vector<CControlUI*> labels;
+    CControlUI* button = nullptr;           // the first
+    CContainerUI* progressGroup = nullptr;  // what holds a control with the role of progress; its labels stay its own
+
+    std::string Text(std::size_t label) const {
+        return label < labels.size() ? base::Utf8FromWide(labels[label]->GetText()) : std::string();
+    }
+};
+
+CControlUI* FindProgress(CContainerUI& container) {
+    for (int i = 0; i < container.GetCount(); ++i) {
+        if (container.GetItemAt(i)->GetRole() == ControlRole::kProgress) return container.GetItemAt(i);
     }
     return nullptr;
 }
 
-CControlUI* FindBelow(CControlUI* control, std::wstring_view nameEnd) {
-    return FirstBelow(control, [nameEnd](const CControlUI& at) { return at.GetName().Str().ends_with(nameEnd); });
+// Adds the control and what is shown below it, but nothing of `except`.
+void AddShown(ShownParts& parts, CControlUI* control, const CControlUI* except = nullptr) {
+    if (control == except || !control->IsVisible()) return;
+    if (control->GetRole() == ControlRole::kLabel) parts.labels.push_back(control);
+    if (control->GetRole() == ControlRole::kButton && parts.button == nullptr) parts.button = control;
+    auto* const container = dynamic_cast<CContainerUI*>(control);
+    if (container == nullptr) return;
+    if (FindProgress(*container) != nullptr) {
+        parts.progressGroup = container;
+        return;
+    }
+    for (int i = 0; i < container->GetCount(); ++i) AddShown(parts, container->GetItemAt(i), except);
 }
 
-CControlUI* FindBelow(CControlUI* control, ControlRole role) {
-    return FirstBelow(control, [role](const CControlUI& at) { return at.GetRole() == role; });
-}
-
-std::string TextOf(CControlUI* control) {
-    return control == nullptr ? std::string() : base::Utf8FromWide(control->GetText());
-}
-
-bool Shown(CControlUI* control) { return control != nullptr && IsShown(control); }
-
-std::string WithToolTip(CControlUI* control) {
-    if (!Shown(control) || control->GetToolTip().IsEmpty()) return {};
+std::string ToolTipOf(CControlUI* control) {
+    if (control == nullptr || control->GetToolTip().IsEmpty()) return {};
     return "  (tip: " + base::Utf8FromWide(control->GetToolTip()) + ")";
 }
 
-std::string Bar(CControlUI* control) {
-    const ControlProgress progress = control == nullptr ? ControlProgress{} : control->GetProgress();
+std::string Bar(const ControlProgress& progress) {
     const int done = progress.whole == 0 ? 0 : kBarCells * progress.done / progress.whole;
     return "[" + std::string(static_cast<std::size_t>(done), '#') +
            std::string(static_cast<std::size_t>(kBarCells - done), '.') + "]";
 }
 
-std::string UpdateText(CControlUI* row) {
-    if (CControlUI* const button = FindBelow(row, L"updateBtn"); Shown(button)) {
-        return "<" + TextOf(button) + ">" + WithToolTip(button);
-    }
-    CControlUI* const progress = FindBelow(row, L"progress");
-    if (!Shown(progress)) return {};
-    CControlUI* const label = FindBelow(row, L"progressLabel");
-    const std::string bar = Shown(label) ? Bar(FindBelow(row, ControlRole::kProgress)) + " " : std::string();
-    return bar + TextOf(progress) + WithToolTip(FindBelow(row, L"stopBtn"));
+// Two labels: the first is the frame of a bar that says something.
+std::string ProgressText(CContainerUI& group) {
+    ShownParts parts;
+    for (int i = 0; i < group.GetCount(); ++i) AddShown(parts, group.GetItemAt(i));
+    if (parts.labels.empty()) return {};
+    const std::string bar = parts.labels.size() > 1 ? Bar(FindProgress(group)->GetProgress()) + " " : std::string();
+    return bar + parts.Text(parts.labels.size() - 1) + ToolTipOf(parts.button);
+}
+
+std::string UpdateText(const ShownParts& row) {
+    if (row.progressGroup != nullptr) return ProgressText(*row.progressGroup);
+    if (row.button == nullptr) return {};
+    return "<" + base::Utf8FromWide(row.button->GetText()) + ">" + ToolTipOf(row.button);
 }
 
 std::string Indented(const std::string& text) {
@@ -311,26 +324,28 @@ std::string Indented(const std::string& text) {
     return lines;
 }
 
-std::string RowText(CControlUI* row) {
-    if (!Shown(FindBelow(row, L"hor"))) return {};
-    std::string text = "    " + TextOf(FindBelow(row, L"desName")) + " | " + TextOf(FindBelow(row, L"version")) +
-                       " | " + UpdateText(row) + "\n";
-    if (CControlUI* const information = FindBelow(row, L"devInfo"); Shown(information)) {
-        text += Indented(TextOf(information));
-    }
+// Nothing of what lies between rows, nor of a row that has gone.
+std::string RowText(CControlUI* item) {
+    ShownParts row;
+    if (item->GetRole() == ControlRole::kContainer) AddShown(row, item);
+    if (row.labels.empty()) return {};
+    std::string text = "    " + row.Text(kName) + " | " + row.Text(kVersion) + " | " + UpdateText(row) + "\n";
+    for (std::size_t i = kInformation; i < row.labels.size(); ++i) text += Indented(row.Text(i));
     return text;
 }
 
 }  // namespace
 
+// What the module itself looks for by name is the list.
 std::string SettingsWindow::PageText() {
-    std::string text;
-    for (const wchar_t* const heading : {L"DeviceUpdateTitle", L"topName"}) {
-        CControlUI* const control = Find(heading);
-        if (Shown(control)) text += "  " + TextOf(control) + "\n";
-    }
+    if (!IsShown(m_page)) return {};
     auto* const list = dynamic_cast<CContainerUI*>(Find(L"accessVer"));
-    for (int i = 0; list != nullptr && i < list->GetCount(); ++i) text += RowText(list->GetItemAt(i));
+    ShownParts headings;
+    AddShown(headings, m_page, list);
+    std::string text;
+    for (std::size_t i = 0; i < headings.labels.size(); ++i) text += "  " + headings.Text(i) + "\n";
+    if (list == nullptr || !IsShown(list)) return text;
+    for (int i = 0; i < list->GetCount(); ++i) text += RowText(list->GetItemAt(i));
     return text;
 }
 
