@@ -115,8 +115,8 @@ struct ChildOutput::State {
     std::atomic<bool> stop = false;
     Mutex mutex;
     Condition changed;
-    std::string text GUARDED_BY(mutex);
-    bool ended GUARDED_BY(mutex) = false;
+    std::string text BASE_GUARDED_BY(mutex);
+    bool ended BASE_GUARDED_BY(mutex) = false;
     std::thread reader;  // last: it uses the rest
 };
 

@@ -11,7 +11,7 @@ namespace {
 struct Counter {
     Mutex mutex;
     Condition changed;
-    int value GUARDED_BY(mutex) = 0;
+    int value BASE_GUARDED_BY(mutex) = 0;
 
     void Add() {
         const MutexLock lock(mutex);

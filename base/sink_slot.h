@@ -56,7 +56,7 @@ private:
 
     std::atomic<bool> m_isSet{false};  // spares the lock while nobody listens
     mutable Mutex m_mutex;
-    std::shared_ptr<const Sink> m_sink GUARDED_BY(m_mutex);
+    std::shared_ptr<const Sink> m_sink BASE_GUARDED_BY(m_mutex);
 };
 
 }  // namespace base

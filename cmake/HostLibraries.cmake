@@ -1,6 +1,7 @@
 # The platform libraries as a host ships them: imported targets under the names of the platform/ folders, made from
-# ${BRINDLE_HOST_LIBRARIES}/include/NAME/ and an import library in ${BRINDLE_HOST_LIBRARIES}/lib. On Windows the services of
-# the kernel library are the system's own (plugin/host_kernel), so the folder need not have it.
+# ${BRINDLE_HOST_LIBRARIES}/include/NAME/ and an import library in ${BRINDLE_HOST_LIBRARIES}/lib. NAME/export.h is made where the
+# headers come without it, as those of platform/ do. On Windows the services of the kernel library are the system's own
+# (plugin/host_kernel), so the folder need not have it.
 set(host_library_names duilib ipc_client qx_logger qx_data_report accessory_update_config)
 if(NOT WIN32)
   list(APPEND host_library_names kernel)
@@ -39,6 +40,9 @@ function(add_host_library name)
     set(linked IMPORTED_IMPLIB)
   endif()
   set_target_properties(${name} PROPERTIES INTERFACE_INCLUDE_DIRECTORIES ${headers} ${linked} ${file})
+  if(NOT EXISTS ${headers}/${name}/export.h)
+    add_export_header(${name})
+  endif()
 endfunction()
 
 cmake_path(ABSOLUTE_PATH BRINDLE_HOST_LIBRARIES BASE_DIRECTORY ${PROJECT_SOURCE_DIR} NORMALIZE)

@@ -1,11 +1,22 @@
+include(GenerateExportHeader)
+
+# add_export_header(NAME)
+# Makes include/NAME/export.h in the current build folder: NAME_API marks what that library exports, which is nothing if it is
+# a static one. NAME_BUILD tells its own sources from others.
+function(add_export_header name)
+  string(TOUPPER ${name} upper)
+  set_target_properties(${name} PROPERTIES DEFINE_SYMBOL ${upper}_BUILD)
+  generate_export_header(${name} EXPORT_MACRO_NAME ${upper}_API EXPORT_FILE_NAME include/${name}/export.h)
+  target_include_directories(${name} INTERFACE ${CMAKE_CURRENT_BINARY_DIR}/include)
+endfunction()
+
 # add_platform_library(NAME SOURCES... [LIBS...] [PUBLIC_LIBS...])
 # A shared library whose public headers stand in include/NAME and whose exports are marked NAME_API.
 function(add_platform_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS;PUBLIC_LIBS" ${ARGN})
-  string(TOUPPER ${name} upper)
   add_library(${name} SHARED ${ARG_SOURCES})
-  set_target_properties(${name} PROPERTIES DEFINE_SYMBOL ${upper}_BUILD)
-  target_include_directories(${name} PUBLIC include PRIVATE src)
+  add_export_header(${name})
+  target_include_directories(${name} PUBLIC include PRIVATE src ${CMAKE_CURRENT_BINARY_DIR}/include)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC_LIBS} PRIVATE project_warnings ${ARG_LIBS})
 endfunction()
 

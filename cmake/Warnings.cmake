@@ -6,7 +6,7 @@ if(MSVC)
 else()
   target_compile_options(project_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
-    $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>  # what base/thread_annotations.h says of locks
+    $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>  # what base/mutex.h says of locks
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>  # GCC 12 sees overlapping copies in std::string's operator+ that are not there
     $<$<BOOL:${BRINDLE_WARNINGS_AS_ERRORS}>:-Werror>)
 endif()

@@ -32,7 +32,7 @@ constexpr std::chrono::seconds kListPatience{10};
 constexpr std::chrono::seconds kNewsPatience{5};
 
 base::Mutex programMutex;
-HostProgram* program GUARDED_BY(programMutex) = nullptr;  // the running one, for signals
+HostProgram* program BASE_GUARDED_BY(programMutex) = nullptr;  // the running one, for signals
 std::atomic<bool> stopAsked{false};
 
 std::vector<std::string> Lines(const std::string& text) {

@@ -51,7 +51,7 @@ private:
 
     const CommandLine m_commandLine;
     base::Mutex m_wakeMutex;
-    DuiLib::CWindowWnd* m_awaiting GUARDED_BY(m_wakeMutex) = nullptr;  // who is woken by news
+    DuiLib::CWindowWnd* m_awaiting BASE_GUARDED_BY(m_wakeMutex) = nullptr;  // who is woken by news
     const PageModule m_module;
     SleepInhibitor m_inhibitor;
     HostChannel m_channel;

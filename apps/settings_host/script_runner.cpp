@@ -42,7 +42,7 @@ public:
 private:
     base::Mutex m_mutex;
     base::Condition m_changed;
-    unsigned m_percent GUARDED_BY(m_mutex) = 100;
+    unsigned m_percent BASE_GUARDED_BY(m_mutex) = 100;
 };
 
 // Never destroyed: page code may wait while the process exits.

@@ -118,8 +118,8 @@ private:
     void SendProgress(Device& device, int percent, const std::stop_token& stop);
 
     bool AnswerStart(Device& device);  // where it stands; false for one that is to be started
-    void SetPhase(Device& device, Phase phase) REQUIRES(m_mutex);
-    void Fail(Device& device, const std::string& reason) REQUIRES(m_mutex);
+    void SetPhase(Device& device, Phase phase) BASE_REQUIRES(m_mutex);
+    void Fail(Device& device, const std::string& reason) BASE_REQUIRES(m_mutex);
 
     std::string FromWhere(const Device& device) const;
     void WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) const;

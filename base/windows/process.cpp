@@ -18,7 +18,7 @@ namespace {
 struct Asked {
     Mutex mutex;
     Condition came;
-    const char* name GUARDED_BY(mutex) = nullptr;  // null: not yet
+    const char* name BASE_GUARDED_BY(mutex) = nullptr;  // null: not yet
 };
 
 // Never destroyed: the system asks on a thread of its own, also while the process ends.

@@ -44,13 +44,13 @@ Seam& Get() {
     return instance;
 }
 
-bool DeliverTo(Seam& seam, int msgId, const std::string& payload, int endpointId) {
-    std::vector<const void*> clients;
-    for (const Callback& callback : seam.callbacks[msgId]) {
-        if (callback.endpointId == endpointId) clients.push_back(callback.client);
+bool Seam::Deliver(int msgId, const std::string& payload, int endpointId) {
+    std::vector<const void*> receivers;
+    for (const Callback& callback : callbacks[msgId]) {
+        if (callback.endpointId == endpointId) receivers.push_back(callback.client);
     }
     bool delivered = false;
-    for (const void* const client : clients) delivered = Call(seam, client, msgId, payload, endpointId) || delivered;
+    for (const void* const client : receivers) delivered = Call(*this, client, msgId, payload, endpointId) || delivered;
     return delivered;
 }
 

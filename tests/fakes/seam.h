@@ -75,21 +75,6 @@ struct Seam {
     bool Deliver(int msgId, const std::string& payload, int endpointId = 0x270000);
 };
 
-#if defined(_WIN32)
-#if defined(SEAM_BUILD)
-#define SEAM_API __declspec(dllexport)
-#else
-#define SEAM_API __declspec(dllimport)
-#endif
-#else
-#define SEAM_API __attribute__((visibility("default")))
-#endif
-
-SEAM_API Seam& Get();
-SEAM_API bool DeliverTo(Seam& seam, int msgId, const std::string& payload, int endpointId);
-
-inline bool Seam::Deliver(int msgId, const std::string& payload, int endpointId) {
-    return DeliverTo(*this, msgId, payload, endpointId);
-}
+Seam& Get();
 
 }  // namespace seam

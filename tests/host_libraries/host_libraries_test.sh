@@ -24,6 +24,8 @@ for name in $libraries; do
   [ -z "$toolchain" ] || library=$build/platform/$name/lib$name.dll.a
   cp "$library" "$host/lib/"
 done
+# The build makes what marks imports, but for headers that bring it.
+cp "$build/platform/qx_logger/include/qx_logger/export.h" "$host/include/qx_logger/"
 
 # configure FOLDER: into a build folder of its own; all that is said goes to FOLDER.log.
 configure() {
@@ -69,6 +71,13 @@ if [ -n "$toolchain" ]; then
 else
   "$source/tests/exports/linux/exports_test.sh" "$module"
 fi
+
+made=$(cd "$folder/build/include" && echo */export.h)
+case $made in
+  *qx_logger*) echo "a header that the host has was made again: $made"; exit 1 ;;
+  *duilib*) ;;
+  *) echo "the headers that the host lacks were not made"; exit 1 ;;
+esac
 
 for name in $libraries kernel; do
   others=$(find "$folder/build" -name "$name.dll" -o -name "lib$name.so" -o -name '*.exe' | grep -v CMakeFiles || true)

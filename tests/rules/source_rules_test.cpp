@@ -48,6 +48,20 @@ TEST(SourceRules, AnIncludeByAPathThatGoesUpIsFound) {
                 ElementsAre("shop/door.h: includes by a path that goes up: ../ground/text.h"));
 }
 
+TEST(SourceRules, TheExportHeaderThatTheBuildMakesIsForTheLibrarysPublicHeaders) {
+    const RoomTable rooms = RoomTable::FromMarkdown(
+        {"| room | what it is | may include |", "| --- | --- | --- |", "| `platform` | libraries | nothing |"});
+    const std::vector<std::string> includes = {"#include \"shop/export.h\""};
+    EXPECT_THAT(CheckIncludes({{"platform/shop/include/shop/door.h", includes},
+                               {"platform/shop/src/door.cpp", includes},
+                               {"platform/ground/include/ground/text.h", includes}},
+                              rooms),
+                ElementsAre("platform/ground/include/ground/text.h: includes a file that the project does not have: "
+                            "shop/export.h",
+                            "platform/shop/src/door.cpp: includes a file that the project does not have: "
+                            "shop/export.h"));
+}
+
 TEST(SourceRules, AFileOfTheSameFolderComesBeforeOneOfTheSameNameElsewhere) {
     const SourceTree sources = {
         {"ground/text.h", {}}, {"shop/text.h", {}}, {"ground/text.cpp", {"#include \"text.h\""}}};
@@ -62,7 +76,6 @@ TEST(SourceRules, QuestionsForTheSystemAreForItsFoldersAndForTestsOnly) {
         {"ground/linux/text.cpp", asks},
         {"ground/text_test.cpp", asks},
         {"ground/linux/text.h", asks},
-        {"platform/duilib/include/duilib/export.h", asks},
     };
     EXPECT_THAT(CheckSystems(sources),
                 ElementsAre("ground/door.cpp: asks for the system", "ground/linux/text.h: asks for the system",

@@ -72,7 +72,7 @@ Companions ReadCompanions(const std::filesystem::path& file) {
 
 struct Configuration {
     base::Mutex mutex;
-    Companions companions GUARDED_BY(mutex);
+    Companions companions BASE_GUARDED_BY(mutex);
 };
 
 // Never destroyed: a click may still ask while the process exits.

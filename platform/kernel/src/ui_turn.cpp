@@ -52,10 +52,10 @@ private:
     };
 
     base::Mutex m_mutex;
-    bool m_held GUARDED_BY(m_mutex) = false;
-    Waiter* m_first GUARDED_BY(m_mutex) = nullptr;  // has waited longest
-    Waiter* m_last GUARDED_BY(m_mutex) = nullptr;
-    std::size_t m_waiting GUARDED_BY(m_mutex) = 0;
+    bool m_held BASE_GUARDED_BY(m_mutex) = false;
+    Waiter* m_first BASE_GUARDED_BY(m_mutex) = nullptr;  // has waited longest
+    Waiter* m_last BASE_GUARDED_BY(m_mutex) = nullptr;
+    std::size_t m_waiting BASE_GUARDED_BY(m_mutex) = 0;
 };
 
 // Never destroyed: delivery threads may still ask for the turn while the process exits.

@@ -63,8 +63,8 @@ const std::vector<std::pair<std::string, std::string>>& QxDataEvent::Fields() co
 
 struct QxDataReport::State {
     base::Mutex mutex;
-    int application GUARDED_BY(mutex) = 0;
-    std::filesystem::path file GUARDED_BY(mutex);
+    int application BASE_GUARDED_BY(mutex) = 0;
+    std::filesystem::path file BASE_GUARDED_BY(mutex);
 };
 
 QxDataReport::QxDataReport() : m_state(new State) {}

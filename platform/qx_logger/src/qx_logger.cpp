@@ -62,7 +62,7 @@ std::string Line(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
 
 struct QxLogger::State {
     base::Mutex mutex;  // keeps lines apart
-    std::unique_ptr<spdlog::logger> backEnd GUARDED_BY(mutex) = MakeBackEnd({std::make_shared<ConsoleSink>()});
+    std::unique_ptr<spdlog::logger> backEnd BASE_GUARDED_BY(mutex) = MakeBackEnd({std::make_shared<ConsoleSink>()});
 };
 
 QxLogger::QxLogger() : m_state(new State) {}

@@ -6,6 +6,7 @@
 
 #include "base/sink_slot.h"
 #include "foundation/diagnostics.h"
+#include "kernel/ui_turn.h"
 
 namespace DuiLib {
 

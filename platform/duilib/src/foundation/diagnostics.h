@@ -3,7 +3,7 @@
 #include <source_location>
 #include <string>
 
-#include "kernel/ui_turn.h"
+#include "base/mutex.h"
 
 namespace DuiLib {
 
@@ -12,12 +12,17 @@ namespace DuiLib {
 // Gives a line to the sink of duilib/diagnostics.h; what that throws is lost.
 void Report(const std::string& line) noexcept;
 
+// The UI turn as Clang's analysis names it: what is guarded by it is only used behind AssertUiTurn. Nothing at run
+// time.
+class BASE_CAPABILITY("UI turn") UiTurnCapability {};
+inline constexpr UiTurnCapability kUiTurn;
+
 // Stands first in an operation that its caller must hold the UI turn for. A build for debugging ends the program where
 // the thread does not, and names the operation; others do nothing here. Clang takes the turn for held from here on.
 #if defined(NDEBUG)
-inline void AssertUiTurn() ASSERT_CAPABILITY(kernel::kUiTurn) {}
+inline void AssertUiTurn() BASE_ASSERT_CAPABILITY(kUiTurn) {}
 #else
-void AssertUiTurn(std::source_location operation = std::source_location::current()) ASSERT_CAPABILITY(kernel::kUiTurn);
+void AssertUiTurn(std::source_location operation = std::source_location::current()) BASE_ASSERT_CAPABILITY(kUiTurn);
 #endif
 
 }  // namespace DuiLib

@@ -1,6 +1,7 @@
 #include "duilib/diagnostics.h"
 
 #include "foundation/diagnostics.h"
+#include "kernel/ui_turn.h"
 #include "support/toolkit/toolkit_test.h"
 
 namespace DuiLib {

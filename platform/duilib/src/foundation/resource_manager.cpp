@@ -24,12 +24,12 @@ std::filesystem::path ProgramFolder() {
 }  // namespace
 
 struct CResourceManager::State {
-    unsigned scale GUARDED_BY(kernel::kUiTurn) = 100;
-    std::filesystem::path base GUARDED_BY(kernel::kUiTurn) = ProgramFolder();
-    std::filesystem::path skin GUARDED_BY(kernel::kUiTurn) = base.parent_path() / "res";
-    std::filesystem::path fallbackPicture GUARDED_BY(kernel::kUiTurn);
-    FontDescription defaultFont GUARDED_BY(kernel::kUiTurn);
-    std::map<int, FontDescription> fonts GUARDED_BY(kernel::kUiTurn);
+    unsigned scale BASE_GUARDED_BY(kUiTurn) = 100;
+    std::filesystem::path base BASE_GUARDED_BY(kUiTurn) = ProgramFolder();
+    std::filesystem::path skin BASE_GUARDED_BY(kUiTurn) = base.parent_path() / "res";
+    std::filesystem::path fallbackPicture BASE_GUARDED_BY(kUiTurn);
+    FontDescription defaultFont BASE_GUARDED_BY(kUiTurn);
+    std::map<int, FontDescription> fonts BASE_GUARDED_BY(kUiTurn);
 };
 
 namespace {

@@ -26,11 +26,11 @@ using Texts = std::unordered_map<std::wstring, CDuiString, Hash, std::equal_to<>
 }  // namespace
 
 struct UICulture::State {
-    std::string language GUARDED_BY(kernel::kUiTurn);
-    std::wstring percentPattern GUARDED_BY(kernel::kUiTurn){kPlainPercent};
-    std::wstring digits GUARDED_BY(kernel::kUiTurn){kPlainDigits};  // 0 to 9 in order
-    bool rightToLeft GUARDED_BY(kernel::kUiTurn) = false;
-    Texts texts GUARDED_BY(kernel::kUiTurn);
+    std::string language BASE_GUARDED_BY(kUiTurn);
+    std::wstring percentPattern BASE_GUARDED_BY(kUiTurn){kPlainPercent};
+    std::wstring digits BASE_GUARDED_BY(kUiTurn){kPlainDigits};  // 0 to 9 in order
+    bool rightToLeft BASE_GUARDED_BY(kUiTurn) = false;
+    Texts texts BASE_GUARDED_BY(kUiTurn);
 };
 
 UICulture::UICulture() : m_state(std::make_unique<State>()) {}

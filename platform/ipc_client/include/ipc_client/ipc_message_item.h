@@ -21,9 +21,7 @@ struct TagIPCMessageItem {
     std::int32_t headerWord4 = 0;   // 0 on post
 };
 
-// The standard libraries whose strings have 32 bytes; those of MSVC's debug library have more.
-#if defined(__GLIBCXX__) && (defined(__LP64__) || defined(_WIN64)) || \
-    defined(_MSC_VER) && defined(_WIN64) && _ITERATOR_DEBUG_LEVEL == 0
+#if !defined(_ITERATOR_DEBUG_LEVEL) || _ITERATOR_DEBUG_LEVEL == 0  // a debug library's strings are longer than 32 bytes
 static_assert(sizeof(std::string) == 32);
 static_assert(sizeof(TagIPCMessageItem) == 80);
 static_assert(offsetof(TagIPCMessageItem, text) == 0);

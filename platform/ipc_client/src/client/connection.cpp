@@ -177,7 +177,7 @@ namespace {
 
 struct Registry {
     base::Mutex mutex;
-    std::unordered_map<std::string, std::weak_ptr<Connection>> connections GUARDED_BY(mutex);  // by path
+    std::unordered_map<std::string, std::weak_ptr<Connection>> connections BASE_GUARDED_BY(mutex);  // by path
 };
 
 // Never destroyed: clients may live until the process ends.
@@ -188,7 +188,7 @@ Registry& TheRegistry() {
 
 struct ChangeSink {
     base::Mutex mutex;
-    std::function<void()> changed GUARDED_BY(mutex);
+    std::function<void()> changed BASE_GUARDED_BY(mutex);
 };
 
 ChangeSink& TheSink() {

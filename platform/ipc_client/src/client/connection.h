@@ -108,13 +108,13 @@ private:
     std::shared_ptr<PipeChannel> m_channel;
 
     base::Mutex m_routesMutex;  // taken before m_stateMutex where both are
-    std::unordered_map<Route, std::vector<Receiver*>> m_receivers GUARDED_BY(m_routesMutex);  // no list is empty
+    std::unordered_map<Route, std::vector<Receiver*>> m_receivers BASE_GUARDED_BY(m_routesMutex);  // no list is empty
 
     mutable base::Mutex m_stateMutex;
     base::Condition m_phaseChanged;
-    Phase m_phase GUARDED_BY(m_stateMutex) = Phase::kConnecting;
-    std::shared_ptr<PipeChannel> m_open GUARDED_BY(m_stateMutex);  // null while the phase is not kOpen
-    std::string m_unsent GUARDED_BY(m_stateMutex);                 // message frames posted while the phase is not kOpen
+    Phase m_phase BASE_GUARDED_BY(m_stateMutex) = Phase::kConnecting;
+    std::shared_ptr<PipeChannel> m_open BASE_GUARDED_BY(m_stateMutex);  // null while the phase is not kOpen
+    std::string m_unsent BASE_GUARDED_BY(m_stateMutex);  // message frames posted while the phase is not kOpen
 
     std::thread m_thread;  // last: everything it uses is there before it starts
 };

@@ -24,7 +24,7 @@ public:
         : endpointId(endpoint), receives(mayReceive), connection(std::move(shared)) {}
 
     // Makes the receiver for the first callback; false, with a log line, when its thread cannot be started.
-    bool EnsureReceiver() REQUIRES(registration) {
+    bool EnsureReceiver() BASE_REQUIRES(registration) {
         if (receiver) return true;
         try {
             receiver = std::make_unique<Receiver>(endpointId);
@@ -38,8 +38,8 @@ public:
     const int endpointId;
     const bool receives;
     const std::shared_ptr<Connection> connection;
-    base::Mutex registration;                                     // keeps callbacks and the connection's routes in step
-    std::unique_ptr<Receiver> receiver GUARDED_BY(registration);  // set once
+    base::Mutex registration;  // keeps callbacks and the connection's routes in step
+    std::unique_ptr<Receiver> receiver BASE_GUARDED_BY(registration);  // set once
 };
 
 namespace {

@@ -70,14 +70,14 @@ private:
     base::Mutex m_mutex;  // never held while the UI turn is waited for
     base::Condition m_arrived;
     base::Condition m_callEnded;
-    std::unordered_map<int, Held> m_callbacks GUARDED_BY(m_mutex);
-    std::deque<Message> m_messages GUARDED_BY(m_mutex);
-    std::size_t m_bytes GUARDED_BY(m_mutex) = 0;  // what m_messages cost
-    std::size_t m_dropped GUARDED_BY(m_mutex) = 0;
-    bool m_calling GUARDED_BY(m_mutex) = false;     // a callback runs,
-    int m_calledMsgId GUARDED_BY(m_mutex) = 0;      // for this id,
-    unsigned m_callNumber GUARDED_BY(m_mutex) = 0;  // and is this one
-    bool m_stopping GUARDED_BY(m_mutex) = false;
+    std::unordered_map<int, Held> m_callbacks BASE_GUARDED_BY(m_mutex);
+    std::deque<Message> m_messages BASE_GUARDED_BY(m_mutex);
+    std::size_t m_bytes BASE_GUARDED_BY(m_mutex) = 0;  // what m_messages cost
+    std::size_t m_dropped BASE_GUARDED_BY(m_mutex) = 0;
+    bool m_calling BASE_GUARDED_BY(m_mutex) = false;     // a callback runs,
+    int m_calledMsgId BASE_GUARDED_BY(m_mutex) = 0;      // for this id,
+    unsigned m_callNumber BASE_GUARDED_BY(m_mutex) = 0;  // and is this one
+    bool m_stopping BASE_GUARDED_BY(m_mutex) = false;
     std::thread m_thread;  // last: everything it uses is there before it starts
 };
 

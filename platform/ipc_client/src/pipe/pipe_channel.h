@@ -74,10 +74,10 @@ private:
 
     mutable base::Mutex m_mutex;  // also keeps m_socket from being closed during a write
     base::Condition m_written;
-    OutQueue m_out GUARDED_BY(m_mutex);
-    bool m_writing GUARDED_BY(m_mutex) = false;  // an asynchronous write is under way or about to be
-    bool m_writable GUARDED_BY(m_mutex) = true;  // no write has failed
-    std::atomic<bool> m_closed{false};           // set on the I/O thread, with the mutex held
+    OutQueue m_out BASE_GUARDED_BY(m_mutex);
+    bool m_writing BASE_GUARDED_BY(m_mutex) = false;  // an asynchronous write is under way or about to be
+    bool m_writable BASE_GUARDED_BY(m_mutex) = true;  // no write has failed
+    std::atomic<bool> m_closed{false};                // set on the I/O thread, with the mutex held
 };
 
 // Runs the I/O thread's work until the context is stopped. An exception (no memory left, say) costs the one handler

@@ -2,15 +2,9 @@
 
 #include <cstddef>
 
-#include "base/thread_annotations.h"
 #include "kernel/export.h"
 
 namespace kernel {
-
-// The turn as a compiler's thread-safety analysis names it: what is GUARDED_BY(kUiTurn) is only used under the turn.
-// Nothing at run time.
-class CAPABILITY("UI turn") UiTurnCapability {};
-inline constexpr UiTurnCapability kUiTurn;
 
 // The UI turn: one process-wide recursive lock that whoever touches page code or toolkit controls holds.
 //
@@ -25,11 +19,11 @@ inline constexpr UiTurnCapability kUiTurn;
 //         kernel::UiTurnPause pause;  // the turn is free, at whatever depth it was held
 //         WaitForSomething();
 //     }                             // held again, at the same depth
-class SCOPED_CAPABILITY KERNEL_API UiTurn {
+class KERNEL_API UiTurn {
 public:
     // Waits until the turn is free, or goes one level deeper when this thread holds it.
-    UiTurn() ACQUIRE(kUiTurn);
-    ~UiTurn() RELEASE();
+    UiTurn();
+    ~UiTurn();
     UiTurn(const UiTurn&) = delete;
     UiTurn& operator=(const UiTurn&) = delete;
 
@@ -41,7 +35,7 @@ public:
 };
 
 // Gives up the turn for its own lifetime and takes it again, as deep as before. Does nothing on a thread that does not
-// hold the turn, which is why no analysis follows it.
+// hold the turn.
 class KERNEL_API UiTurnPause {
 public:
     UiTurnPause();

@@ -205,7 +205,7 @@ unsigned Resolved(unsigned codePage) { return codePage == kCodePageAnsi ? g_ansi
 const BytePage* FindBytePage(unsigned codePage) {
     struct Pages {
         base::Mutex mutex;
-        std::map<unsigned, std::unique_ptr<const BytePage>> built GUARDED_BY(mutex);
+        std::map<unsigned, std::unique_ptr<const BytePage>> built BASE_GUARDED_BY(mutex);
     };
     static Pages& pages = *new Pages;
     const base::MutexLock lock(pages.mutex);
