@@ -94,6 +94,13 @@ Waits ReadWaits(Arguments& arguments) {
     return {percent};
 }
 
+Close ReadClose(Arguments& arguments) {
+    if (arguments.Empty()) return {};
+    const std::string waits = arguments.Take("waits");
+    if (waits != "waits") throw Mistake{"\"waits\" is expected, not \"" + waits + "\""};
+    return {ReadWaits(arguments).percent};
+}
+
 Command ReadCommand(Arguments& arguments, const std::string& line) {
     const std::string verb = arguments.Take("a command");
     if (verb == "say") {
@@ -118,7 +125,7 @@ Command ReadCommand(Arguments& arguments, const std::string& line) {
     } else if (verb == "stop") {
         command = Stop{arguments.Take("a program's name")};
     } else if (verb == "close") {
-        command = Close{};
+        command = ReadClose(arguments);
     } else if (verb == "open") {
         command = Open{};
     } else {

@@ -23,7 +23,10 @@
 //     waits PERCENT                    how long the page's own waits last from now on, those that run included, until
 //                                      the host ends; the option --wait-percent says it for the start
 //     say WORDS                        writes them into the transcript
-//     close, open                      leaves the page; shows it again
+//     close [waits PERCENT]            leaves the page; with its own waits set as above while it is being left: until
+//     then
+//                                      what waits goes on waiting
+//     open                             shows the page again
 //
 // Conditions:
 //     shown NAME, hidden NAME          the control is there and visible with all around it, or not
@@ -69,7 +72,9 @@ struct Stop {
 struct Words {
     std::string text;
 };
-struct Close {};
+struct Close {
+    std::optional<int> waits;  // [percent]
+};
 struct Open {};
 
 using Command = std::variant<Click, Hover, Where, Picture, Wait, Waits, Start, Stop, Words, Close, Open>;

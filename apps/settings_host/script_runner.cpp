@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <thread>
 
 #include "base/mutex.h"
 #include "base/path.h"
@@ -127,6 +128,19 @@ void ScriptRunner::Do(const script::Picture& picture) {
     std::error_code error;  // what cannot be made shows when the picture is saved
     std::filesystem::create_directories(m_around.pictures, error);
     m_around.takePicture(file);
+}
+
+// Another thread asks for the turn while this one has it, and so gets it as soon as CloseWnd waits for page code.
+void ScriptRunner::Do(const script::Close& close) {
+    std::jthread setter;
+    const kernel::UiTurn turn;
+    if (close.waits) {
+        setter = std::jthread([percent = static_cast<unsigned>(*close.waits)] {
+            const kernel::UiTurn granted;
+            SetWaitPercent(percent);
+        });
+    }
+    m_window.Close();
 }
 
 void ScriptRunner::Do(const script::Words& words) { WriteTranscript("# " + words.text); }

@@ -40,7 +40,7 @@ private:
     void Do(const script::Start& start) { m_programs.Start(start.program); }
     void Do(const script::Stop& stop) { m_programs.Stop(stop.program); }
     void Do(const script::Words& words);
-    void Do(const script::Close&) { m_window.Close(); }
+    void Do(const script::Close& close);
     void Do(const script::Open&) { m_window.Open(); }
 
     void Try(const std::string& what, const std::function<std::string()>& attempt);

@@ -56,6 +56,11 @@ TEST(Script, WaitsTakeAPercentage) {
     EXPECT_EQ(std::get<Waits>(Read("waits 250").at(0)).percent, 250);
 }
 
+TEST(Script, APageIsLeftAsItIsOrWithItsWaitsSetMeanwhile) {
+    EXPECT_EQ(std::get<Close>(Read("close").at(0)).waits, std::nullopt);
+    EXPECT_EQ(std::get<Close>(Read("close waits 5").at(0)).waits, 5);
+}
+
 TEST(Script, SaidWordsAreTakenAsTheyStand) {
     EXPECT_EQ(std::get<Words>(Read("  say One update: \"now\"").at(0)).text, "One update: \"now\"");
     EXPECT_EQ(std::get<Words>(Read("say").at(0)).text, "");
@@ -78,7 +83,8 @@ TEST(Script, AnErrorNamesFileAndLine) {
         {"wait text X \"open", "tour.script:1: a quotation mark is not closed"},
         {"wait height tall", "tour.script:1: the number: \"tall\" is not a whole number"},
         {"wait shown X for 3", "tour.script:1: \"within\" is expected, not \"for\""},
-        {"close now", "tour.script:1: \"now\" is more than the command takes"},
+        {"close now", "tour.script:1: \"waits\" is expected, not \"now\""},
+        {"close waits", "tour.script:1: the percentage is missing"},
     };
     for (const Faulty& c : cases) {
         try {
