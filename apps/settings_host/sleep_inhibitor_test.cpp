@@ -1,6 +1,10 @@
 #include "sleep_inhibitor.h"
 
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <optional>
 #include <string>
@@ -65,12 +69,20 @@ TEST_F(SleepInhibitorTest, TheEndOfTheInhibitorLetsGo) {
     EXPECT_TRUE(m_service->WaitUntilLetGo(0));
 }
 
+// Started as libraries start programs, which do not close what they do not know.
 TEST_F(SleepInhibitorTest, AProgramStartedMeanwhileDoesNotHoldOn) {
     SleepInhibitor inhibitor = MakeInhibitor();
     inhibitor.Hold(true);
-    const test_process::Process child("/usr/bin/env", {"cat"});
+    char program[] = "sleep";
+    char time[] = "300";
+    char* const command[] = {program, time, nullptr};
+    pid_t child = 0;
+    ASSERT_EQ(posix_spawnp(&child, program, nullptr, nullptr, command, environ), 0);
     inhibitor.Hold(false);
     EXPECT_TRUE(m_service->WaitUntilLetGo(0));
+    EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0) << "it has ended meanwhile";
+    kill(child, SIGKILL);
+    EXPECT_EQ(waitpid(child, nullptr, 0), child);
 }
 
 TEST_F(SleepInhibitorTest, ANewReasonIsGivenWhenItIsHeldAgain) {
