@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <new>
 
+#include "ipc_client/ipc_diagnostics.h"
 #include "ipc_client/ipc_message_client.h"
 #include "seam.h"
 
@@ -71,3 +72,10 @@ bool IPCMessageClient::PostIPCMessage(const TagIPCMessageItem& item) {
     if (seam::Get().onPost) seam::Get().onPost(item.msgId);
     return seam::Get().postResult;
 }
+
+// ---- For hosts: the seam records the messages, and there is no log
+
+void SetIpcLogSink(std::function<void(int level, const std::string& line)>) {}
+void SetIpcTrace(std::function<void(IpcTraceEvent event, const TagIPCMessageItem& item)>) {}
+bool IsPipeConnected(const std::wstring&) { return seam::Get().connected; }
+void SetPipeConnectionSink(std::function<void()>) {}

@@ -64,6 +64,7 @@ struct Seam {
     std::map<std::wstring, Companion> companions;
     std::vector<std::wstring> companionQuestions;  // "running:KEY", "app:KEY"
     bool postResult = true;
+    bool connected = true;                                    // what a host is told of the pipe
     bool loggerFails = false;                                 // a line that is logged throws std::bad_alloc
     bool clientThrows = false;                                // a client that is constructed throws std::bad_alloc
     std::function<void(std::uint32_t milliseconds)> onSleep;  // with the sleep recorded already; under the UI turn

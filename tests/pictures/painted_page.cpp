@@ -10,11 +10,9 @@ namespace {
 
 using namespace DuiLib;
 
-constexpr const wchar_t* kSettingsLayout = L"../components/brindle/res/layout/SettingsWindow.xml";
-constexpr CDuiSize kSettingsSize{880, 600};  // [design px]
-constexpr int kMargin = 16;                  // [design px] of ground around the page
-constexpr int kPageWidth = 592;              // [design px]
-constexpr int kRoom = 20000;                 // [device px] higher than any page
+constexpr int kMargin = 16;      // [design px] of ground around the page
+constexpr int kPageWidth = 592;  // [design px]
+constexpr int kRoom = 20000;     // [device px] higher than any page
 
 const PageModule& Module() {
     static const PageModule module(PageModule::DefaultPath());
@@ -35,21 +33,12 @@ CControlUI* Ground() {
     return ground;
 }
 
-CControlUI* SettingsWindow() {
-    CDialogBuilder builder;
-    CControlUI* const root = builder.Create(kSettingsLayout);
-    EXPECT_NE(root, nullptr) << testing::PrintToString(builder.GetError().Str());
-    return root;
-}
-
 }  // namespace
 
-PaintedPage::PaintedPage(Around around) {
+PaintedPage::PaintedPage() {
     const kernel::UiTurn turn;
-    const bool onlyGround = around == Around::kGround;
-    m_manager.AttachRoot(onlyGround ? Ground() : SettingsWindow());
-    m_manager.SetClientSize(onlyGround ? CDuiSize{Scaled({kPageWidth + 2 * kMargin, 0}).cx, kRoom}
-                                       : Scaled(kSettingsSize));
+    m_manager.AttachRoot(Ground());
+    m_manager.SetClientSize({Scaled({kPageWidth + 2 * kMargin, 0}).cx, kRoom});
     m_manager.AddNotifyPump(&m_pump);
     m_parent = dynamic_cast<CContainerUI*>(m_manager.FindControl(L"page"));
     Module().CreateSetting(&m_manager, &m_pump, m_parent);

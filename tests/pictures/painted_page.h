@@ -9,17 +9,12 @@
 #include "duilib/duilib.h"
 #include "duilib/paint_surface.h"
 
-// The built module's page in a window that is painted into memory, with the pointer and the keyboard of a test. Over
-// the fake platform: nothing here waits, and the page does what it does within the call.
+// The built module's page, on the ground of the settings window, painted into memory, with the pointer and the keyboard
+// of a test. Over the fake platform: nothing here waits, and the page does what it does within the call.
 class PaintedPage {
 public:
-    enum class Around {
-        kGround,          // only the page, on the ground of the settings window
-        kSettingsWindow,  // in the settings window's layout, which starts with its first view
-    };
-
     // Creates the page, still without rows.
-    explicit PaintedPage(Around around = Around::kGround);
+    PaintedPage();
     ~PaintedPage();
     PaintedPage(const PaintedPage&) = delete;
     PaintedPage& operator=(const PaintedPage&) = delete;

@@ -1,26 +1,26 @@
-// The settings window's layout with the page in it: what it looks like in each of its views.
-#include <utility>
+// The settings window with the page in it: what it looks like in each of its views.
+#include <algorithm>
+#include <chrono>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
 
-#include "duilib/ui_culture.h"
-#include "painted_page.h"
+#include "painted_window.h"
+#include "parts_sheet.h"
 #include "picture_test.h"
+#include "seam.h"
 #include "service_messages.h"
 
 namespace {
 
-using DuiLib::UICulture;
+using DuiLib::CControlUI;
+using DuiLib::CDuiRect;
 
-constexpr const wchar_t* kViews[] = {L"searchingView", L"accessoriesView", L"upToDateView", L"aboutView"};
+constexpr const char* kKeys[] = {"pen", "mouse", "dock", "headset", "keyboard"};
 
 class WindowPictures : public PictureTest {
 protected:
-    void ShowView(std::wstring_view view) {
-        for (const wchar_t* const name : kViews) m_page.Control(name).SetVisible(name == view);
-        const bool about = view == L"aboutView";
-        m_page.Control(about ? L"navAbout" : L"navAccessories").SetAttribute(L"bkcolor", L"#140A59F7");
-        SetText(L"pageName", Text(about ? L"IDS_HOST_PAGE_ABOUT" : L"IDS_HOST_PAGE_ACCESSORIES"));
-    }
-
     // Five accessories, one of which is being updated.
     void ShowList() {
         const auto row = [](const char* key, const wchar_t* name, const wchar_t* picture, const wchar_t* version,
@@ -35,67 +35,133 @@ protected:
                           L"Wired network starts faster."}),
                      row("headset", L"IDS_NAME_HEADSET", L"headset.svg", L"3.1", {L"Clearer voice in calls."}),
                      row("keyboard", L"IDS_NAME_KEYBOARD", L"keyboard.svg", L"0.9.8", {L"Keys repeat evenly."})});
-        ShowView(L"accessoriesView");
-        m_page.Click(L"mouseupdateBtn");
+        m_window.ShowNews();
+        m_window.Click("mouseupdateBtn");
         DeliverProgress("mouse", 37);
-        std::wstring running = Text(L"IDS_HOST_RUNNING");
-        running.replace(running.find(L"{0}"), 3, UICulture::GetInstance()->GetNumberString(1).Str());
-        SetText(L"runningCount", running);
-        m_page.Control(L"runningCount").SetVisible(true);
     }
 
-    PaintedPage m_page{PaintedPage::Around::kSettingsWindow};
+    void LoseTheService() {
+        seam::Get().connected = false;
+        m_window.ShowNews();
+        m_window.LetTimePass(std::chrono::seconds(2));
+    }
 
-private:
-    static std::wstring Text(const wchar_t* id) { return UICulture::GetInstance()->GetString(id).Str(); }
-    void SetText(const wchar_t* name, const std::wstring& text) { m_page.Control(name).SetText(text); }
+    void OpenRows() {
+        for (const char* const key : kKeys) m_window.Click(std::string(key) + "pulldown");
+    }
+
+    PaintedWindow m_window;
 };
 
 TEST_P(WindowPictures, TheListWithOneRowOpened) {
     ShowList();
-    m_page.Click(L"dockpulldown");
-    ExpectPicture("window_list", m_page.Paint());
+    m_window.Click("dockpulldown");
+    ExpectPicture("window_list", m_window.Paint());
 }
 
 TEST_P(WindowPictures, TheListWhileTheServiceIsAway) {
     ShowList();
-    m_page.Control(L"serviceBar").SetVisible(true);
-    ExpectPicture("window_service_bar", m_page.Paint());
+    LoseTheService();
+    ExpectPicture("window_service_bar", m_window.Paint());
 }
 
 TEST_P(WindowPictures, AListThatIsHigherThanTheWindow) {
     ShowList();
-    for (const wchar_t* const key : {L"pen", L"mouse", L"dock", L"headset", L"keyboard"}) {
-        m_page.Click(std::wstring(key) + L"pulldown");
-    }
-    m_page.Control(L"serviceBar").SetVisible(true);
-    ExpectPicture("window_scrolled", m_page.Paint());
+    OpenRows();
+    m_window.Scroll(DuiLib::DuiKey::kHome);
+    LoseTheService();
+    ExpectPicture("window_scrolled", m_window.Paint());
 }
 
 TEST_P(WindowPictures, NothingToUpdate) {
-    ShowView(L"upToDateView");
-    ExpectPicture("window_up_to_date", m_page.Paint());
+    DeliverList({});
+    m_window.ShowNews();
+    ExpectPicture("window_up_to_date", m_window.Paint());
 }
 
-TEST_P(WindowPictures, TheSearch) {
-    ShowView(L"searchingView");
-    ExpectPicture("window_searching", m_page.Paint());
-}
+TEST_P(WindowPictures, TheSearch) { ExpectPicture("window_searching", m_window.Paint()); }
 
 TEST_P(WindowPictures, About) {
-    ShowView(L"aboutView");
-    ExpectPicture("window_about", m_page.Paint());
+    m_window.Click("navAbout");
+    ExpectPicture("window_about", m_window.Paint());
 }
 
 TEST_P(WindowPictures, TheQuestionBeforeClosing) {
     ShowList();
-    DuiLib::CControlUI& question = m_page.Control(L"closeQuestion");
-    question.SetVisible(true);
-    m_page.Manager().SetModal(&question);
-    m_page.Focus(L"keepOpen");
-    ExpectPicture("window_question", m_page.Paint());
+    m_window.AskToClose();
+    ExpectPicture("window_question", m_window.Paint());
 }
 
 INSTANTIATE_TEST_SUITE_P(Looks, WindowPictures, testing::Values(Look{"en-US", 100}, Look{"ar", 100}), TestNameOf);
+
+// At the largest scale only what belongs to the window, cut out of it and put one below the other: the page has
+// pictures of its own, and whole windows would take more than half of what all pictures may.
+class WindowParts : public WindowPictures {
+protected:
+    void Take(const CDuiRect& place) { m_sheet.Add(CutOut(m_window.Paint(), place)); }
+    void TakeAll(std::initializer_list<const wchar_t*> names) {
+        CDuiRect place;
+        for (const wchar_t* const name : names) place = Around(place, PlaceOf(name));
+        Take(place);
+    }
+
+    // Of a view that is otherwise empty.
+    void TakeLabels(std::wstring_view view) {
+        CDuiRect place;
+        for (CControlUI* const child : ChildrenOf(view)) {
+            if (child->GetRole() == DuiLib::ControlRole::kLabel) place = Around(place, child->GetPos());
+        }
+        Take(place);
+    }
+    void TakeCard(std::wstring_view name) { Take(ChildrenOf(name).at(0)->GetPos()); }
+
+    // Its last row, what lies below it, and the end of the scroll bar.
+    void TakeEndOfPage() {
+        CDuiRect place = PlaceOf(L"accessoriesView");
+        place.top = PlaceOf(L"keyboardhor").top;
+        Take(place);
+    }
+
+    PartsSheet m_sheet;
+
+private:
+    static CDuiRect Around(const CDuiRect& one, const CDuiRect& other) {
+        if (one.Width() == 0) return other;
+        return {std::min(one.left, other.left), std::min(one.top, other.top), std::max(one.right, other.right),
+                std::max(one.bottom, other.bottom)};
+    }
+    CDuiRect PlaceOf(std::wstring_view name) { return m_window.Control(name).GetPos(); }
+    std::vector<CControlUI*> ChildrenOf(std::wstring_view name) {
+        std::vector<CControlUI*> children;
+        auto& container = dynamic_cast<DuiLib::CContainerUI&>(m_window.Control(name));
+        for (int i = 0; i < container.GetCount(); ++i) children.push_back(container.GetItemAt(i));
+        return children;
+    }
+};
+
+TEST_P(WindowParts, AreAsDrawn) {
+    TakeLabels(L"searchingView");
+    m_window.Click("navAbout");
+    TakeAll({L"navAccessories", L"navAbout"});
+    TakeCard(L"aboutView");
+    m_window.Click("navAccessories");
+    ShowList();
+    TakeAll({L"navAccessories", L"navAbout"});
+    TakeAll({L"pageName", L"runningCount"});
+    m_window.AskToClose();
+    TakeCard(L"closeQuestion");
+    m_window.Click("keepOpen");
+    OpenRows();
+    LoseTheService();
+    TakeAll({L"serviceBar"});
+    m_window.Scroll(DuiLib::DuiKey::kEnd);
+    TakeEndOfPage();
+    for (const char* const key : kKeys) DeliverFinish(key);
+    m_window.ShowNews();
+    TakeLabels(L"upToDateView");
+    ExpectPicture("window_parts", m_sheet.Compose());
+}
+
+INSTANTIATE_TEST_SUITE_P(Looks, WindowParts, testing::Values(Look{"en-US", 300}, Look{"ar", 300}), TestNameOf);
 
 }  // namespace
