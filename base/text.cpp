@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include <cstdio>
+
 namespace base {
 namespace {
 
@@ -75,6 +77,19 @@ std::string Encoded(std::basic_string_view<Unit> text) {
     return result;
 }
 
+bool EndsOrSteersALine(char32_t character) {
+    const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    return (isControl && character != U'\t') || character == 0x2028 || character == 0x2029;
+}
+
+std::string Escape(char32_t character) {
+    if (character == U'\n') return "\\n";
+    if (character == U'\r') return "\\r";
+    char escape[16];
+    std::snprintf(escape, sizeof escape, character < 0x80 ? "\\x%02X" : "\\u%04X", static_cast<unsigned>(character));
+    return escape;
+}
+
 }  // namespace
 
 DecodedCharacter DecodeUtf8(std::string_view text) {
@@ -108,6 +123,21 @@ std::wstring WideFromUtf8(std::string_view text) { return Decoded<wchar_t>(text)
 std::u16string Utf16FromUtf8(std::string_view text) { return Decoded<char16_t>(text); }
 std::string Utf8FromWide(std::wstring_view text) { return Encoded(text); }
 std::string Utf8FromUtf16(std::u16string_view text) { return Encoded(text); }
+
+std::string OneLine(std::string_view text) {
+    std::string line;
+    line.reserve(text.size());
+    while (!text.empty()) {
+        const DecodedCharacter next = DecodeUtf8(text);
+        if (EndsOrSteersALine(next.character)) {
+            line += Escape(next.character);
+        } else {
+            line += text.substr(0, next.size);
+        }
+        text.remove_prefix(next.size);
+    }
+    return line;
+}
 
 char32_t TakeCharacter(std::wstring_view& text) { return Take(text); }
 

@@ -22,6 +22,11 @@ std::u16string Utf16FromUtf8(std::string_view text);
 std::string Utf8FromWide(std::wstring_view text);
 std::string Utf8FromUtf16(std::u16string_view text);
 
+// The text without what would end a line or steer a terminal: control characters but the tab, and the two separators of
+// Unicode, become escapes, "\n", "\r", "\x1B" or "\u0085". All else stays, byte for byte, a backslash and bytes that
+// are not UTF-8 too.
+std::string OneLine(std::string_view text);
+
 // One decoded piece of narrow text: the character and how many bytes it took (at least 1).
 struct DecodedCharacter {
     char32_t character;

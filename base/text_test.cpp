@@ -127,5 +127,22 @@ TEST(Text, WhatIsNoCodePointInAWideStringBecomesTheReplacementCharacter) {
     EXPECT_EQ(Utf8FromWide(std::wstring(1, static_cast<wchar_t>(-1))), "\xEF\xBF\xBD");
 }
 
+TEST(Text, BecomesOneLineWithItsControlCharactersAsEscapes) {
+    struct Case {
+        std::string text;
+        const char* line;
+    };
+    const Case cases[] = {
+        {"", ""},
+        {"C:\\new\tone \xC3\xA9\xE6\xBC\xA2\xF0\x9F\x94\x96", "C:\\new\tone \xC3\xA9\xE6\xBC\xA2\xF0\x9F\x94\x96"},
+        {"one\r\ntwo\n", "one\\r\\ntwo\\n"},
+        {std::string("\0\x1B[2J\x7F\b", 7), "\\x00\\x1B[2J\\x7F\\x08"},
+        {"\xC2\x85\xC2\x9B\xC2\xA0", "\\u0085\\u009B\xC2\xA0"},
+        {"\xE2\x80\xA8\xE2\x80\xA9\xE2\x80\xAA", "\\u2028\\u2029\xE2\x80\xAA"},
+        {"\x85\x9B\xFF\xE4\xB8\n", "\x85\x9B\xFF\xE4\xB8\\n"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(OneLine(c.text), c.line);
+}
+
 }  // namespace
 }  // namespace base

@@ -43,7 +43,7 @@ std::string Shown(std::string_view payload) {
 void WriteTranscript(const std::string& line) {
     static std::mutex mutex;
     const std::lock_guard<std::mutex> guard(mutex);
-    std::cout << line << std::endl;
+    std::cout << base::OneLine(line) << std::endl;
 }
 
 void TraceMessages() {

@@ -10,6 +10,7 @@
 #include "accessory_update_config/accessory_update_config.h"
 #include "base/process.h"
 #include "base/reason.h"
+#include "base/text.h"
 #include "duilib/duilib.h"
 #include "host_output.h"
 #include "host_program.h"
@@ -80,7 +81,7 @@ int RunToTheEnd(CommandLine& commandLine) {
         if (!ended.reason.empty()) WriteTranscript(ended.reason);
         if (commandLine.tour) exitCode = 1;
     } catch (const std::exception& error) {
-        std::cerr << "settings_host: " << base::Reason(error) << std::endl;
+        std::cerr << "settings_host: " << base::OneLine(base::Reason(error)) << std::endl;
         exitCode = 1;
     }
     SetIpcLogSink({});

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 #include "base/text.h"
@@ -255,6 +256,9 @@ constexpr int kBarCells = 20;
 // The labels of a row in the order of its tree.
 enum RowLabel : std::size_t { kPicture, kName, kVersion, kInformation };
 
+// A page's texts come from peers.
+std::string Line(const CDuiString& text) { return base::OneLine(base::Utf8FromWide(text)); }
+
 // What is shown below a control, by roles, in the order of the tree.
 struct ShownParts {
     std::vector<CControlUI*> labels;
@@ -262,7 +266,7 @@ struct ShownParts {
     CContainerUI* progressGroup = nullptr;  // what holds a control with the role of progress; its labels stay its own
 
     std::string Text(std::size_t label) const {
-        return label < labels.size() ? base::Utf8FromWide(labels[label]->GetText()) : std::string();
+        return label < labels.size() ? Line(labels[label]->GetText()) : std::string();
     }
 };
 
@@ -289,7 +293,7 @@ void AddShown(ShownParts& parts, CControlUI* control, const CControlUI* except =
 
 std::string ToolTipOf(CControlUI* control) {
     if (control == nullptr || control->GetToolTip().IsEmpty()) return {};
-    return "  (tip: " + base::Utf8FromWide(control->GetToolTip()) + ")";
+    return "  (tip: " + Line(control->GetToolTip()) + ")";
 }
 
 std::string Bar(const ControlProgress& progress) {
@@ -310,17 +314,14 @@ std::string ProgressText(CContainerUI& group) {
 std::string UpdateText(const ShownParts& row) {
     if (row.progressGroup != nullptr) return ProgressText(*row.progressGroup);
     if (row.button == nullptr) return {};
-    return "<" + base::Utf8FromWide(row.button->GetText()) + ">" + ToolTipOf(row.button);
+    return "<" + Line(row.button->GetText()) + ">" + ToolTipOf(row.button);
 }
 
-std::string Indented(const std::string& text) {
+// The one text that has lines of its own.
+std::string Indented(const CDuiString& text) {
+    std::istringstream input(base::Utf8FromWide(text));
     std::string lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        const std::size_t end = std::min(text.find('\n', start), text.size());
-        lines += "        " + text.substr(start, end - start) + "\n";
-        start = end + 1;
-    }
+    for (std::string line; std::getline(input, line);) lines += "        " + base::OneLine(line) + "\n";
     return lines;
 }
 
@@ -330,7 +331,7 @@ std::string RowText(CControlUI* item) {
     if (item->GetRole() == ControlRole::kContainer) AddShown(row, item);
     if (row.labels.empty()) return {};
     std::string text = "    " + row.Text(kName) + " | " + row.Text(kVersion) + " | " + UpdateText(row) + "\n";
-    for (std::size_t i = kInformation; i < row.labels.size(); ++i) text += Indented(row.Text(i));
+    for (std::size_t i = kInformation; i < row.labels.size(); ++i) text += Indented(row.labels[i]->GetText());
     return text;
 }
 

@@ -40,7 +40,7 @@ int main(int argc, char** argv) {
         bool shown = false;
         IPCMessageClient layout(IPC_ENDPOINT_HOST_LAYOUT, true, false, IPC_PIPE_ASSISTANT);
         channel_client::Listen(layout, channel::from_page::IPC_MSG_CONTENT_HEIGHT, [&](const channel::Decimal& height) {
-            std::cout << "content height " << height.digits << std::endl;
+            std::cout << "content height " << height.Number().value_or(0) << std::endl;
             shown = true;
         });
 

@@ -1,4 +1,5 @@
-// Peers that write what they like into the running service's pipe, while an update of a healthy host goes on.
+// Peers that write what they like into the running service's pipe, while an update of a healthy host goes on, or into
+// its list.
 
 #include <random>
 
@@ -14,6 +15,8 @@ namespace from_page = channel::from_page;
 using ipc_test::Hello;
 using ipc_test::RawPeer;
 using std::literals::operator""s;
+using testing::Each;
+using testing::StartsWith;
 
 class HostileFramesTest : public PageE2ETest {
 protected:
@@ -154,6 +157,40 @@ TEST_F(HostileFramesTest, GarbageAtTheHostsEndpointsIsToldAndLeavesTheHostAsItWa
     for (const char* height : {"\"\"", "\"7x\"", "\" 7\"", "\"99999999999\""}) {
         EXPECT_THAT(RefusedHeights(), Contains(HasSubstr(height)));
     }
+}
+
+// Whoever may choose a key does not choose what the host and the service say.
+TEST_F(HostileFramesTest, AKeyMakesNoLinesOfItsOwn) {
+    const std::string key = "dock\n# forged\r\x1B[2J";
+    const std::string shown = "dock\\n# forged\\r\\x1B[2J";
+    RawPeer peer(PipeSocket());
+    ASSERT_TRUE(peer.Write(Hello() + Frame(from_page::IPC_MSG_PLUGIN_UPDATE, key + '\0') +
+                           Frame(from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, key + '\0') +
+                           Frame(from_page::IPC_MSG_CONTENT_HEIGHT, "77\n# forged") +
+                           Frame(from_page::IPC_MSG_DOWNLOAD_START, key + '\0')));
+    EXPECT_TRUE(ServiceLogs(shown + ": start refused")) << ServiceLog();
+    EXPECT_TRUE(m_host->Program().Output().WaitFor("holds \"77\\n# forged\"")) << m_host->Transcript();
+    EXPECT_TRUE(m_host->Program().Output().WaitFor("host: update of " + shown + " has stopped"));
+    EXPECT_THAT(m_host->Program().Output().Lines(), Contains("host: update of " + shown + " runs"));
+    EXPECT_THAT(m_host->Program().Output().Lines(), Each(Not(StartsWith("# forged"))));
+    EXPECT_THAT(m_service->Errors().Lines(), Each(Not(StartsWith("# forged"))));
+}
+
+class HostileListTest : public PageE2ETest {};
+
+TEST_F(HostileListTest, ATextOfTheListMakesNoLinesOfItsOwn) {
+    AddAccessory("pen");
+    nlohmann::ordered_json catalogue = nlohmann::ordered_json::parse(ReadFile(m_folder / "catalogue.json"));
+    catalogue["accessories"][0]["version"] = "2.0\n# forged";
+    catalogue["accessories"][0]["description"] = {"Steadier.\n# forged", "Lighter.\r# forged"};
+    WriteFile(m_folder / "catalogue.json", catalogue.dump());
+    StartService();
+    const auto host = StartHost();
+    ASSERT_TRUE(host->Play(WaitForRows(1, "pen") + "click penpulldown\nwait shown pendevInfo"));
+    host->End();
+    EXPECT_THAT(host->Transcript(), HasSubstr("\n    Drawing Pen | Firmware version 2.0\\n# forged | <Update>\n"
+                                              "        Steadier.\n        # forged\n        Lighter.\\r# forged\n"));
+    EXPECT_THAT(host->Program().Output().Lines(), Each(Not(StartsWith("# forged"))));
 }
 
 }  // namespace

@@ -42,20 +42,8 @@ spdlog::level::level_enum BackEndLevel(LOG_MESSAGE_LEVEL level) {
     return level >= LOG_LEVEL_EVENT ? spdlog::level::warn : spdlog::level::info;
 }
 
-// One line whatever the text holds: line breaks inside it are written as escapes.
 std::string Line(LOG_MESSAGE_LEVEL level, const std::wstring& text) {
-    std::string line = "[";
-    line += std::to_string(level) + "] ";
-    for (const char byte : base::Utf8FromWide(text)) {
-        if (byte == '\n') {
-            line += "\\n";
-        } else if (byte == '\r') {
-            line += "\\r";
-        } else {
-            line += byte;
-        }
-    }
-    return line;
+    return "[" + std::to_string(level) + "] " + base::OneLine(base::Utf8FromWide(text));
 }
 
 }  // namespace

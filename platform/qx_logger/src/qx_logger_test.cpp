@@ -60,9 +60,10 @@ TEST_F(Logger, EveryTextIsOneLineOfUtf8) {
     Log(LOG_LEVEL_EVENT, L"unpaired " + std::wstring(1, wchar_t{0xD83D}) + L"z");
     Log(LOG_LEVEL_EVENT, L"");
     Log(LOG_LEVEL_EVENT, L"one\r\ntwo");
+    Log(LOG_LEVEL_EVENT, L"\x1B[2J\ttab\x85");
     EXPECT_THAT(Lines(),
                 ElementsAre(EndsWith("] \xC3\xA9\xE6\xBC\xA2\xF0\x9F\x96\xB1"), EndsWith("] unpaired \xEF\xBF\xBDz"),
-                            EndsWith(" [4] "), EndsWith("] one\\r\\ntwo")));
+                            EndsWith(" [4] "), EndsWith("] one\\r\\ntwo"), EndsWith("] \\x1B[2J\ttab\\u0085")));
 }
 
 TEST_F(Logger, AStreamInFailedStateDeliversWhatWasWrittenUpToThere) {

@@ -20,8 +20,9 @@ class QX_LOGGER_API QxLogger {
 public:
     static QxLogger* GetInstance();
 
-    // Writes the stream's text as one UTF-8 line, with the time and the level beside it. The stream is left as it is.
-    // Never fails visibly: a line that cannot be written is dropped.
+    // Writes the stream's text as one UTF-8 line, with the time and the level beside it; line breaks and other control
+    // characters in it become escapes. The stream is left as it is. Never fails visibly: a line that cannot be written
+    // is dropped.
     void Log(LOG_MESSAGE_LEVEL level, std::wstringstream& line);
 
     struct Options {
