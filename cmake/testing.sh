@@ -2,6 +2,7 @@
 
 failed=""    # presets and benchmarks
 unsteady=""  # PRESET:TEST
+skipped=""   # PRESET:SUITE.TEST
 sanitizer_report='(ERROR|WARNING): [A-Za-z]*Sanitizer|: runtime error: '
 
 # is_declared NAME: whether CMake declares a test of that name.
@@ -67,6 +68,12 @@ unsteady_tests() {
     }' "$1"
 }
 
+# skipped_tests BUILD: the GoogleTest tests that the last run of that build folder has passed over. CTest counts their
+# programs as passed.
+skipped_tests() {
+  sed -nE 's/^\[  SKIPPED \] ([^ ,]+).*\([0-9]+ ms\).?$/\1/p' "$1/Testing/Temporary/LastTest.log" | sort -u
+}
+
 # run_tests PRESET [CTEST_OPTION...]: as the test preset of that name says; the log is build/PRESET.tests.log.
 run_tests() {
   preset=$1
@@ -79,11 +86,15 @@ run_tests() {
   if [ -e "$log.failed" ] || grep -qE "$sanitizer_report" "$log"; then
     failed="$failed $preset"
   fi
+  skipped="$skipped$(skipped_tests "build/$preset" | sed "s/^/ $preset:/" | tr -d '\n')"
   unsteady="$unsteady$(unsteady_tests "$log" | sed "s/^/ $preset:/" | tr -d '\n')"
 }
 
 # conclude: the last lines, and the exit code.
 conclude() {
+  if [ -n "$skipped" ]; then
+    echo "test: skipped:$skipped" >&2
+  fi
   if [ -n "$unsteady" ]; then
     echo "test: unsteady, failed and then passed at once:$unsteady" >&2
   fi

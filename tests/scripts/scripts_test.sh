@@ -65,6 +65,17 @@ expect 1 '1 tests failed out of 3' tests_in_folder
 expect 0 'All tests passed.' tests_in_folder -R '^steady'
 ! grep -q unsteady "$folder/output" || fail "a steady test is called unsteady"
 
+# Tests that a program has passed over are named, and no others.
+cat >"$folder/build/release/CTestTestfile.cmake" <<END
+add_test(skips printf "%s\n" "[       OK ] Suite.Runs (3 ms)" "[  SKIPPED ] Suite.OfRoot (0 ms)" "[  SKIPPED ] 2 tests, listed below:"
+  "[  SKIPPED ] Suite.OfRoot" "[  SKIPPED ] Suites/Every.One/pipe, where GetParam() = 1 (0 ms)")
+add_test(steady true)
+END
+expect 0 'test: skipped: release:Suite.OfRoot release:Suites/Every.One/pipe' tests_in_folder
+expect 0 'All tests passed.' tests_in_folder
+expect 0 'All tests passed.' tests_in_folder -E skips
+! grep -q skipped "$folder/output" || fail "there is no skipped test, but one is named"
+
 # What a sanitizer reports fails the run even when the test passes the second time.
 cat >"$folder/build/release/CTestTestfile.cmake" <<END
 add_test(race sh -c "mkdir '$folder/first' && echo 'WARNING: ThreadSanitizer: data race' && exit 1; exit 0")
