@@ -3,8 +3,13 @@
 
 #include <random>
 
+#include "base/path.h"
+#include "base/process.h"
 #include "channel/messages.h"
+#include "channel_client.h"
 #include "ipc/pipe_test.h"
+#include "ipc_client/ipc_broker.h"
+#include "ipc_client/ipc_message_client.h"
 #include "page_e2e_test.h"
 #include "wire/frame.h"
 
@@ -12,13 +17,55 @@ namespace e2e {
 namespace {
 
 namespace from_page = channel::from_page;
+namespace to_page = channel::to_page;
 using ipc_test::Hello;
 using ipc_test::RawPeer;
 using std::literals::operator""s;
 using testing::Each;
 using testing::StartsWith;
 
-class HostileFramesTest : public PageE2ETest {
+// Makes this process, too, find its pipes in the folder.
+class PipeFolderOfThisProcess {
+public:
+    explicit PipeFolderOfThisProcess(const std::filesystem::path& folder) {
+        base::SetVariable("BRINDLE_PIPE_DIR", base::Utf8FromPath(folder));
+    }
+    ~PipeFolderOfThisProcess() { base::SetVariable("BRINDLE_PIPE_DIR", std::nullopt); }
+    PipeFolderOfThisProcess(const PipeFolderOfThisProcess&) = delete;
+    PipeFolderOfThisProcess& operator=(const PipeFolderOfThisProcess&) = delete;
+};
+
+class HostileFramesBase : public PageE2ETest {
+protected:
+    std::string RandomBytes(std::size_t size) {
+        std::string bytes(size, '\0');
+        for (char& byte : bytes) byte = static_cast<char>(m_random());
+        return bytes;
+    }
+
+    static std::string Frame(std::int32_t endpoint, std::int32_t msgId, std::string payload) {
+        TagIPCMessageItem item;
+        item.destId = endpoint;
+        item.sourceId = IPC_ENDPOINT_PLUGIN;
+        item.msgId = msgId;
+        item.data = payload.empty() ? nullptr : payload.data();
+        item.dataLen = static_cast<std::int32_t>(payload.size());
+        std::string frame;
+        ipc_client::AppendMessage(frame, item);
+        return frame;
+    }
+
+    template <class Message>
+    static std::string Frame(const Message& message, const std::string& payload) {
+        return Frame(message.endpoint, message.id, payload);
+    }
+
+    std::unique_ptr<Host> m_host;
+    std::mt19937 m_random{4711};
+};
+
+// Another process than the service and the host.
+class HostileFramesTest : public HostileFramesBase {
 protected:
     void SetUp() override {
         AddAccessory("pen");
@@ -34,42 +81,6 @@ protected:
         EXPECT_THAT(m_host->Log(), Not(HasSubstr("connection lost")));
         EXPECT_EQ(ReadFile(Arrived("pen")), PackageContent("pen"));
     }
-
-    std::string RandomBytes(std::size_t size) {
-        std::string bytes(size, '\0');
-        for (char& byte : bytes) byte = static_cast<char>(m_random());
-        return bytes;
-    }
-
-    // What the host has said of heights that it does not believe.
-    std::vector<std::string> RefusedHeights() const {
-        std::vector<std::string> refused;
-        for (const std::string& line : m_host->Program().Output().Lines()) {
-            if (line.find(", which is no number; ignored") != std::string::npos) refused.push_back(line);
-        }
-        return refused;
-    }
-
-    static std::string Frame(std::int32_t endpoint, std::int32_t msgId, std::string payload) {
-        TagIPCMessageItem item;
-        item.destId = endpoint;
-        item.sourceId = IPC_ENDPOINT_PLUGIN;
-        item.msgId = msgId;
-        item.data = payload.empty() ? nullptr : payload.data();
-        item.dataLen = static_cast<std::int32_t>(payload.size());
-        std::string frame;
-        ipc_client::AppendMessage(frame, item);
-        return frame;
-    }
-
-    // As a page of this or another process would post it.
-    template <class Payload>
-    static std::string Frame(const channel::FromPage<Payload>& message, const std::string& payload) {
-        return Frame(message.endpoint, message.id, payload);
-    }
-
-    std::unique_ptr<Host> m_host;
-    std::mt19937 m_random{4711};
 };
 
 TEST_F(HostileFramesTest, WrongFramesCloseTheirConnectionWithALineThatSaysWhy) {
@@ -113,27 +124,79 @@ TEST_F(HostileFramesTest, RandomStreamsEndInAClosedConnection) {
     }
 }
 
-// They are no offence against the protocol, so everybody gets them.
-TEST_F(HostileFramesTest, RandomPayloadsOfWholeMessagesHarmNeitherTheServiceNorThePage) {
-    std::vector<channel::MessageInfo> targets;
-    std::copy_if(std::begin(channel::kMessages), std::end(channel::kMessages), std::back_inserter(targets),
-                 [](const channel::MessageInfo& message) {
-                     return message.endpoint == IPC_ENDPOINT_UPDATE_SERVICE || message.endpoint == IPC_ENDPOINT_PLUGIN;
-                 });
-    ASSERT_EQ(targets.size(), 3u + 4u);
+TEST_F(HostileFramesTest, RandomPayloadsOfWholeRequestsDoNotHarmTheService) {
     RawPeer peer(PipeSocket());
     ASSERT_TRUE(peer.Write(Hello()));
-    for (int round = 0; round < 300; ++round) {
-        const channel::MessageInfo& target = targets[static_cast<std::size_t>(round) % targets.size()];
-        ASSERT_TRUE(peer.Write(Frame(target.endpoint, target.id, RandomBytes(m_random() % 60)))) << round;
+    for (int round = 0; round < 100; ++round) {
+        for (const channel::MessageInfo& message : channel::kMessages) {
+            if (message.endpoint != IPC_ENDPOINT_UPDATE_SERVICE) continue;
+            ASSERT_TRUE(peer.Write(Frame(message, RandomBytes(m_random() % 60)))) << round;
+        }
+    }
+    EXPECT_TRUE(ServiceLogs("start refused: the catalogue does not have it"));
+}
+
+TEST_F(HostileFramesTest, WhatItTellsAPageOrAHostDoesNotReachThem) {
+    RawPeer peer(PipeSocket());
+    ASSERT_TRUE(peer.Write(
+        Hello() + Frame(to_page::IPC_MSG_PKG_FINISH, "pen\0"s) + Frame(from_page::IPC_MSG_PLUGIN_UPDATE, "the end\0"s) +
+        Frame(from_page::IPC_MSG_CONTENT_HEIGHT, "4711") + Frame(from_page::IPC_MSG_DOWNLOAD_START, "dock\0"s)));
+    ASSERT_TRUE(ServiceLogs("dock: start refused: the catalogue does not have it"));  // so all has been routed
+    ASSERT_TRUE(m_host->Play("wait percent penprogress 6\nwait running 1"));
+    EXPECT_THAT(m_host->Transcript(), Not(HasSubstr("the end")));
+    EXPECT_THAT(m_host->Transcript(), Not(HasSubstr("4711")));
+    EXPECT_THAT(m_host->Log(), Not(HasSubstr("RecPkgFinish enter")));
+}
+
+// A service, in this process, that says what it likes to a host that shows one accessory and has begun its update.
+class HostileServiceTest : public HostileFramesBase {
+protected:
+    void SetUp() override {
+        m_broker.Start();
+        channel_client::Listen(m_service, from_page::IPC_MSG_ALL_UPDATE_DATA, [this](const auto&) {
+            AccessoryVersionDataInfo pen;
+            pen.deviceKey = "pen";
+            pen.modelId = L"IDS_NAME_PEN";
+            pen.version = L"2.0";
+            channel_client::Post(m_service, IPC_ENDPOINT_UPDATE_SERVICE, to_page::IPC_MSG_ALL_UPDATE_DATA, {pen});
+        });
+        m_host = StartHost();
+        ASSERT_TRUE(m_host->Play(WaitForRows(1, "pen") + "click penupdateBtn\nwait running 1"));
+    }
+
+    void TearDown() override { m_host->End(); }
+
+    // What the host has said of heights that it does not believe.
+    std::vector<std::string> RefusedHeights() const {
+        std::vector<std::string> refused;
+        for (const std::string& line : m_host->Program().Output().Lines()) {
+            if (line.find(", which is no number; ignored") != std::string::npos) refused.push_back(line);
+        }
+        return refused;
+    }
+
+    const PipeFolderOfThisProcess m_folderVariable{m_folder / "pipes"};
+    IPCBroker m_broker{IPC_PIPE_ASSISTANT};
+    IPCMessageClient m_service{IPC_ENDPOINT_UPDATE_SERVICE, true, false, IPC_PIPE_ASSISTANT};
+};
+
+// They are no offence against the protocol, so the page gets them.
+TEST_F(HostileServiceTest, RandomPayloadsOfWholeMessagesDoNotHarmThePage) {
+    RawPeer peer(PipeSocket());
+    ASSERT_TRUE(peer.Write(Hello()));
+    for (int round = 0; round < 100; ++round) {
+        for (const channel::MessageInfo& message : channel::kMessages) {
+            if (message.endpoint != IPC_ENDPOINT_PLUGIN) continue;
+            ASSERT_TRUE(peer.Write(Frame(message, RandomBytes(m_random() % 60)))) << round;
+        }
     }
     EXPECT_TRUE(m_host->Program().Errors().WaitFor("AccessoriesUpdateWnd RecPkgFail enter"));
-    EXPECT_TRUE(ServiceLogs("start refused: the catalogue does not have it"));
+    ASSERT_TRUE(m_host->Play("wait running 1"));
 }
 
 // The host believes heights that are numbers, however large, and no others; an update that began and ended is over,
 // however its accessory is called.
-TEST_F(HostileFramesTest, GarbageAtTheHostsEndpointsIsToldAndLeavesTheHostAsItWas) {
+TEST_F(HostileServiceTest, GarbageAtTheHostsEndpointsIsToldAndLeavesTheHostAsItWas) {
     constexpr std::int32_t kUnknown = 0x5EED;
     RawPeer peer(PipeSocket());
     ASSERT_TRUE(peer.Write(Hello()));

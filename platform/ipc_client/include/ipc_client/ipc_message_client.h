@@ -18,7 +18,9 @@
 // wait for the other's end for ever.
 //
 // Start order does not matter. What is posted before the broker, or the addressed callback, is there waits in bounded
-// queues; a lost connection is opened again with increasing pauses and takes its registrations along.
+// queues; a lost connection is opened again with increasing pauses and takes its registrations along. A client whose
+// callbacks have 64 MiB to catch up with makes its process read no more from the pipe until half of that is done, and
+// so whoever sends it that much wait.
 class IPC_CLIENT_API IPCMessageClient {
 public:
     // `endpointId`: what `destId` of incoming messages is matched with. `receives`: whether callbacks may be

@@ -81,14 +81,14 @@ TEST_F(IpcBrokerTest, EveryConnectionThatAnnouncedGetsACopy) {
 
 TEST_F(IpcBrokerTest, WhatNobodyTakesWaitsInBoundedQueuesAndComesInOrder) {
     IPCBrokerLimits limits;
-    limits.pendingMessagesPerRoute = 3;
+    limits.pendingMessagesPerSender = 3;
     IPCBroker broker(kPipe, limits);
     broker.Start();
     Inbox inbox, echo;
     IPCMessageClient client(kPage, true, false, kPipe);
     for (const char* data : {"1", "2", "3", "4", "5"}) Post(client, kPage, kProgress, data);
-    EXPECT_TRUE(
-        Logged("nobody takes message 0x2 to endpoint 0x270000, its queue is full: the oldest dropped (1 so far)"));
+    EXPECT_TRUE(Logged(
+        "nobody takes message 0x2 to endpoint 0x270000, its sender's queue is full: the oldest dropped (1 so far)"));
     client.RegisterMessageCallback(kProgress, inbox.Callback());
     EXPECT_THAT(inbox.WaitForData(3), ElementsAre("3", "4", "5"));
 }

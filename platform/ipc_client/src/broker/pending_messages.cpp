@@ -1,62 +1,89 @@
 #include "broker/pending_messages.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace ipc_client {
 namespace {
 
-std::size_t Cost(std::string_view frame) { return frame.size() + kQueuedMessageOverhead; }
+std::size_t Cost(std::string_view frame) { return frame.size() + kPendingMessageOverhead; }
 
 }  // namespace
 
-std::vector<PendingMessages::Dropped> PendingMessages::Add(Route route, std::string_view frame) {
-    Queue& queue = m_queues[route];
-    queue.numbers.push_back(m_nextNumber);
-    queue.bytes += Cost(frame);
+std::vector<PendingMessages::Dropped> PendingMessages::Add(Route route, Sender sender, std::string_view frame) {
+    const std::uint64_t number = m_nextNumber++;
+    m_messages.emplace(number, Message{route, sender, std::string(frame)});
+    try {
+        m_routes[route].insert(number);
+        m_senders[sender].numbers.insert(number);
+    } catch (const std::bad_alloc&) {
+        Forget(route, sender, number);
+        m_messages.erase(number);
+        throw;
+    }
+    Share& share = m_senders.find(sender)->second;
+    share.bytes += Cost(frame);
     m_bytes += Cost(frame);
-    m_messages.emplace(m_nextNumber++, Message{route, std::string(frame)});
 
     std::vector<Dropped> dropped;
-    while (queue.numbers.size() > 1 &&
-           (queue.numbers.size() > m_limits.pendingMessagesPerRoute || queue.bytes > m_limits.pendingBytesPerRoute)) {
-        dropped.push_back(DropOldest(route));
+    while (share.numbers.size() > 1 &&
+           (share.numbers.size() > m_limits.pendingMessagesPerSender || share.bytes > m_limits.pendingBytesPerSender)) {
+        dropped.push_back(DropOldest(sender));
     }
-    while (m_messages.size() > 1 && m_bytes > m_limits.pendingBytes) {
-        dropped.push_back(DropOldest(m_messages.begin()->second.route));
-    }
+    while (m_messages.size() > 1 && m_bytes > m_limits.pendingBytes) dropped.push_back(DropOldest(Heaviest()));
     return dropped;
 }
 
-PendingMessages::Dropped PendingMessages::DropOldest(Route route) {
-    const auto queue = m_queues.find(route);
-    const auto message = m_messages.find(queue->second.numbers.front());
-    const std::size_t cost = Cost(message->second.frame);
+PendingMessages::Sender PendingMessages::Heaviest() const {
+    const auto lighter = [](const auto& a, const auto& b) { return a.second.bytes < b.second.bytes; };
+    return std::max_element(m_senders.begin(), m_senders.end(), lighter)->first;
+}
+
+PendingMessages::Dropped PendingMessages::DropOldest(Sender sender) {
+    Share& share = m_senders.find(sender)->second;
+    const std::size_t soFar = ++share.dropped;
+    return {Remove(m_messages.find(*share.numbers.begin())).route, soFar};
+}
+
+PendingMessages::Message PendingMessages::Remove(Messages::iterator message) {
+    Message removed = std::move(message->second);
+    const std::size_t cost = Cost(removed.frame);
+    m_senders.find(removed.sender)->second.bytes -= cost;
     m_bytes -= cost;
-    queue->second.bytes -= cost;
-    queue->second.numbers.pop_front();
+    Forget(removed.route, removed.sender, message->first);
     m_messages.erase(message);
-    const Dropped dropped{route, ++queue->second.dropped};
-    if (queue->second.numbers.empty()) m_queues.erase(queue);
-    return dropped;
+    return removed;
 }
 
-std::vector<std::string> PendingMessages::Take(std::span<const Route> routes) {
-    std::vector<std::uint64_t> numbers;
+void PendingMessages::Forget(Route route, Sender sender, std::uint64_t number) {
+    if (const auto entry = m_routes.find(route); entry != m_routes.end()) {
+        entry->second.erase(number);
+        if (entry->second.empty()) m_routes.erase(entry);
+    }
+    if (const auto entry = m_senders.find(sender); entry != m_senders.end()) {
+        entry->second.numbers.erase(number);
+        if (entry->second.numbers.empty()) m_senders.erase(entry);
+    }
+}
+
+std::vector<PendingMessages::Taken> PendingMessages::Take(std::span<const Route> routes,
+                                                          const std::function<bool(Sender)>& isFor) {
+    Numbers numbers;
     for (const Route& route : routes) {
-        const auto queue = m_queues.find(route);
-        if (queue == m_queues.end()) continue;
-        numbers.insert(numbers.end(), queue->second.numbers.begin(), queue->second.numbers.end());
-        m_queues.erase(queue);
+        const auto waiting = m_routes.find(route);
+        if (waiting == m_routes.end()) continue;
+        for (const std::uint64_t number : waiting->second) {
+            if (isFor(m_messages.find(number)->second.sender)) numbers.insert(number);
+        }
     }
-    std::sort(numbers.begin(), numbers.end());
-    std::vector<std::string> frames;
-    frames.reserve(numbers.size());
+    std::vector<Taken> taken;
+    taken.reserve(numbers.size());
     for (const std::uint64_t number : numbers) {
-        frames.push_back(std::move(m_messages.extract(number).mapped().frame));
-        m_bytes -= Cost(frames.back());
+        Message message = Remove(m_messages.find(number));
+        taken.push_back({message.sender, std::move(message.frame)});
     }
-    return frames;
+    return taken;
 }
 
 }  // namespace ipc_client

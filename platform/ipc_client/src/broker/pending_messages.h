@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <deque>
+#include <functional>
 #include <map>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -14,42 +16,60 @@
 
 namespace ipc_client {
 
-// The broker's messages that nobody has announced yet. Beyond its bounds the oldest go: first of the message's own
-// route, then of all. Not synchronised.
+// What a waiting message takes beyond its frame, measured: three nodes, its route, and what the heap adds.
+inline constexpr std::size_t kPendingMessageOverhead = 512;  // [bytes]
+
+// The broker's messages that nobody has announced yet. Beyond its bounds the oldest go: of the message's own sender,
+// and when all together are too many, of the sender that has most. Not synchronised.
 class PendingMessages {
 public:
+    using Sender = unsigned;  // the number of a connection; 0: the service
+
     explicit PendingMessages(const IPCBrokerLimits& limits) : m_limits(limits) {}
 
-    // A message that had to go, and how many of its route went since its queue was last empty.
+    // A message that had to go, and how many of its sender went since its queue was last empty.
     struct Dropped {
         Route route;
         std::size_t soFar;
     };
 
     // Keeps one whole frame; says what had to go for it.
-    std::vector<Dropped> Add(Route route, std::string_view frame);
+    std::vector<Dropped> Add(Route route, Sender sender, std::string_view frame);
 
-    // Takes out the frames of these routes, in the order in which they were added, across the routes.
-    std::vector<std::string> Take(std::span<const Route> routes);
+    struct Taken {
+        Sender sender;
+        std::string frame;
+    };
+
+    // Takes out the frames of these routes, of the senders that `isFor` names, in the order in which they were added,
+    // across the routes.
+    std::vector<Taken> Take(std::span<const Route> routes, const std::function<bool(Sender)>& isFor);
 
     std::size_t Count() const { return m_messages.size(); }
 
 private:
     struct Message {
         Route route;
+        Sender sender;
         std::string frame;
     };
-    struct Queue {
-        std::deque<std::uint64_t> numbers;  // ascending keys of m_messages
+    using Messages = std::map<std::uint64_t, Message>;  // by number of arrival
+    using Numbers = std::set<std::uint64_t>;            // of messages
+    struct Share {
+        Numbers numbers;
         std::size_t bytes = 0;
         std::size_t dropped = 0;
     };
 
-    Dropped DropOldest(Route route);
+    Message Remove(Messages::iterator message);
+    void Forget(Route route, Sender sender, std::uint64_t number);
+    Dropped DropOldest(Sender sender);
+    Sender Heaviest() const;
 
     IPCBrokerLimits m_limits;
-    std::map<std::uint64_t, Message> m_messages;  // by number of arrival
-    std::unordered_map<Route, Queue> m_queues;    // none is empty
+    Messages m_messages;
+    std::unordered_map<Route, Numbers> m_routes;  // neither has an entry without messages
+    std::unordered_map<Sender, Share> m_senders;
     std::uint64_t m_nextNumber = 0;
     std::size_t m_bytes = 0;
 };

@@ -12,12 +12,20 @@ using ::testing::IsEmpty;
 constexpr Route kList{1, 10};
 constexpr Route kProgress{1, 11};
 
-std::vector<std::string> Take(PendingMessages& pending, std::vector<Route> routes) { return pending.Take(routes); }
+constexpr unsigned kOne = 1, kOther = 2;  // senders
 
-TEST(PendingMessages, ARouteTakesItsOwnAlone) {
+std::vector<std::string> Take(
+    PendingMessages& pending, std::vector<Route> routes,
+    const std::function<bool(unsigned)>& isFor = [](unsigned) { return true; }) {
+    std::vector<std::string> frames;
+    for (const PendingMessages::Taken& taken : pending.Take(routes, isFor)) frames.push_back(taken.frame);
+    return frames;
+}
+
+TEST(PendingMessages, ARouteTakesItsOwnOnly) {
     PendingMessages pending({});
-    pending.Add(kList, "list");
-    pending.Add(kProgress, "progress");
+    pending.Add(kList, kOne, "list");
+    pending.Add(kProgress, kOne, "progress");
     EXPECT_THAT(Take(pending, {kList}), ElementsAre("list"));
     EXPECT_THAT(Take(pending, {kList}), IsEmpty());
     EXPECT_EQ(pending.Count(), 1u);
@@ -25,63 +33,72 @@ TEST(PendingMessages, ARouteTakesItsOwnAlone) {
 
 TEST(PendingMessages, RoutesTakenTogetherComeInTheOrderOfArrival) {
     PendingMessages pending({});
-    pending.Add(kProgress, "1");
-    pending.Add(kList, "2");
-    pending.Add(kProgress, "3");
+    pending.Add(kProgress, kOne, "1");
+    pending.Add(kList, kOther, "2");
+    pending.Add(kProgress, kOne, "3");
     EXPECT_THAT(Take(pending, {kList, kProgress}), ElementsAre("1", "2", "3"));
 }
 
 TEST(PendingMessages, ARouteNamedTwiceGivesItsMessagesOnce) {
     PendingMessages pending({});
-    pending.Add(kList, "1");
+    pending.Add(kList, kOne, "1");
     EXPECT_THAT(Take(pending, {kList, kList}), ElementsAre("1"));
 }
 
-TEST(PendingMessages, TheOldestOfARouteWithTooManyGoes) {
+TEST(PendingMessages, OnlyTheSendersThatAreAskedForAreTaken) {
+    PendingMessages pending({});
+    pending.Add(kList, kOne, "1");
+    pending.Add(kList, kOther, "2");
+    pending.Add(kList, kOne, "3");
+    const auto taken = pending.Take(std::vector{kList}, [](unsigned sender) { return sender == kOther; });
+    ASSERT_EQ(taken.size(), 1u);
+    EXPECT_EQ(taken[0].sender, kOther);
+    EXPECT_EQ(taken[0].frame, "2");
+    EXPECT_THAT(Take(pending, {kList}), ElementsAre("1", "3"));
+}
+
+TEST(PendingMessages, TheOldestOfASenderWithTooManyGoesAndNobodyElses) {
     IPCBrokerLimits limits;
-    limits.pendingMessagesPerRoute = 2;
+    limits.pendingMessagesPerSender = 2;
     PendingMessages pending(limits);
-    pending.Add(kList, "list");
-    EXPECT_THAT(pending.Add(kProgress, "1"), IsEmpty());
-    EXPECT_THAT(pending.Add(kProgress, "2"), IsEmpty());
-    const auto first = pending.Add(kProgress, "3");
+    pending.Add(kList, kOther, "list");
+    EXPECT_THAT(pending.Add(kProgress, kOne, "1"), IsEmpty());
+    EXPECT_THAT(pending.Add(kProgress, kOne, "2"), IsEmpty());
+    const auto first = pending.Add(kList, kOne, "3");
     ASSERT_EQ(first.size(), 1u);
     EXPECT_EQ(first[0].route, kProgress);
     EXPECT_EQ(first[0].soFar, 1u);
-    EXPECT_EQ(pending.Add(kProgress, "4").at(0).soFar, 2u);
+    EXPECT_EQ(pending.Add(kProgress, kOne, "4").at(0).soFar, 2u);
     EXPECT_THAT(Take(pending, {kList, kProgress}), ElementsAre("list", "3", "4"));
 }
 
-TEST(PendingMessages, TheOldestOfARouteWithTooManyBytesGoes) {
+TEST(PendingMessages, TheOldestOfASenderWithTooManyBytesGoes) {
     IPCBrokerLimits limits;
-    limits.pendingBytesPerRoute = 2 * (kQueuedMessageOverhead + 100);
+    limits.pendingBytesPerSender = 2 * (kPendingMessageOverhead + 100);
     PendingMessages pending(limits);
-    pending.Add(kProgress, std::string(100, 'a'));
-    EXPECT_THAT(pending.Add(kProgress, std::string(100, 'b')), IsEmpty());
-    EXPECT_EQ(pending.Add(kProgress, std::string(101, 'c')).size(), 2u);
+    pending.Add(kProgress, kOne, std::string(100, 'a'));
+    EXPECT_THAT(pending.Add(kProgress, kOne, std::string(100, 'b')), IsEmpty());
+    EXPECT_EQ(pending.Add(kProgress, kOne, std::string(101, 'c')).size(), 2u);
     EXPECT_THAT(Take(pending, {kProgress}), ElementsAre(std::string(101, 'c')));
 }
 
-TEST(PendingMessages, TheOldestOfAllGoesWhenTheTotalIsTooMuch) {
+TEST(PendingMessages, WhenAllTogetherAreTooManyTheSenderWithMostPays) {
     IPCBrokerLimits limits;
-    limits.pendingBytes = 3 * (kQueuedMessageOverhead + 1);
+    limits.pendingBytes = 3 * (kPendingMessageOverhead + 1);
     PendingMessages pending(limits);
-    pending.Add(kList, "1");
-    pending.Add(kProgress, "2");
-    pending.Add(kProgress, "3");
-    const auto dropped = pending.Add(kProgress, "4");
-    ASSERT_EQ(dropped.size(), 1u);
-    EXPECT_EQ(dropped[0].route, kList);
-    EXPECT_THAT(Take(pending, {kList, kProgress}), ElementsAre("2", "3", "4"));
+    EXPECT_THAT(pending.Add(kList, kOther, "0"), IsEmpty());
+    for (const char* frame : {"1", "2"}) EXPECT_THAT(pending.Add(kProgress, kOne, frame), IsEmpty());
+    EXPECT_EQ(pending.Add(kProgress, kOne, "3").at(0).route, kProgress);
+    EXPECT_THAT(Take(pending, {kList, kProgress}), ElementsAre("0", "2", "3"));
 }
 
 TEST(PendingMessages, WhatWasTakenMakesRoom) {
     IPCBrokerLimits limits;
-    limits.pendingBytes = 2 * (kQueuedMessageOverhead + 1);
+    limits.pendingBytes = 2 * (kPendingMessageOverhead + 1);
     PendingMessages pending(limits);
     for (int round = 0; round < 10; ++round) {
-        EXPECT_THAT(pending.Add(kList, "1"), IsEmpty());
-        EXPECT_THAT(pending.Add(kList, "2"), IsEmpty());
+        EXPECT_THAT(pending.Add(kList, kOne, "1"), IsEmpty());
+        EXPECT_THAT(pending.Add(kList, kOne, "2"), IsEmpty());
         EXPECT_THAT(Take(pending, {kList}), ElementsAre("1", "2"));
     }
 }

@@ -17,14 +17,8 @@ namespace ipc_client {
 using std::chrono::steady_clock;
 
 Connection::Connection(const std::filesystem::path& path, const ConnectionTimes& times)
-    : m_path(path),
-      m_times(times),
-      m_work(m_io.get_executor()),
-      m_connectAgain(m_io),
-      m_pauses(times),
-      m_thread([this] {
-          asio::post(m_io, [this] { Connect(); });
-          RunIo(m_io);
+    : m_path(path), m_times(times), m_connectAgain(m_io), m_pauses(times), m_thread([this] {
+          RunIo(m_io, [this] { Recover(); });
       }) {}
 
 Connection::~Connection() {
@@ -88,11 +82,17 @@ void Connection::SendRoutes(FrameType type, const std::vector<Route>& routes) {
     m_open->Flush();
 }
 
+// Begins, or begins again after an attempt that failed for want of memory.
+void Connection::Recover() {
+    if (!m_channel && !m_isWaiting) Connect();
+}
+
 void Connection::Connect() {
     try {
         m_channel = std::make_shared<PipeChannel>(ConnectPipe(m_io, m_path), *this);
         m_channel->Start(m_times.handshake);
     } catch (const std::exception& error) {
+        m_channel.reset();
         ConnectLater(base::Reason(error));
     }
 }
@@ -110,8 +110,10 @@ void Connection::ConnectLater(const std::string& reason) {
     }
     m_connectAgain.expires_after(m_pauses.Next());
     m_connectAgain.async_wait([this](std::error_code cancelled) {
+        m_isWaiting = false;
         if (!cancelled) Connect();
     });
+    m_isWaiting = true;
 }
 
 void Connection::Opened() {
@@ -142,10 +144,27 @@ void Connection::FrameArrived(const FrameView& frame) {
     const base::MutexLock lock(m_routesMutex);
     const auto entry = m_receivers.find(message.route());
     if (entry == m_receivers.end()) return;
-    for (Receiver* receiver : entry->second) receiver->Deliver(message);
+    for (Receiver* receiver : entry->second) {
+        if (receiver->Deliver(message)) continue;
+        m_full.insert(receiver);
+        m_channel->Pause();
+    }
 }
 
-void Connection::Closed(const std::string& reason, int) {
+void Connection::HasRoom(Receiver& receiver) {
+    const base::MutexLock lock(m_routesMutex);
+    if (m_full.erase(&receiver) != 0 && m_full.empty()) asio::post(m_io, [this] { ReadAgain(); });
+}
+
+void Connection::ReadAgain() {
+    {
+        const base::MutexLock lock(m_routesMutex);
+        if (!m_full.empty()) return;
+    }
+    if (m_channel) m_channel->Resume();
+}
+
+void Connection::Closed(std::string_view reason, int) {
     bool wasOpen = false;
     {
         const base::MutexLock lock(m_stateMutex);
@@ -154,7 +173,7 @@ void Connection::Closed(const std::string& reason, int) {
     }
     m_channel.reset();
     if (wasOpen) m_pauses.Lost(steady_clock::now() - m_openedAt);
-    ConnectLater(base::Utf8FromPath(m_path) + (wasOpen ? ": connection lost: " : ": ") + reason);
+    ConnectLater(base::Utf8FromPath(m_path) + (wasOpen ? ": connection lost: " : ": ") + std::string(reason));
 }
 
 // A broker that has not been tried yet counts as one that takes messages: a process may post one and end.

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <algorithm>
-#include <asio/executor_work_guard.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <unordered_map>
 #include <utility>
@@ -77,28 +78,32 @@ public:
     void AddReceiver(Receiver& receiver, int msgId);
     void RemoveReceiver(Receiver& receiver, const std::vector<int>& msgIds);
 
+    // A receiver that was full has room again, or goes. While there is a full one, what comes is left in the pipe: the
+    // broker, and by it whoever sends so much, waits.
+    void HasRoom(Receiver& receiver);
+
     bool IsOpen() const;
 
 private:
     enum class Phase { kConnecting, kOpen, kUnreachable };
 
     // I/O thread.
+    void Recover();
     void Connect();
     void ConnectLater(const std::string& reason);
     void Opened() override;
     void FrameArrived(const FrameView& frame) override;
-    void BatchEnded() override {}
-    void Closed(const std::string& reason, int level) override;
+    void Closed(std::string_view reason, int level) override;
 
     static void TellOfChange();  // the process's sink, see ipc_diagnostics.h
 
     void SendRoutes(FrameType type, const std::vector<Route>& routes);
     void WaitUntilWritten();
+    void ReadAgain();
 
     const std::filesystem::path m_path;
     const ConnectionTimes m_times;
     asio::io_context m_io{1};
-    asio::executor_work_guard<asio::io_context::executor_type> m_work;
 
     // I/O thread only.
     asio::steady_timer m_connectAgain;
@@ -106,9 +111,11 @@ private:
     std::chrono::steady_clock::time_point m_openedAt;
     std::string m_lastReason;  // why the pipe could not be reached, as last logged
     std::shared_ptr<PipeChannel> m_channel;
+    bool m_isWaiting = false;  // for the next attempt
 
     base::Mutex m_routesMutex;  // taken before m_stateMutex where both are
     std::unordered_map<Route, std::vector<Receiver*>> m_receivers BASE_GUARDED_BY(m_routesMutex);  // no list is empty
+    std::set<Receiver*> m_full BASE_GUARDED_BY(m_routesMutex);
 
     mutable base::Mutex m_stateMutex;
     base::Condition m_phaseChanged;

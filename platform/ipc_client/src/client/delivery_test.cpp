@@ -126,23 +126,6 @@ TEST_F(DeliveryTest, AMessageWhoseCallbackIsRemovedDuringTheWaitForTheUiTurnIsDr
     EXPECT_THAT(inbox.WaitForData(1), ElementsAre("delivered"));
 }
 
-TEST_F(DeliveryTest, BeyondTheBytesThatMayWaitForCallbacksTheOldestMessageIsDropped) {
-    constexpr std::size_t kLarge = 15 * 1024 * 1024;  // [bytes] four of them may wait, five may not
-    Inbox inbox;
-    m_client->RegisterMessageCallback(kFirst, inbox.Callback());
-    {
-        const kernel::UiTurn turn;
-        for (const char letter : {'a', 'b', 'c', 'd', 'e'}) {
-            const std::string data(kLarge, letter);
-            ASSERT_TRUE(WaitUntil([&] { return Post(*m_client, kPage, kFirst, data); }));
-        }
-        EXPECT_TRUE(Logged("the callbacks take too long, the oldest message dropped (1 so far): message 0x1"));
-    }
-    std::string letters;
-    for (const Received& received : inbox.WaitFor(4)) letters += received.data.at(0);
-    EXPECT_EQ(letters, "bcde");
-}
-
 TEST_F(DeliveryTest, UnregistrationWaitsForTheRunningCallbackAndGivesUpTheUiTurn) {
     std::atomic<bool> finished{false};
     BeInACallbackThatSleeps(finished);

@@ -23,11 +23,18 @@ public:
     State(int endpoint, bool mayReceive, std::shared_ptr<Connection> shared)
         : endpointId(endpoint), receives(mayReceive), connection(std::move(shared)) {}
 
+    ~State() {
+        const base::MutexLock lock(registration);
+        if (receiver) connection->HasRoom(*receiver);
+        receiver.reset();
+    }
+
     // Makes the receiver for the first callback; false, with a log line, when its thread cannot be started.
     bool EnsureReceiver() BASE_REQUIRES(registration) {
         if (receiver) return true;
         try {
-            receiver = std::make_unique<Receiver>(endpointId);
+            const auto hasRoom = [shared = connection.get()](Receiver& full) { shared->HasRoom(full); };
+            receiver = std::make_unique<Receiver>(endpointId, hasRoom);
             return true;
         } catch (const std::system_error& error) {
             ipc_client::Log(kIpcLogEvent, "no delivery thread for a client: " + base::Reason(error));

@@ -9,9 +9,6 @@
 
 namespace ipc_client {
 
-// So the queue is never empty behind a message that has just come.
-static_assert(kMaxUndeliveredBytes >= kMaxTextBytes + kMaxDataBytes + kQueuedMessageOverhead);
-
 Receiver::Message::Message(const MessageView& view) : data(view.data) {
     item.text = view.text;
     item.destId = view.destId;
@@ -25,7 +22,8 @@ Receiver::Message::Message(const MessageView& view) : data(view.data) {
     item.dataLen = static_cast<std::int32_t>(data.size());
 }
 
-Receiver::Receiver(int endpointId) : m_endpointId(endpointId), m_thread([this] { DeliverMessages(); }) {}
+Receiver::Receiver(int endpointId, HasRoom hasRoom)
+    : m_endpointId(endpointId), m_hasRoom(std::move(hasRoom)), m_thread([this] { DeliverMessages(); }) {}
 
 Receiver::~Receiver() {
     {
@@ -68,32 +66,36 @@ void Receiver::WaitUntilDone(std::optional<int> msgId) {
     while (m_calling && m_callNumber == callNumber) m_callEnded.Wait(m_mutex);
 }
 
-void Receiver::Deliver(const MessageView& view) {
+bool Receiver::Deliver(const MessageView& view) {
     Message message(view);
-    std::deque<Message> dropped;  // freed without the lock
-    std::size_t droppedSoFar = 0;
+    bool isFull = false;
     {
         const base::MutexLock lock(m_mutex);
-        m_bytes += message.Cost();
         m_messages.push_back(std::move(message));
-        while (m_bytes > kMaxUndeliveredBytes) {
-            m_bytes -= m_messages.front().Cost();
-            dropped.push_back(std::move(m_messages.front()));
-            m_messages.pop_front();
-            droppedSoFar = ++m_dropped;
-        }
+        m_bytes += m_messages.back().Cost();
+        isFull = m_isFull = m_bytes > kMaxUndeliveredBytes;
     }
     m_arrived.NotifyOne();
-    if (droppedSoFar == 0 || !IsWorthALine(droppedSoFar)) return;
-    Log(kIpcLogEvent, "the callbacks take too long, the oldest message dropped (" + std::to_string(droppedSoFar) +
-                          " so far): " + Describe({dropped.front().item.destId, dropped.front().item.msgId}));
+    return !isFull;
 }
 
 void Receiver::DeliverMessages() {
     while (WaitForMessage()) {
-        const kernel::UiTurn turn;
-        DeliverOne();
+        {
+            const kernel::UiTurn turn;
+            DeliverOne();
+        }
+        TellOfRoom();
     }
+}
+
+void Receiver::TellOfRoom() {
+    {
+        const base::MutexLock lock(m_mutex);
+        if (!m_isFull || m_bytes > kMaxUndeliveredBytes / 2) return;
+        m_isFull = false;
+    }
+    m_hasRoom(*this);
 }
 
 bool Receiver::WaitForMessage() {

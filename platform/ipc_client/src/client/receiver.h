@@ -23,8 +23,12 @@ class Receiver {
 public:
     using Callback = std::function<void(TagIPCMessageItem&)>;
 
+    // Told, on the delivery thread and without a lock, that a receiver that was full has room again. It must not call
+    // the receiver.
+    using HasRoom = std::function<void(Receiver&)>;
+
     // Throws std::system_error when the thread cannot be started.
-    explicit Receiver(int endpointId);
+    Receiver(int endpointId, HasRoom hasRoom);
 
     // Ends the thread after the callback that it runs, giving up the UI turn meanwhile. Not on that thread.
     ~Receiver();
@@ -46,8 +50,8 @@ public:
     // the delivery thread.
     void WaitUntilDone(std::optional<int> msgId);
 
-    // Queues a copy of the message; the oldest goes when there are too many. Any thread.
-    void Deliver(const MessageView& message);
+    // Queues a copy of the message. False when it is full by that: whoever delivers waits for HasRoom. Any thread.
+    bool Deliver(const MessageView& message);
 
 private:
     struct Message {
@@ -61,19 +65,21 @@ private:
     // Delivery thread.
     void DeliverMessages();
     bool WaitForMessage();  // false when the thread is to end
+    void TellOfRoom();
     void DeliverOne();
     Held BeginCall(std::optional<Message>& message);  // null when there is nothing to call
     void EndCall();
     void Call(const Callback& callback, Message& message) const;
 
     const int m_endpointId;
+    const HasRoom m_hasRoom;
     base::Mutex m_mutex;  // never held while the UI turn is waited for
     base::Condition m_arrived;
     base::Condition m_callEnded;
     std::unordered_map<int, Held> m_callbacks BASE_GUARDED_BY(m_mutex);
     std::deque<Message> m_messages BASE_GUARDED_BY(m_mutex);
-    std::size_t m_bytes BASE_GUARDED_BY(m_mutex) = 0;  // what m_messages cost
-    std::size_t m_dropped BASE_GUARDED_BY(m_mutex) = 0;
+    std::size_t m_bytes BASE_GUARDED_BY(m_mutex) = 0;    // what m_messages cost
+    bool m_isFull BASE_GUARDED_BY(m_mutex) = false;      // and whoever delivers waits
     bool m_calling BASE_GUARDED_BY(m_mutex) = false;     // a callback runs,
     int m_calledMsgId BASE_GUARDED_BY(m_mutex) = 0;      // for this id,
     unsigned m_callNumber BASE_GUARDED_BY(m_mutex) = 0;  // and is this one

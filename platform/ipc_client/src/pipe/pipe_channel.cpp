@@ -1,14 +1,18 @@
 #include "pipe/pipe_channel.h"
 
 #include <asio/buffer.hpp>
+#include <asio/executor_work_guard.hpp>
 #include <asio/post.hpp>
 #include <exception>
+#include <span>
+#include <thread>
 
 #include "base/reason.h"
 #include "diagnostics.h"
 
 namespace ipc_client {
 
+// A side that has closed after its last frame takes no hello any more; what it wrote is read all the same.
 void PipeChannel::Start(std::chrono::milliseconds handshake) {
     m_timer.expires_after(handshake);
     m_timer.async_wait([self = shared_from_this()](std::error_code error) {
@@ -16,7 +20,10 @@ void PipeChannel::Start(std::chrono::milliseconds handshake) {
     });
     std::string hello;
     AppendHello(hello);
-    if (!WriteHello(m_socket, hello)) return Close("the handshake could not be written");
+    if (!WriteHello(m_socket, hello)) {
+        const base::MutexLock lock(m_mutex);
+        m_writable = false;
+    }
     Read();
 }
 
@@ -32,8 +39,8 @@ void PipeChannel::Flush() {
         const std::size_t written = WriteNow(m_socket, chunk);
         m_out.Written(written);
         if (written == chunk.size()) continue;
+        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->WriteOn(); });
         m_writing = true;
-        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->WriteAsync(); });
         return;
     }
 }
@@ -50,7 +57,7 @@ void PipeChannel::WaitWritten(std::chrono::steady_clock::time_point until) {
     }
 }
 
-void PipeChannel::Close(const std::string& reason, int level) {
+void PipeChannel::Close(std::string_view reason, int level) {
     {
         const base::MutexLock lock(m_mutex);
         if (m_closed) return;
@@ -73,20 +80,44 @@ void PipeChannel::Read() {
     m_socket.async_read_some(
         asio::buffer(space.data(), space.size()),
         [self = shared_from_this()](std::error_code error, std::size_t bytes) { self->HandleRead(error, bytes); });
+    m_reading = true;
+}
+
+void PipeChannel::ReadOn() {
+    if (!m_closed && !m_paused && !m_reading) Read();
+}
+
+void PipeChannel::Resume() {
+    m_paused = false;
+    try {
+        ReadOn();
+    } catch (const std::exception& error) {
+        Close(error.what());
+    }
 }
 
 void PipeChannel::HandleRead(std::error_code error, std::size_t bytes) {
+    m_reading = false;
     if (m_closed) return;
     if (error) return Close(IsEndOfPipe(error) ? "the other side closed it" : base::Reason(error), kIpcLogDetail);
     m_reader.Commit(bytes);
     try {
-        TakeFrames();
+        TakeBatch();
+        ReadOn();
     } catch (const std::exception& wrong) {  // ProtocolError, or no memory for what it says
-        m_listener.BatchEnded();
-        return Close(base::Reason(wrong));
+        Close(wrong.what());
     }
-    m_listener.BatchEnded();
-    if (!m_closed) Read();
+}
+
+// Whole frames before a wrong one have their effect.
+void PipeChannel::TakeBatch() {
+    try {
+        TakeFrames();
+    } catch (const ProtocolError&) {
+        m_listener.BatchEnded();
+        throw;
+    }
+    if (!m_closed) m_listener.BatchEnded();
 }
 
 void PipeChannel::TakeFrames() {
@@ -115,24 +146,37 @@ void PipeChannel::WriteAsync() {
 // A pipe that takes nothing more may still hold messages from the other side, which closed it after its last post. So
 // a failed write ends only writing; the end of the connection is found by reading.
 void PipeChannel::HandleWritten(std::error_code error, std::size_t bytes) {
+    bool goesOn = false;
     {
         const base::MutexLock lock(m_mutex);
         if (m_closed) return;
         m_out.Written(bytes);
         if (error) m_writable = false;
-        m_writing = !error && m_out.Bytes() != 0;
-        if (m_out.Bytes() == 0 || error) m_written.NotifyAll();
-        if (!m_writing) return;
+        goesOn = m_writing = !error && m_out.Bytes() != 0;
+        if (!goesOn) m_written.NotifyAll();
     }
-    WriteAsync();
+    if (goesOn) WriteOn();
+    if (!m_closed) m_listener.Written();
 }
 
-void RunIo(asio::io_context& io) noexcept {
+void PipeChannel::WriteOn() {
+    try {
+        WriteAsync();
+    } catch (const std::exception& error) {
+        Close(error.what());
+    }
+}
+
+void RunIo(asio::io_context& io, const std::function<void()>& recover) noexcept {
+    constexpr std::chrono::milliseconds kUntilThereMayBeMemory{10};
+    const auto work = asio::make_work_guard(io);  // a context without work stops by itself
     while (!io.stopped()) {
         try {
+            recover();
             io.run();
         } catch (const std::exception& error) {
-            Log(kIpcLogEvent, "I/O thread: " + base::Reason(error));
+            LogIfPossible(kIpcLogEvent, [&] { return "I/O thread: " + std::string(error.what()); });
+            std::this_thread::sleep_for(kUntilThereMayBeMemory);
         }
     }
 }

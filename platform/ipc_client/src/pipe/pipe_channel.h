@@ -3,6 +3,7 @@
 #include <asio/steady_timer.hpp>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,16 +19,18 @@ namespace ipc_client {
 // One connected pipe, as broker and clients both use it: handshake, frames in, frames out.
 //
 // Listener calls come on the thread that runs the io_context, never after Closed and never from within Append or Flush.
-// The listener must live until that thread has ended, or Closed has been called.
+// The listener must live until that thread has ended, or Closed has been called. What a listener throws, other than
+// from Closed, closes the channel: a connection is read, or it is closed.
 class PipeChannel : public std::enable_shared_from_this<PipeChannel> {
 public:
     class Listener {
     public:
         virtual void Opened() = 0;                              // the other side's handshake came and is right
-        virtual void FrameArrived(const FrameView& frame) = 0;  // may throw ProtocolError, which closes the channel
-        virtual void BatchEnded() = 0;  // all frames that one read brought have been handed over
+        virtual void FrameArrived(const FrameView& frame) = 0;  // may throw ProtocolError
+        virtual void BatchEnded() {}  // all frames that one read brought have been handed over
+        virtual void Written() {}     // some of what Flush left to the I/O thread is out
         // Once, last. `level`: of the log line that tells it, lower when the other side just went.
-        virtual void Closed(const std::string& reason, int level) = 0;
+        virtual void Closed(std::string_view reason, int level) = 0;
 
     protected:
         ~Listener() = default;
@@ -48,21 +51,31 @@ public:
     // Bytes queued and not yet written. Any thread.
     std::size_t Backlog() const;
 
+    // Leaves what comes in the pipe, once what one read brought has been handed over; reads on. I/O thread.
+    void Pause() { m_paused = true; }
+    void Resume();
+
+    // Bytes taken for a long frame that has not come whole yet. I/O thread.
+    std::size_t UnfinishedBytes() const { return m_reader.GrownBytes(); }
+
     // Waits until everything is written, or nothing more can be, or the time has come. Any thread but the I/O thread.
     void WaitWritten(std::chrono::steady_clock::time_point until);
 
     // Closes the pipe; tells the listener. I/O thread.
-    void Close(const std::string& reason, int level = kIpcLogEvent);
+    void Close(std::string_view reason, int level = kIpcLogEvent);
 
     // After Closed: the messages that were not written (OutQueue::TakeMessages).
     std::string TakeMessages();
 
 private:
     void Read();
+    void ReadOn();
     void HandleRead(std::error_code error, std::size_t bytes);
+    void TakeBatch();
     void TakeFrames();
     void WriteAsync();
     void HandleWritten(std::error_code error, std::size_t bytes);
+    void WriteOn();
 
     PipeSocket m_socket;
     asio::steady_timer m_timer;
@@ -71,6 +84,8 @@ private:
     // I/O thread only.
     FrameReader m_reader;
     bool m_opened = false;
+    bool m_reading = false;  // a read is under way
+    bool m_paused = false;
 
     mutable base::Mutex m_mutex;  // also keeps m_socket from being closed during a write
     base::Condition m_written;
@@ -81,7 +96,8 @@ private:
 };
 
 // Runs the I/O thread's work until the context is stopped. An exception (no memory left, say) costs the one handler
-// that threw it and is logged.
-void RunIo(asio::io_context& io) noexcept;
+// that threw it and is logged; `recover` then begins again what that handler did not. Before the first handler it is
+// called too, to begin.
+void RunIo(asio::io_context& io, const std::function<void()>& recover) noexcept;
 
 }  // namespace ipc_client

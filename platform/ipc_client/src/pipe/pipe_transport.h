@@ -29,8 +29,12 @@ std::size_t WriteNow(PipeSocket& socket, std::string_view bytes);
 // Whether a read failed because the other side has closed the pipe, and everything it wrote has been read.
 bool IsEndOfPipe(std::error_code error);
 
-// "process 1234", for log lines.
-std::string PeerName(PipeSocket& socket);
+// The id of the process at the other end, as the system tells it; 0 when it does not.
+unsigned long PeerProcess(PipeSocket& socket);
+unsigned long OwnProcess();
+
+// How many files, pipes included, the system lets this process have open.
+std::size_t MostOpenFiles();
 
 // Why a pipe cannot be had, for the systems' sources. Each throws std::runtime_error naming the path.
 [[noreturn]] void FailAt(const std::filesystem::path& path, const std::string& reason);
@@ -47,7 +51,8 @@ public:
     PipeListener(asio::io_context& io, const std::filesystem::path& path);
     ~PipeListener();
 
-    // Calls `accepted` once, with an open socket of this user or with an error.
+    // Calls `accepted` once, with an open socket of this user, which no child process inherits, or with an error:
+    // std::errc::permission_denied when a process of another user came, which has been closed.
     void AsyncAccept(std::function<void(std::error_code, PipeSocket)> accepted);
 
 private:

@@ -178,6 +178,8 @@ std::span<char> FrameReader::Space() {
 
 void FrameReader::Commit(std::size_t bytes) { m_end += bytes; }
 
+std::size_t FrameReader::GrownBytes() const { return m_buffer.size() - kReadBytes; }
+
 bool FrameReader::TakeHello() {
     if (m_helloTaken) return true;
     if (Unread().size() < kHelloBytes) return false;

@@ -120,6 +120,9 @@ public:
     std::span<char> Space();
     void Commit(std::size_t bytes);
 
+    // Bytes that the buffer has grown by for a frame that is longer than one read.
+    std::size_t GrownBytes() const;
+
     // True once the handshake is complete and right, which stays so; false while bytes are missing. Throws
     // ProtocolError when it is wrong.
     bool TakeHello();

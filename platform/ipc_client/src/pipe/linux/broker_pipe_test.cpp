@@ -8,8 +8,10 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <functional>
 #include <optional>
+#include <string>
 #include <thread>
 
 #include "ipc/pipe_test.h"
@@ -56,6 +58,49 @@ TEST_F(BrokerSocket, TheSocketOfAKilledBrokerIsReplaced) {
     EXPECT_NO_THROW(broker.Start());
     RawPeer peer(SocketPath());
     EXPECT_EQ(peer.Read(8), Hello());
+}
+
+TEST_F(BrokerSocket, ALiveBrokerKeepsItsNameWhenItsLockIsRemoved) {
+    IPCBroker first(kPipe);
+    first.Start();
+    ASSERT_TRUE(std::filesystem::remove(SocketPath().string() + ".lock"));
+    EXPECT_THAT([&] { IPCBroker(kPipe).Start(); }, ThrowsMessage<std::runtime_error>(HasSubstr("taken")));
+    RawPeer peer(SocketPath());
+    EXPECT_EQ(peer.Read(8), Hello());
+}
+
+TEST_F(BrokerSocket, ABrokerLeavesTheSocketOfAnother) {
+    IPCBroker first(kPipe), second(kPipe);
+    first.Start();
+    std::filesystem::remove(SocketPath());
+    std::filesystem::remove(SocketPath().string() + ".lock");
+    second.Start();
+    first.Stop();
+    RawPeer peer(SocketPath());
+    EXPECT_EQ(peer.Read(8), Hello());
+}
+
+// What a program has open that was started by a library, without a thought of this one.
+std::string OpenInAChild() {
+    FILE* const child = popen("for file in /proc/self/fd/*; do readlink $file; done | grep -c socket", "r");
+    char line[32] = "";
+    const bool isRead = std::fgets(line, sizeof line, child) != nullptr;
+    pclose(child);
+    return isRead ? line : "nothing";
+}
+
+TEST_F(BrokerSocket, ChildrenInheritNoConnection) {
+    const std::string before = OpenInAChild();
+    IPCBroker broker(kPipe);
+    broker.Start();
+    Inbox inbox;
+    IPCMessageClient client(1, true, false, kPipe);
+    client.RegisterMessageCallback(1, inbox.Callback());
+    RawPeer peer(SocketPath());
+    EXPECT_EQ(peer.Read(8), Hello());
+    Post(client, 1, 1, "both ends are open");
+    ASSERT_EQ(inbox.WaitFor(1).size(), 1u);
+    EXPECT_EQ(OpenInAChild(), before);
 }
 
 TEST_F(BrokerSocket, TheSocketIsForThisUserOnly) {

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -9,6 +10,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
+#include <system_error>
 #include <utility>
 
 #include "base/handle.h"
@@ -47,27 +50,51 @@ ucred Peer(int fd) {
 
 bool IsOfThisUser(int fd) { return Peer(fd).uid == geteuid(); }
 
-// Takes the lock that says that a live broker has this name. The file stays behind: removing it would let two brokers
-// lock two files of one name. A killed broker's lock goes with its process.
-int LockName(const fs::path& path) {
-    const fs::path lockPath = path.native() + ".lock";
-    base::OwnedHandle fd(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!fd) FailWithErrno(lockPath);
-    if (flock(fd.Descriptor(), LOCK_EX | LOCK_NB) != 0) {
-        if (errno == EWOULDBLOCK) FailAsTaken(path, base::LastReason());
-        FailWithErrno(path);
-    }
-    return fd.ReleaseDescriptor();
+struct stat StatusOf(int fd, const fs::path& path) {
+    struct stat status {};
+    if (fstat(fd, &status) != 0) FailWithErrno(path);
+    return status;
 }
 
-// Binds and listens; the name's lock is held, so a socket that is there is a dead broker's.
+// Whether the file of that name is the open one, and not another that took its place.
+bool IsFileOf(const fs::path& path, const struct stat& open) {
+    struct stat named {};
+    return lstat(path.c_str(), &named) == 0 && named.st_dev == open.st_dev && named.st_ino == open.st_ino;
+}
+
+// Takes the lock that says that a live broker has this name. The file stays behind: removing it would let two brokers
+// lock two files of one name. A killed broker's lock goes with its process.
+base::OwnedHandle LockName(const fs::path& path) {
+    const fs::path lockPath = path.native() + ".lock";
+    for (;;) {
+        base::OwnedHandle fd(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        if (!fd) FailWithErrno(lockPath);
+        if (flock(fd.Descriptor(), LOCK_EX | LOCK_NB) != 0) {
+            if (errno == EWOULDBLOCK) FailAsTaken(path, base::LastReason());
+            FailWithErrno(path);
+        }
+        if (IsFileOf(lockPath, StatusOf(fd.Descriptor(), lockPath))) return fd;  // else somebody removed it meanwhile
+    }
+}
+
+bool IsAnswered(const fs::path& path, const sockaddr_un& address) {
+    const base::OwnedHandle fd(NewSocket(path));
+    return connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ||
+           errno == EAGAIN;  // its backlog is full
+}
+
+// Binds and listens. The name's lock is held, so a socket that is there is a dead broker's, unless somebody removed the
+// lock of a live one: that one answers.
 int Listen(const fs::path& path, const sockaddr_un& address) {
     base::OwnedHandle fd(NewSocket(path));
+    if (IsAnswered(path, address)) FailAsTaken(path, "it answers");
     if (unlink(path.c_str()) != 0 && errno != ENOENT) FailWithErrno(path);
     if (bind(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) FailWithErrno(path);
     if (chmod(path.c_str(), 0600) != 0 || listen(fd.Descriptor(), SOMAXCONN) != 0) FailWithErrno(path);
     return fd.ReleaseDescriptor();
 }
+
+std::error_code LastError() { return {errno, std::system_category()}; }
 
 }  // namespace
 
@@ -90,37 +117,76 @@ std::size_t WriteNow(PipeSocket& socket, std::string_view bytes) {
 
 bool WriteHello(PipeSocket& socket, std::string_view bytes) { return WriteNow(socket, bytes) == bytes.size(); }
 
-bool IsEndOfPipe(std::error_code error) { return error == asio::error::eof; }
+// A reset: the other side closed it before it had read everything.
+bool IsEndOfPipe(std::error_code error) { return error == asio::error::eof || error == asio::error::connection_reset; }
 
-std::string PeerName(PipeSocket& socket) { return "process " + std::to_string(Peer(socket.native_handle()).pid); }
+unsigned long PeerProcess(PipeSocket& socket) { return static_cast<unsigned long>(Peer(socket.native_handle()).pid); }
+
+unsigned long OwnProcess() { return static_cast<unsigned long>(getpid()); }
+
+std::size_t MostOpenFiles() {
+    rlimit limit{};
+    const bool isKnown = getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;
+    return isKnown ? limit.rlim_cur : std::numeric_limits<std::size_t>::max();
+}
 
 struct PipeListener::State {
-    State(asio::io_context& io, const fs::path& where)
-        : path(where),
+    State(asio::io_context& context, const fs::path& where)
+        : io(context),
+          path(where),
           address(Address(where)),
           lock((PreparePipeFolder(where.parent_path()), LockName(where))),
           acceptor(io) {
         base::OwnedHandle listener(Listen(path, address));
+        if (lstat(path.c_str(), &bound) != 0) FailWithErrno(path);
         acceptor.assign(asio::local::stream_protocol(), listener.Descriptor());
         listener.ReleaseDescriptor();
+        acceptor.non_blocking(true);
     }
 
+    // None, without an error, when nobody has come after all.
+    base::OwnedHandle Accept(std::error_code& error) {
+        base::OwnedHandle fd(accept4(acceptor.native_handle(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+        if (!fd) {
+            if (errno != EAGAIN && errno != ECONNABORTED && errno != EINTR) error = LastError();
+            return fd;
+        }
+        if (IsOfThisUser(fd.Descriptor())) return fd;
+        error = std::make_error_code(std::errc::permission_denied);
+        return base::OwnedHandle();
+    }
+
+    PipeSocket Socket(base::OwnedHandle fd) {
+        PipeSocket socket(io, asio::local::stream_protocol(), fd.Descriptor());
+        fd.ReleaseDescriptor();
+        socket.non_blocking(true);
+        return socket;
+    }
+
+    asio::io_context& io;
     fs::path path;
     sockaddr_un address;
     base::OwnedHandle lock;
     asio::local::stream_protocol::acceptor acceptor;
+    struct stat bound {};  // the socket's file
 };
 
 PipeListener::PipeListener(asio::io_context& io, const fs::path& path) : m_state(std::make_shared<State>(io, path)) {}
 
-PipeListener::~PipeListener() { unlink(m_state->path.c_str()); }
+PipeListener::~PipeListener() {
+    if (IsFileOf(m_state->path, m_state->bound)) unlink(m_state->path.c_str());
+}
 
+// Asio's own accept leaves the socket open in children that another thread starts at that moment.
 void PipeListener::AsyncAccept(std::function<void(std::error_code, PipeSocket)> accepted) {
-    m_state->acceptor.async_accept([accepted = std::move(accepted)](std::error_code error, PipeSocket socket) {
-        if (!error && !IsOfThisUser(socket.native_handle())) error = std::make_error_code(std::errc::permission_denied);
-        if (!error) socket.non_blocking(true, error);
-        accepted(error, std::move(socket));
-    });
+    m_state->acceptor.async_wait(asio::socket_base::wait_read,
+                                 [this, accepted = std::move(accepted)](std::error_code error) mutable {
+                                     base::OwnedHandle fd;
+                                     if (!error) fd = m_state->Accept(error);
+                                     if (error) return accepted(error, PipeSocket(m_state->io));
+                                     if (!fd) return AsyncAccept(std::move(accepted));
+                                     accepted(error, m_state->Socket(std::move(fd)));
+                                 });
 }
 
 }  // namespace ipc_client

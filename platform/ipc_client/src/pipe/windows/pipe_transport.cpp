@@ -3,6 +3,7 @@
 #include <asio/post.hpp>
 #include <asio/windows/overlapped_ptr.hpp>
 #include <deque>
+#include <limits>
 #include <list>
 #include <memory>
 #include <system_error>
@@ -160,7 +161,7 @@ bool IsEndOfPipe(std::error_code error) {
                                           error.value() == ERROR_PIPE_NOT_CONNECTED));
 }
 
-std::string PeerName(PipeSocket& socket) {
+unsigned long PeerProcess(PipeSocket& socket) {
     DWORD flags = 0;
     ULONG id = 0;
     const HANDLE pipe = socket.native_handle();
@@ -170,8 +171,12 @@ std::string PeerName(PipeSocket& socket) {
     } else {
         GetNamedPipeServerProcessId(pipe, &id);
     }
-    return "process " + std::to_string(id);
+    return id;
 }
+
+unsigned long OwnProcess() { return GetCurrentProcessId(); }
+
+std::size_t MostOpenFiles() { return std::numeric_limits<std::size_t>::max(); }
 
 // Some instances listen at any time, so that peers who come at once all find one. I/O thread; lives until the last of
 // its operations has ended.
