@@ -12,13 +12,25 @@ int Units(std::wstring_view text) {
     return units;
 }
 
+int Pixels(double length) {
+    constexpr double kMost = 1e9;  // of an absurd scale
+    return static_cast<int>(std::lround(std::min(length, kMost)));
+}
+
+// How many of these cells a line has.
+int CellsIn(int width, double cellWidth) {
+    if (cellWidth <= 0) return width;
+    return std::max(1, static_cast<int>(std::floor(width / cellWidth)));
+}
+
 }  // namespace
 
 DuiLib::CDuiSize FixedCellMeasurer::Measure(std::wstring_view text, const DuiLib::FontDescription&, unsigned scale,
                                             int maxWidth, bool wrap) {
+    ++calls;
     const double cellWidth = m_cell.cx * (scale / 100.0);
     const double lineHeight = m_cell.cy * (scale / 100.0);
-    const int perLine = std::max(1, static_cast<int>(std::floor(maxWidth / cellWidth)));
+    const int perLine = CellsIn(maxWidth, cellWidth);
     int lines = 0;
     int widest = 0;
     while (!text.empty()) {
@@ -28,5 +40,5 @@ DuiLib::CDuiSize FixedCellMeasurer::Measure(std::wstring_view text, const DuiLib
         widest = std::max(widest, wrap ? std::min(units, perLine) : units);
         text.remove_prefix(std::min(end + 1, text.size()));
     }
-    return {static_cast<int>(std::lround(widest * cellWidth)), static_cast<int>(std::lround(lines * lineHeight))};
+    return {Pixels(widest * cellWidth), Pixels(lines * lineHeight)};
 }

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "duilib/duilib.h"
+#include "support/fixed_cell_measurer.h"
 #include "support/temporary_folder.h"
 #include "support/toolkit/test_system.h"
 
@@ -23,27 +23,8 @@ inline std::ostream& operator<<(std::ostream& out, const CDuiRect& rect) {
 }
 inline std::ostream& operator<<(std::ostream& out, const CDuiSize& size) { return out << size.cx << 'x' << size.cy; }
 
-// Every character is a cell of 10 x 20 design pixels, whatever the font; breaks anywhere.
-class CellMeasurer : public TextMeasurer {
-public:
-    CDuiSize Measure(std::wstring_view text, const FontDescription&, unsigned scale, int maxWidth, bool wrap) override {
-        ++calls;
-        const int cellWidth = std::max(1, static_cast<int>(std::min(10 * (scale / 100.0), 1e6)));
-        const int perLine = wrap ? std::max(1, maxWidth / cellWidth) : 1 << 20;
-        int widest = 0;
-        int lines = 0;
-        while (!text.empty()) {
-            const auto end = text.find(L'\n');
-            const int units = static_cast<int>(text.substr(0, end).size());
-            widest = std::max(widest, std::min(units, perLine));
-            lines += std::max(1, (units + perLine - 1) / perLine);
-            text.remove_prefix(end == text.npos ? text.size() : end + 1);
-        }
-        return {widest * cellWidth, lines * static_cast<int>(std::min(20 * (scale / 100.0), 1e6))};
-    }
-
-    int calls = 0;
-};
+// Cells of tests that do not ask for others.
+inline constexpr CDuiSize kCell{10, 20};  // [design px]
 
 // The toolkit as a fresh process has it, with cells for letters. A diagnostic that no test takes fails the test.
 class ToolkitTest : public ::testing::Test {
@@ -62,7 +43,7 @@ protected:
 
     std::vector<std::string> TakeDiagnostics() { return std::exchange(diagnostics, {}); }
 
-    CellMeasurer cells;
+    FixedCellMeasurer cells{kCell};
     std::vector<std::string> diagnostics;
 
 private:

@@ -99,7 +99,7 @@ TEST(SystemTextMeasurer, AnyCharactersCanBeMeasured) {
 
 TEST(SystemTextMeasurer, ItIsTheMeasurerUntilAnotherIsSet) {
     EXPECT_EQ(&CRenderEngine::GetTextMeasurer(), &SystemTextMeasurer());
-    CellMeasurer cells;
+    FixedCellMeasurer cells(kCell);
     CRenderEngine::SetTextMeasurer(&cells);
     EXPECT_EQ(&CRenderEngine::GetTextMeasurer(), &cells);
     CRenderEngine::SetTextMeasurer(nullptr);

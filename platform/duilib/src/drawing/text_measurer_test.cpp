@@ -11,14 +11,14 @@ const FontDescription kFont;
 }  // namespace
 
 TEST(MeasureCache, ATextIsMeasuredOnce) {
-    CellMeasurer cells;
+    FixedCellMeasurer cells(kCell);
     MeasureCache cache(cells);
     for (int i = 0; i < 3; ++i) EXPECT_EQ(cache.Measure(L"0123456789", kFont, 100, 45, true), (CDuiSize{40, 60}));
     EXPECT_EQ(cells.calls, 1);
 }
 
 TEST(MeasureCache, WhatBearsOnTheSizeIsPartOfTheKey) {
-    CellMeasurer cells;
+    FixedCellMeasurer cells(kCell);
     MeasureCache cache(cells);
     cache.Measure(L"a", kFont, 100, 45, true);
     cache.Measure(L"b", kFont, 100, 45, true);
@@ -34,7 +34,7 @@ TEST(MeasureCache, WhatBearsOnTheSizeIsPartOfTheKey) {
 }
 
 TEST(MeasureCache, ItIsBoundedAndKeepsWhatWasAskedForLast) {
-    CellMeasurer cells;
+    FixedCellMeasurer cells(kCell);
     MeasureCache cache(cells);
     for (std::size_t i = 0; i < 3 * MeasureCache::kMaxEntries; ++i) {
         cache.Measure(std::to_wstring(i), kFont, 100, 45, false);
@@ -45,7 +45,7 @@ TEST(MeasureCache, ItIsBoundedAndKeepsWhatWasAskedForLast) {
 }
 
 TEST(MeasureCache, LongTextsAreNotKept) {
-    CellMeasurer cells;
+    FixedCellMeasurer cells(kCell);
     MeasureCache cache(cells);
     const std::wstring text(MeasureCache::kMaxTextLength + 1, L'x');
     cache.Measure(text, kFont, 100, 45, false);
