@@ -5,8 +5,18 @@ cpp_files() {
   find base channel plugin platform apps resources docs tests bench \( -name '*.cpp' -o -name '*.h' \) | sort
 }
 
+# Others of the same major version break some lines elsewhere.
+format_version=14.0.6
+
 check_format() {
-  echo "== sources: format ($(clang-format-14 --version | sed 's/.*version/version/'))"
+  found=$(clang-format-14 --version 2>&1 | sed -n 's/.*clang-format version \([0-9.]*\).*/\1/p')
+  echo "== sources: format (clang-format-14 $found)"
+  if [ "$found" != "$format_version" ]; then
+    echo "test: clang-format-14 is version ${found:-unknown} here, and the sources are formatted by $format_version:" \
+      "install the package clang-format-14 of Debian 12, or put its program first in PATH" >&2
+    failed="$failed format"
+    return 0
+  fi
   cpp_files | xargs clang-format-14 --dry-run --Werror 2>&1 | grep -E 'error:' | cut -d: -f1 | sort | uniq -c >build/format.log || true
   [ -s build/format.log ] || return 0
   cat build/format.log >&2

@@ -43,6 +43,22 @@ for name in source_rules_test RoomTable ARoomIncludesItselfAndWhatItsRowNames \
   is_known "$name" || fail "$name is not known"
 done
 
+# The sources' format is judged by one version only. The one here calls every source well formatted.
+. cmake/check_sources.sh
+# format_by VERSION
+format_by() (
+  printf '#!/bin/sh\necho "Debian clang-format version %s"\n' "$1" >"$folder/clang-format-14"
+  chmod +x "$folder/clang-format-14"
+  PATH=$folder:$PATH
+  mkdir -p build
+  check_format
+  conclude
+)
+expect 0 "format (clang-format-14 $format_version)" format_by "$format_version"
+expect 1 'test: failed: format' format_by 14.0.0
+expect 1 "clang-format-14 is version 14.0.0 here, and the sources are formatted by $format_version" format_by 14.0.0
+expect 1 'clang-format-14 is version unknown here' format_by none
+
 # A project of three tests under this one's presets: one passes, one fails the first time, one fails.
 mkdir -p "$folder/build/release"
 cp CMakePresets.json "$folder"
