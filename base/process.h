@@ -64,4 +64,8 @@ const char* WaitForStopSignal();
 // cannot be written is lost. Any thread.
 void WriteToErrors(std::string_view text);
 
+// Whether standard error takes so many bytes without making this thread wait for whoever reads it. On Windows, which
+// does not tell, always true.
+bool ErrorsTakeAtOnce(std::size_t bytes);
+
 }  // namespace base

@@ -1,11 +1,12 @@
 #include "base/process.h"
 
+#include <limits.h>
+#include <poll.h>
 #include <signal.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
 #include <thread>
@@ -87,8 +88,18 @@ const char* WaitForStopSignal() {
 }
 
 void WriteToErrors(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
+    while (!text.empty()) {
+        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+        if (written < 0 && errno != EINTR) return;
+        if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+// A pipe that has any room takes a page.
+bool ErrorsTakeAtOnce(std::size_t bytes) {
+    pollfd errors{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&errors, 1, 0) <= 0) return false;
+    return bytes <= PIPE_BUF || (errors.revents & POLLERR) != 0;
 }
 
 }  // namespace base

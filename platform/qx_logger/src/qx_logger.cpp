@@ -5,6 +5,7 @@
 #include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 
+#include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -14,18 +15,24 @@
 #include "base/path.h"
 #include "base/process.h"
 #include "base/text.h"
+#include "console_lines.h"
 
 namespace {
 
 using Sinks = std::vector<spdlog::sink_ptr>;
 
+ConsoleLines& Console() {
+    static ConsoleLines& lines = *new ConsoleLines;
+    return lines;
+}
+
 class ConsoleSink final : public spdlog::sinks::base_sink<spdlog::details::null_mutex> {
     void sink_it_(const spdlog::details::log_msg& message) override {
         spdlog::memory_buf_t line;
         formatter_->format(message, line);
-        base::WriteToErrors({line.data(), line.size()});
+        Console().Write({line.data(), line.size()});
     }
-    void flush_() override {}  // every line is out
+    void flush_() override {}  // every line is out, or waits for whoever reads
 };
 
 // The sinks are the unlocked kind: the logger's own mutex is held around every line.
@@ -91,6 +98,10 @@ void QxLogger::Open(const Options& options) {
 }
 
 void QxLogger::Flush() {
-    const base::MutexLock lock(m_state->mutex);
-    m_state->backEnd->flush();
+    constexpr std::chrono::milliseconds kPatience{500};  // with whoever reads standard error
+    {
+        const base::MutexLock lock(m_state->mutex);
+        m_state->backEnd->flush();
+    }
+    Console().Flush(std::chrono::steady_clock::now() + kPatience);
 }

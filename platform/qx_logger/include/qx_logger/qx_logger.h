@@ -15,7 +15,8 @@ enum LOG_MESSAGE_LEVEL : int {
 };
 
 // The process-wide logger. Every operation may be called on any thread; lines are written whole, one after another.
-// Until Open has been called, lines go only to the console (standard error).
+// Until Open has been called, lines go only to the console (standard error). Where that is not read, lines wait for it
+// without their writers, up to a mebibyte; then lines are left out, and their number stands in their place.
 class QX_LOGGER_API QxLogger {
 public:
     static QxLogger* GetInstance();
@@ -36,7 +37,7 @@ public:
     // cannot be opened; the old sinks then stay.
     void Open(const Options& options);
 
-    // Writes out what is buffered.
+    // Writes out what is buffered; gives whoever reads standard error half a second for that.
     void Flush();
 
     QxLogger(const QxLogger&) = delete;
