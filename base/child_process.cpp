@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "base/child_system.h"
+#include "base/file.h"
 #include "base/mutex.h"
-#include "base/path.h"
 #include "base/process.h"
 
 namespace base {

@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "base/child_system.h"
-#include "base/path.h"
+#include "base/file.h"
 #include "base/process.h"
 #include "wait_until.h"
 

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "base/path.h"
+#include "base/file.h"
 
 namespace base {
 namespace {

@@ -5,6 +5,8 @@
 namespace base {
 namespace {
 
+constexpr char32_t kLastCodePoint = 0x10FFFF;
+
 // What may follow a first byte. The limits of the second byte exclude overlong forms, surrogates and what is beyond
 // U+10FFFF; later bytes are 80..BF.
 struct Sequence {
@@ -108,7 +110,7 @@ DecodedCharacter DecodeUtf8(std::string_view text) {
 }
 
 std::size_t EncodeUtf8(char32_t character, char (&bytes)[4]) {
-    if (character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) character = kReplacementCharacter;
+    if (character > kLastCodePoint || (character >= 0xD800 && character <= 0xDFFF)) character = kReplacementCharacter;
     const std::size_t size = character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
     static constexpr unsigned char kMark[] = {0, 0x00, 0xC0, 0xE0, 0xF0};
     for (std::size_t i = size - 1; i > 0; --i) {
@@ -121,6 +123,17 @@ std::size_t EncodeUtf8(char32_t character, char (&bytes)[4]) {
 
 std::wstring WideFromUtf8(std::string_view text) { return Decoded<wchar_t>(text); }
 std::u16string Utf16FromUtf8(std::string_view text) { return Decoded<char16_t>(text); }
+
+std::u16string Utf16FromWide(std::wstring_view text) {
+    std::u16string units;
+    units.reserve(text.size());
+    for (const wchar_t c : text) {
+        const auto character = static_cast<char32_t>(c);
+        Append(units, character > kLastCodePoint ? kReplacementCharacter : character);
+    }
+    return units;
+}
+
 std::string Utf8FromWide(std::wstring_view text) { return Encoded(text); }
 std::string Utf8FromUtf16(std::u16string_view text) { return Encoded(text); }
 

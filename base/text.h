@@ -18,6 +18,9 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 std::wstring WideFromUtf8(std::string_view text);
 std::u16string Utf16FromUtf8(std::string_view text);
 
+// Unpaired surrogates stay; what is no code point becomes U+FFFD.
+std::u16string Utf16FromWide(std::wstring_view text);
+
 // Unpaired surrogates become U+FFFD, pairs are joined, also where a wide character has 32 bits.
 std::string Utf8FromWide(std::wstring_view text);
 std::string Utf8FromUtf16(std::u16string_view text);

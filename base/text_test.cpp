@@ -95,6 +95,12 @@ TEST(Text, GoesToUtf16UnitsAndBack) {
     const std::u16string units(u"a\0\u00E9\u6F22\xD83D\xDD16z", 7);
     EXPECT_EQ(Utf16FromUtf8(utf8), units);
     EXPECT_EQ(Utf8FromUtf16(units), utf8);
+    EXPECT_EQ(Utf16FromWide(WideFromUtf8(utf8)), units);
+}
+
+TEST(Text, UnpairedSurrogatesOfAWideStringStayInUtf16) {
+    EXPECT_EQ(Utf16FromWide(L"\xD83D\x41\xDD16"), u"\xD83D\x41\xDD16");
+    EXPECT_EQ(Utf16FromWide(L"\xD83D\xDD16"), u"\xD83D\xDD16");
 }
 
 TEST(Text, IllFormedBytesBecomeReplacementCharactersInWideStringsToo) {
@@ -125,6 +131,7 @@ TEST(Text, WhatIsNoCodePointInAWideStringBecomesTheReplacementCharacter) {
     if (sizeof(wchar_t) == 2) GTEST_SKIP() << "every unit is part of a code point here";
     EXPECT_EQ(Utf8FromWide(std::wstring(1, static_cast<wchar_t>(0x110000))), "\xEF\xBF\xBD");
     EXPECT_EQ(Utf8FromWide(std::wstring(1, static_cast<wchar_t>(-1))), "\xEF\xBF\xBD");
+    EXPECT_EQ(Utf16FromWide(std::wstring(1, static_cast<wchar_t>(-1))), u"\xFFFD");
 }
 
 TEST(Text, BecomesOneLineWithItsControlCharactersAsEscapes) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "channel/record_codec.h"
+#include "channel/payload.h"
 #include "duilib/duilib.h"
 #include "update_list/accessories_update_wnd.h"
 

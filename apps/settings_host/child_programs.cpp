@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "base/path.h"
+#include "base/file.h"
 
 namespace settings_host {
 

@@ -8,7 +8,7 @@
 #include <system_error>
 #include <thread>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/reason.h"
 #include "base/text.h"
 #include "host_output.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/path.h"
+#include "base/file.h"
 
 namespace settings_host {
 

@@ -2,7 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "module_loader/page_module.h"
 
 namespace settings_host {

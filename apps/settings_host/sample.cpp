@@ -11,7 +11,7 @@
 #include <system_error>
 #include <thread>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/process.h"
 #include "base/reason.h"
 #include "host_output.h"

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <thread>
 
+#include "base/file.h"
 #include "base/mutex.h"
-#include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"
 #include "channel/messages.h"

@@ -10,7 +10,7 @@
 #include <system_error>
 
 #include "base/child_process.h"
-#include "base/path.h"
+#include "base/file.h"
 #include "work_folder.h"
 
 namespace update_service {

@@ -2,7 +2,7 @@
 
 #include "base/text.h"
 #include "channel_client.h"
-#include "kernel/ansi_text.h"
+#include "kernel/code_pages.h"
 
 namespace update_service {
 namespace {

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/process.h"
 #include "base/reason.h"
 #include "base/text.h"

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <stdexcept>
 
-#include "base/path.h"
+#include "base/file.h"
 
 namespace update_service {
 namespace {

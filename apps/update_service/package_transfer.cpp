@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "base/file.h"
-#include "base/path.h"
 #include "base/reason.h"
 #include "sha256.h"
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "base/path.h"
+#include "base/file.h"
 
 namespace update_service {
 namespace {

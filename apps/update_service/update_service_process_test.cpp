@@ -7,7 +7,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "sha256.h"
 #include "shell_commands.h"
 #include "temporary_folder.h"

@@ -1,6 +1,6 @@
 // What an UpdateService does on the thread of one device.
 
-#include "base/path.h"
+#include "base/file.h"
 #include "update_service.h"
 
 namespace update_service {

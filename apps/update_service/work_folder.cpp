@@ -6,7 +6,6 @@
 #include <system_error>
 
 #include "base/file.h"
-#include "base/path.h"
 
 namespace update_service {
 namespace {

@@ -6,7 +6,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <stdexcept>
 #include <system_error>
+
+#include "base/reason.h"
 
 namespace base {
 namespace {
@@ -72,6 +76,22 @@ std::optional<FileStamp> StampOf(const std::filesystem::path& path) {
     if (stat(path.c_str(), &status) != 0) return {};
     return FileStamp{Nanoseconds(status.st_mtim), Nanoseconds(status.st_ctim),
                      static_cast<std::uint64_t>(status.st_size), static_cast<std::uint64_t>(status.st_ino)};
+}
+
+std::string Utf8FromPath(const std::filesystem::path& path) { return path.native(); }
+
+std::filesystem::path PathFromUtf8(std::string_view text) { return text; }
+
+bool CapitalsCount() { return true; }
+
+bool IsDeviceName(const std::string&) { return false; }
+
+std::filesystem::path ProgramFolder() { return std::filesystem::read_symlink("/proc/self/exe").parent_path(); }
+
+std::filesystem::path MakeTemporaryFolder(const std::string& prefix) {
+    std::string name = std::filesystem::temp_directory_path() / (prefix + "_XXXXXX");
+    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error(name + ": cannot be made: " + LastReason());
+    return name;
 }
 
 }  // namespace base

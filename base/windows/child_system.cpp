@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/reason.h"
 #include "base/text.h"
 

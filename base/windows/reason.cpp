@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/text.h"
 
 namespace base {

@@ -10,9 +10,8 @@
 #include "firmware_item/row_controls.h"
 #include "ipc/field_order.h"
 #include "qx_data_report/qx_data_report.h"
-#include "support/add_to_page.h"
 #include "support/log_line.h"
-#include "support/text.h"
+#include "support/page_parts.h"
 
 namespace DuiLib {
 

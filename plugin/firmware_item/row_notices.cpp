@@ -2,9 +2,10 @@
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
 #include "firmware_item/row_controls.h"
+#include "kernel/code_pages.h"
 #include "qx_data_report/qx_data_report.h"
 #include "support/log_line.h"
-#include "support/text.h"
+#include "support/page_parts.h"
 
 namespace DuiLib {
 
@@ -59,8 +60,8 @@ void AccessoriesFirwareWnd::BigDataReportSettingCenterUpdatePlugin(const Accesso
     LogLine(kLogDetail) << "update plugin type: " << device.m_isDriver << " firename: " << device.m_nameId
                         << " pkgname: " << device.m_devKey;
     QxDataEvent event(device.m_isDriver ? kDriverEventId : kAppEventId, REPORT_PLATFORM_DEFAULT);
-    event.PutString("modelID", WideToAnsi(device.m_nameId));
-    event.PutString("versionInfo", WideToAnsi(device.m_version));
+    event.PutString("modelID", kernel::AnsiFromWide(device.m_nameId));
+    event.PutString("versionInfo", kernel::AnsiFromWide(device.m_version));
     QxDataReport::Instance()->SendMsg(event);
 }
 

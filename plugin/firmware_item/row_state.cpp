@@ -23,9 +23,9 @@
 #include "duilib/ui_culture.h"
 #include "firmware_item/accessories_firware_wnd.h"
 #include "firmware_item/row_looks.h"
+#include "kernel/code_pages.h"
 #include "kernel/sleep.h"
 #include "support/log_line.h"
-#include "support/text.h"
 #include "update_list/row_list.h"
 
 namespace DuiLib {
@@ -115,7 +115,7 @@ bool AccessoriesFirwareWnd::IsCompanionRunning() const {
     return AccessoryUpdateConfig::IsAccessoryAppRunning(m_devKey) && AccessoryUpdateConfig::IsAccessoryApp(m_devKey);
 }
 
-std::string AccessoriesFirwareWnd::NarrowKey() const { return WideToAnsi(m_devKey); }
+std::string AccessoriesFirwareWnd::NarrowKey() const { return kernel::AnsiFromWide(m_devKey); }
 
 bool AccessoriesFirwareWnd::HasName(CControlUI* control, const wchar_t* suffix) const {
     return control->GetName() == m_devKey + suffix;
@@ -161,7 +161,7 @@ void AccessoriesFirwareWnd::SetResume() {
 
 void AccessoriesFirwareWnd::ControlDownload(const std::wstring& deviceKey) {
     if (m_paintManager == nullptr) return;
-    PostPauseDownload(WideToAnsi(deviceKey));
+    PostPauseDownload(kernel::AnsiFromWide(deviceKey));
     if (m_downloadControlled) return;
     CControlUI* const control = m_paintManager->FindControl(deviceKey);
     if (control == nullptr) {
@@ -207,7 +207,7 @@ void AccessoriesFirwareWnd::RestoreProgress() {
 
 void AccessoriesFirwareWnd::ControlRetry(const std::wstring& deviceKey) {
     LogLine(kLogDetail) << "control retry";
-    const std::string key = WideToAnsi(deviceKey);
+    const std::string key = kernel::AnsiFromWide(deviceKey);
     PostStartDownload(key);
     SendUIPluginUpdate(key);
 }

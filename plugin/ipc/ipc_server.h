@@ -5,7 +5,7 @@
 #include <mutex>
 #include <type_traits>
 
-#include "channel/record_codec.h"
+#include "channel/payload.h"
 #include "ipc/ipc_data_io.h"
 #include "ipc_client/ipc_message_client.h"
 

@@ -4,8 +4,8 @@
 
 #include "duilib/dialog_builder.h"
 #include "ipc/field_order.h"
-#include "support/add_to_page.h"
 #include "support/log_line.h"
+#include "support/page_parts.h"
 
 namespace DuiLib {
 

@@ -2,9 +2,9 @@
 #include <new>
 
 #include "duilib/resource_manager.h"
+#include "kernel/code_pages.h"
 #include "kernel/sleep.h"
 #include "support/log_line.h"
-#include "support/text.h"
 #include "update_list/accessories_update_wnd.h"
 #include "update_list/row_list.h"
 
@@ -26,7 +26,7 @@ std::wstring JoinLines(const std::vector<std::wstring>& lines) {
 
 FirmwareItemDesc Describe(const AccessoryVersionDataInfo& record) {
     FirmwareItemDesc desc;
-    desc.deviceKey = AnsiToWide(record.deviceKey);
+    desc.deviceKey = kernel::WideFromAnsi(record.deviceKey);
     desc.imagePath = record.imagePath;
     desc.isDriver = record.isDriver;
     desc.nameId = record.modelId;
@@ -84,7 +84,7 @@ AccessoriesFirwareWnd* AccessoriesUpdateWnd::CreateRow(FirmwareItemDesc& desc) {
     row->SetHeightCallBack([this](int height, bool grow, bool extra) { OnRowHeightChanged(height, grow, extra); });
     row->SetFinishCallBack([this] { OnRowFinished(); });
     row->InitFirmwareLayout(m_paintManager, m_notifyPump, container, desc);
-    m_rows[WideToAnsi(desc.deviceKey)] = row;
+    m_rows[kernel::AnsiFromWide(desc.deviceKey)] = row;
     return row;
 }
 
@@ -101,7 +101,7 @@ void AccessoriesUpdateWnd::AddLine(const std::wstring& deviceKey, int index, CCo
     line->SetAttribute(L"padding", L"16,0,16,0");
     line->SetVisible(true);
     list->Add(line);
-    m_lines[WideToAnsi(deviceKey)] = line;
+    m_lines[kernel::AnsiFromWide(deviceKey)] = line;
 }
 
 void AccessoriesUpdateWnd::RefreshRows() {

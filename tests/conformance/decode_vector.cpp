@@ -1,6 +1,6 @@
 // A decode vector: payload bytes, the record they make, and where the reader stands afterwards.
 #include "base/text.h"
-#include "channel/record_codec.h"
+#include "channel/payload.h"
 #include "ipc/ipc_data_io.h"
 #include "scenario.h"
 

@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/process.h"
 #include "channel/messages.h"
 #include "channel_client.h"

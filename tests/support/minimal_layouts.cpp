@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "duilib/resource_manager.h"
 #include "kernel/ui_turn.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "channel/record_codec.h"
+#include "channel/payload.h"
 #include "fixed_cell_measurer.h"
 #include "host_page.h"
 #include "minimal_layouts.h"

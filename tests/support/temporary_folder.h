@@ -9,7 +9,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "wait_until.h"
 
 namespace test_support {

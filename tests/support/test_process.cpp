@@ -1,6 +1,6 @@
 #include "test_process.h"
 
-#include "base/path.h"
+#include "base/file.h"
 
 namespace test_process {
 

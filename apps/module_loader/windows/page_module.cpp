@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/reason.h"
 
 namespace {

@@ -8,8 +8,8 @@
 #include <string>
 #include <system_error>
 
+#include "base/file.h"
 #include "base/mutex.h"
-#include "base/path.h"
 #include "base/reason.h"
 #include "base/text.h"
 #include "running_programs.h"

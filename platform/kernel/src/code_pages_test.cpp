@@ -238,6 +238,15 @@ TEST_F(AnsiPage, CanBeChosen) {
     EXPECT_EQ(Wide(kCodePageUtf8, "\xC3\xA9"), L"\u00E9");  // not the other page's business
 }
 
+TEST_F(AnsiPage, DecidesOnWholeTexts) {
+    EXPECT_TRUE(SetAnsiCodePage(1252));
+    EXPECT_EQ(WideFromAnsi("\xE9\0b"s), L"\u00E9\0b"s);
+    EXPECT_EQ(AnsiFromWide(L"\u00E9\0\u6F22"s), "\xE9\0?"s);
+    EXPECT_TRUE(SetAnsiCodePage(936));
+    EXPECT_EQ(WideFromAnsi("\x9D\x68z"), L"\u6F22z");
+    EXPECT_EQ(AnsiFromWide(L"\u6F22z"), "\x9D\x68z");
+}
+
 TEST_F(AnsiPage, StaysWhenTheNewOneIsUnknown) {
     EXPECT_TRUE(SetAnsiCodePage(1252));
     EXPECT_FALSE(SetAnsiCodePage(4711));
@@ -245,6 +254,13 @@ TEST_F(AnsiPage, StaysWhenTheNewOneIsUnknown) {
     EXPECT_EQ(Narrow(kCodePageAnsi, L"\u00E9"), "\xE9");
 }
 #endif
+
+TEST(CodePages, WholeTextsKeepTheirZerosAndMayBeEmpty) {
+    EXPECT_EQ(WideFromAnsi("a\0b"s), L"a\0b"s);
+    EXPECT_EQ(AnsiFromWide(L"a\0b"s), "a\0b"s);
+    EXPECT_EQ(WideFromAnsi(""), L"");
+    EXPECT_EQ(AnsiFromWide(L""), "");
+}
 
 TEST(CodePages, ThreadsMayAskForAPageAtTheSameTime) {
     std::vector<std::jthread> threads;

@@ -7,9 +7,8 @@
 
 #include "base/file.h"
 #include "base/mutex.h"
-#include "base/path.h"
 #include "base/text.h"
-#include "kernel/ansi_text.h"
+#include "kernel/code_pages.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "base/file.h"
 #include "base/mutex.h"
-#include "base/path.h"
 #include "base/process.h"
 #include "base/text.h"
 #include "console_lines.h"

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "temporary_folder.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "ipc/hexadecimal.h"
 #include "wait_until.h"
 

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "ipc/hexadecimal.h"
 #include "ipc/pipe_test.h"
 

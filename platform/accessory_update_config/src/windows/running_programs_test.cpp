@@ -5,7 +5,7 @@
 
 #include "accessory_update_config/accessory_update_config.h"
 #include "base/child_process.h"
-#include "base/path.h"
+#include "base/file.h"
 #include "temporary_folder.h"
 
 namespace {

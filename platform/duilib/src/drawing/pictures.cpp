@@ -9,7 +9,7 @@
 #include <tuple>
 #include <utility>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/reason.h"
 #include "duilib/resource_manager.h"
 #include "foundation/diagnostics.h"

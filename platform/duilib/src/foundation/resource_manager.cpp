@@ -3,7 +3,7 @@
 #include <map>
 #include <system_error>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/text.h"
 #include "foundation/diagnostics.h"
 #include "foundation/geometry_math.h"

@@ -7,7 +7,7 @@
 #include <set>
 #include <system_error>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/reason.h"
 #include "base/text.h"
 

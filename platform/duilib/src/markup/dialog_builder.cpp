@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "base/file.h"
-#include "base/path.h"
 #include "base/text.h"
 #include "duilib/container.h"
 #include "duilib/control.h"

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "broker/broker_loop.h"
 #include "diagnostics.h"
 #include "pipe/pipe_channel.h"

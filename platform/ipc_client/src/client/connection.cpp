@@ -4,7 +4,7 @@
 #include <asio/post.hpp>
 #include <utility>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/reason.h"
 #include "client/receiver.h"
 #include "diagnostics.h"

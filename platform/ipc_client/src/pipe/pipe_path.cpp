@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <stdexcept>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/process.h"
 
 namespace ipc_client {
@@ -27,6 +28,25 @@ std::wstring PlainPipeName(const std::wstring& pipeName) {
 
 std::filesystem::path ChosenPipeFolder() {
     return base::PathFromUtf8(base::Variable("BRINDLE_PIPE_DIR").value_or(std::string()));
+}
+
+void FailAt(const std::filesystem::path& path, const std::string& reason) {
+    throw std::runtime_error(base::Utf8FromPath(path) + ": " + reason);
+}
+
+void FailAsTaken(const std::filesystem::path& path, const std::string& reason) {
+    FailAt(path, "the name is taken by another broker (" + reason + ")");
+}
+
+void CheckBrokersUser(const std::filesystem::path& path, bool isThisUser) {
+    if (!isThisUser) FailAt(path, "the broker belongs to another user");
+}
+
+void CheckLength(const std::filesystem::path& path, const char* what, std::size_t limit, const char* unit) {
+    const std::size_t length = path.native().size();
+    if (length <= limit) return;
+    FailAt(path, std::string(what) + " may have " + std::to_string(limit) + " " + unit + ", this one has " +
+                     std::to_string(length));
 }
 
 }  // namespace ipc_client

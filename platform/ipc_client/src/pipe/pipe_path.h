@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -27,5 +28,12 @@ std::filesystem::path ChosenPipeFolder();
 // folder when that fails, or when the folder belongs to another user or is open to others. Does nothing on Windows,
 // where pipes lie in no folder.
 void PreparePipeFolder(const std::filesystem::path& folder);
+
+// Why a pipe cannot be had, for the systems' sources. Each throws std::runtime_error naming the path.
+[[noreturn]] void FailAt(const std::filesystem::path& path, const std::string& reason);
+[[noreturn]] void FailAsTaken(const std::filesystem::path& path, const std::string& reason);  // by another broker
+void CheckBrokersUser(const std::filesystem::path& path, bool isThisUser);
+// `what` has the name ("a pipe's name"), counted in `unit`s of the path's own characters.
+void CheckLength(const std::filesystem::path& path, const char* what, std::size_t limit, const char* unit);
 
 }  // namespace ipc_client

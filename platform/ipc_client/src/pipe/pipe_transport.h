@@ -36,13 +36,6 @@ unsigned long OwnProcess();
 // How many files, pipes included, the system lets this process have open.
 std::size_t MostOpenFiles();
 
-// Why a pipe cannot be had, for the systems' sources. Each throws std::runtime_error naming the path.
-[[noreturn]] void FailAt(const std::filesystem::path& path, const std::string& reason);
-[[noreturn]] void FailAsTaken(const std::filesystem::path& path, const std::string& reason);  // by another broker
-void CheckBrokersUser(const std::filesystem::path& path, bool isThisUser);
-// `what` has the name ("a pipe's name"), counted in `unit`s of the path's own characters.
-void CheckLength(const std::filesystem::path& path, const char* what, std::size_t limit, const char* unit);
-
 // The broker's end: owns the pipe's name while it lives.
 class PipeListener {
 public:

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "kernel/export.h"
 
@@ -38,5 +41,26 @@ KERNEL_API int WideCharToMultiByte(unsigned codePage, std::uint32_t flags, const
 // nothing, for any other. Any thread. Not on Windows, where
 // the system decides: true there for the page that it is already.
 KERNEL_API bool SetAnsiCodePage(unsigned codePage);
+
+// ---- Whole texts in the process's ANSI page: conversions that fail give an empty text
+
+inline std::wstring WideFromAnsi(std::string_view text) {
+    const auto length = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0');  // no page has more characters than bytes
+    wide.resize(
+        static_cast<std::size_t>(MultiByteToWideChar(kCodePageAnsi, 0, text.data(), length, wide.data(), length)));
+    return wide;
+}
+
+inline std::string AnsiFromWide(std::wstring_view text) {
+    const auto convert = [text](char* to, std::size_t capacity) {
+        return static_cast<std::size_t>(WideCharToMultiByte(kCodePageAnsi, 0, text.data(),
+                                                            static_cast<int>(text.size()), to,
+                                                            static_cast<int>(capacity), nullptr, nullptr));
+    };
+    std::string narrow(convert(nullptr, 0), '\0');
+    convert(narrow.data(), narrow.size());
+    return narrow;
+}
 
 }  // namespace kernel

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "base/reason.h"
 #include "base/text.h"
 

@@ -13,6 +13,7 @@
 
 #include "base/handle.h"
 #include "base/reason.h"
+#include "pipe/pipe_path.h"
 
 namespace ipc_client {
 namespace {

@@ -1,5 +1,3 @@
-#include "channel/record_codec.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
