@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "text_case.h"
+
 namespace base {
 namespace {
 
@@ -135,11 +137,7 @@ TEST(Text, WhatIsNoCodePointInAWideStringBecomesTheReplacementCharacter) {
 }
 
 TEST(Text, BecomesOneLineWithItsControlCharactersAsEscapes) {
-    struct Case {
-        std::string text;
-        const char* line;
-    };
-    const Case cases[] = {
+    const test_support::TextCase cases[] = {
         {"", ""},
         {"C:\\new\tone \xC3\xA9\xE6\xBC\xA2\xF0\x9F\x94\x96", "C:\\new\tone \xC3\xA9\xE6\xBC\xA2\xF0\x9F\x94\x96"},
         {"one\r\ntwo\n", "one\\r\\ntwo\\n"},
@@ -148,7 +146,7 @@ TEST(Text, BecomesOneLineWithItsControlCharactersAsEscapes) {
         {"\xE2\x80\xA8\xE2\x80\xA9\xE2\x80\xAA", "\\u2028\\u2029\xE2\x80\xAA"},
         {"\x85\x9B\xFF\xE4\xB8\n", "\x85\x9B\xFF\xE4\xB8\\n"},
     };
-    for (const Case& c : cases) EXPECT_EQ(OneLine(c.text), c.line);
+    for (const auto& c : cases) EXPECT_EQ(OneLine(c.text), c.expected);
 }
 
 }  // namespace

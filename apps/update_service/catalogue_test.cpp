@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "temporary_folder.h"
+#include "text_case.h"
 
 namespace update_service {
 namespace {
@@ -148,11 +149,7 @@ TEST_F(CatalogueFile, ErrorsNameTheEntryTheFieldAndTheReason) {
 }
 
 TEST_F(CatalogueFile, ErrorsOfTheWholeFileNameThePlaceAndTheReason) {
-    struct Case {
-        const char* text;
-        const char* expected;
-    };
-    const Case cases[] = {
+    const test_support::TextCase cases[] = {
         {"{\n  oops", ": parse error at line 2, column 3"},
         {"", ": parse error at line 1, column 1"},
         {"[]", ": must be an object"},
@@ -163,7 +160,7 @@ TEST_F(CatalogueFile, ErrorsOfTheWholeFileNameThePlaceAndTheReason) {
         {R"({"accessories": [], "accessories": []})", ": the member \"accessories\" is there twice"},
         {R"({"accessories": [{"driver": true, "driver": false}]})", ": the member \"driver\" is there twice"},
     };
-    for (const Case& c : cases) EXPECT_THAT(ErrorOf(c.text), testing::StartsWith(File().string() + c.expected));
+    for (const auto& c : cases) EXPECT_THAT(ErrorOf(c.text), testing::StartsWith(File().string() + c.expected));
 }
 
 TEST_F(CatalogueFile, AMissingFileIsNamed) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "temporary_folder.h"
+#include "text_case.h"
 
 namespace update_service {
 namespace {
@@ -11,18 +12,14 @@ using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 TEST(Sha256, HasThePublishedValues) {
-    struct Case {
-        std::string content;
-        const char* expected;
-    };
-    const Case cases[] = {
+    const test_support::TextCase cases[] = {
         {"", "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855"},
         {"abc", "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad"},
         {std::string(1000000, 'a'), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
     };
     const TemporaryFolder folder;
-    for (const Case& c : cases) {
-        WriteFile(folder / "file", c.content);
+    for (const auto& c : cases) {
+        WriteFile(folder / "file", c.text);
         EXPECT_EQ(Sha256OfFile(folder / "file"), c.expected);
     }
 }

@@ -1,5 +1,6 @@
 #include "work_folder.h"
 
+#include <array>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -57,21 +58,8 @@ void RemoveWorkFiles(const WorkFiles& files) {
 }
 
 const char* NameOf(Phase phase) {
-    switch (phase) {
-        case Phase::kIdle:
-            return "idle";
-        case Phase::kDownloading:
-            return "downloading";
-        case Phase::kPaused:
-            return "paused";
-        case Phase::kInstalling:
-            return "installing";
-        case Phase::kInstalled:
-            return "installed";
-        case Phase::kFailed:
-            return "failed";
-    }
-    return "";
+    constexpr std::array kNames = {"idle", "downloading", "paused", "installing", "installed", "failed"};
+    return kNames.at(static_cast<std::size_t>(phase));
 }
 
 ServiceState ReadState(const std::filesystem::path& file) {

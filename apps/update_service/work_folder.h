@@ -27,7 +27,7 @@ WorkFiles WorkFilesOf(const std::filesystem::path& workFolder, const std::string
 // Removes both, as far as they are there.
 void RemoveWorkFiles(const WorkFiles& files);
 
-// Where an accessory's update stands.
+// Where an accessory's update stands. NameOf has their names in this order.
 enum class Phase { kIdle, kDownloading, kPaused, kInstalling, kInstalled, kFailed };
 
 // The word that the state file has for it.

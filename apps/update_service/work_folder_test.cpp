@@ -6,6 +6,7 @@
 #include <set>
 
 #include "temporary_folder.h"
+#include "text_case.h"
 
 namespace update_service {
 namespace {
@@ -15,11 +16,7 @@ using test_support::TemporaryFolder;
 using test_support::WriteFile;
 
 TEST(WorkFiles, KeysBecomeSafeFileNames) {
-    struct Case {
-        std::string key;
-        const char* expected;
-    };
-    const Case cases[] = {
+    const test_support::TextCase cases[] = {
         {"pen-01_b.2", "pen-01_b.2"},
         {"../../etc/passwd", "%2E.%2F..%2Fetc%2Fpasswd"},
         {"..", "%2E."},
@@ -28,7 +25,7 @@ TEST(WorkFiles, KeysBecomeSafeFileNames) {
         {"c:\\x", "c%3A%5Cx"},
         {"\xC3\xA9", "%C3%A9"},
     };
-    for (const Case& c : cases) EXPECT_EQ(SafeFileName(c.key), c.expected);
+    for (const auto& c : cases) EXPECT_EQ(SafeFileName(c.text), c.expected);
 }
 
 TEST(WorkFiles, EveryByteHasANameOfItsOwn) {

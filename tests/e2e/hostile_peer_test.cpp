@@ -7,6 +7,7 @@
 #include "base/process.h"
 #include "channel/messages.h"
 #include "channel_client.h"
+#include "ipc/message_frame.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_message_client.h"
@@ -44,20 +45,24 @@ protected:
     }
 
     static std::string Frame(std::int32_t endpoint, std::int32_t msgId, std::string payload) {
-        TagIPCMessageItem item;
-        item.destId = endpoint;
-        item.sourceId = IPC_ENDPOINT_PLUGIN;
-        item.msgId = msgId;
-        item.data = payload.empty() ? nullptr : payload.data();
-        item.dataLen = static_cast<std::int32_t>(payload.size());
-        std::string frame;
-        ipc_client::AppendMessage(frame, item);
-        return frame;
+        return ipc_test::MessageFrame(std::move(payload), {endpoint, msgId}, IPC_ENDPOINT_PLUGIN);
     }
 
     template <class Message>
     static std::string Frame(const Message& message, const std::string& payload) {
         return Frame(message.endpoint, message.id, payload);
+    }
+
+    // A hundred of each message that goes to that endpoint.
+    void WriteRandomPayloadsTo(std::int32_t endpoint) {
+        RawPeer peer(PipeSocket());
+        ASSERT_TRUE(peer.Write(Hello()));
+        for (int round = 0; round < 100; ++round) {
+            for (const channel::MessageInfo& message : channel::kMessages) {
+                if (message.endpoint != endpoint) continue;
+                ASSERT_TRUE(peer.Write(Frame(message, RandomBytes(m_random() % 60)))) << round;
+            }
+        }
     }
 
     std::unique_ptr<Host> m_host;
@@ -125,14 +130,7 @@ TEST_F(HostileFramesTest, RandomStreamsEndInAClosedConnection) {
 }
 
 TEST_F(HostileFramesTest, RandomPayloadsOfWholeRequestsDoNotHarmTheService) {
-    RawPeer peer(PipeSocket());
-    ASSERT_TRUE(peer.Write(Hello()));
-    for (int round = 0; round < 100; ++round) {
-        for (const channel::MessageInfo& message : channel::kMessages) {
-            if (message.endpoint != IPC_ENDPOINT_UPDATE_SERVICE) continue;
-            ASSERT_TRUE(peer.Write(Frame(message, RandomBytes(m_random() % 60)))) << round;
-        }
-    }
+    WriteRandomPayloadsTo(IPC_ENDPOINT_UPDATE_SERVICE);
     EXPECT_TRUE(ServiceLogs("start refused: the catalogue does not have it"));
 }
 
@@ -182,14 +180,7 @@ protected:
 
 // They are no offence against the protocol, so the page gets them.
 TEST_F(HostileServiceTest, RandomPayloadsOfWholeMessagesDoNotHarmThePage) {
-    RawPeer peer(PipeSocket());
-    ASSERT_TRUE(peer.Write(Hello()));
-    for (int round = 0; round < 100; ++round) {
-        for (const channel::MessageInfo& message : channel::kMessages) {
-            if (message.endpoint != IPC_ENDPOINT_PLUGIN) continue;
-            ASSERT_TRUE(peer.Write(Frame(message, RandomBytes(m_random() % 60)))) << round;
-        }
-    }
+    WriteRandomPayloadsTo(IPC_ENDPOINT_PLUGIN);
     EXPECT_TRUE(m_host->Program().Errors().WaitFor("AccessoriesUpdateWnd RecPkgFail enter"));
     ASSERT_TRUE(m_host->Play("wait running 1"));
 }
@@ -222,21 +213,26 @@ TEST_F(HostileServiceTest, GarbageAtTheHostsEndpointsIsToldAndLeavesTheHostAsItW
     }
 }
 
-// Whoever may choose a key does not choose what the host and the service say.
-TEST_F(HostileFramesTest, AKeyMakesNoLinesOfItsOwn) {
-    const std::string key = "dock\n# forged\r\x1B[2J";
-    const std::string shown = "dock\\n# forged\\r\\x1B[2J";
+// Whoever may choose a key does not choose what the service and the host say.
+const std::string kForgingKey = "dock\n# forged\r\x1B[2J";
+const std::string kForgingKeyShown = "dock\\n# forged\\r\\x1B[2J";
+
+TEST_F(HostileFramesTest, AKeyMakesNoLinesOfItsOwnInTheServicesLog) {
     RawPeer peer(PipeSocket());
-    ASSERT_TRUE(peer.Write(Hello() + Frame(from_page::IPC_MSG_PLUGIN_UPDATE, key + '\0') +
-                           Frame(from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, key + '\0') +
-                           Frame(from_page::IPC_MSG_CONTENT_HEIGHT, "77\n# forged") +
-                           Frame(from_page::IPC_MSG_DOWNLOAD_START, key + '\0')));
-    EXPECT_TRUE(ServiceLogs(shown + ": start refused")) << ServiceLog();
-    EXPECT_TRUE(m_host->Program().Output().WaitFor("holds \"77\\n# forged\"")) << m_host->Transcript();
-    EXPECT_TRUE(m_host->Program().Output().WaitFor("host: update of " + shown + " has stopped"));
-    EXPECT_THAT(m_host->Program().Output().Lines(), Contains("host: update of " + shown + " runs"));
-    EXPECT_THAT(m_host->Program().Output().Lines(), Each(Not(StartsWith("# forged"))));
+    ASSERT_TRUE(peer.Write(Hello() + Frame(from_page::IPC_MSG_DOWNLOAD_START, kForgingKey + '\0')));
+    EXPECT_TRUE(ServiceLogs(kForgingKeyShown + ": start refused")) << ServiceLog();
     EXPECT_THAT(m_service->Errors().Lines(), Each(Not(StartsWith("# forged"))));
+}
+
+TEST_F(HostileServiceTest, AKeyMakesNoLinesOfItsOwnInTheTranscript) {
+    RawPeer peer(PipeSocket());
+    ASSERT_TRUE(peer.Write(Hello() + Frame(from_page::IPC_MSG_PLUGIN_UPDATE, kForgingKey + '\0') +
+                           Frame(from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, kForgingKey + '\0') +
+                           Frame(from_page::IPC_MSG_CONTENT_HEIGHT, "77\n# forged")));
+    EXPECT_TRUE(m_host->Program().Output().WaitFor("holds \"77\\n# forged\"")) << m_host->Transcript();
+    EXPECT_TRUE(m_host->Program().Output().WaitFor("host: update of " + kForgingKeyShown + " has stopped"));
+    EXPECT_THAT(m_host->Program().Output().Lines(), Contains("host: update of " + kForgingKeyShown + " runs"));
+    EXPECT_THAT(m_host->Program().Output().Lines(), Each(Not(StartsWith("# forged"))));
 }
 
 class HostileListTest : public PageE2ETest {};

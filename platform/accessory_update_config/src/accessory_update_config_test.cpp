@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "temporary_folder.h"
+#include "text_case.h"
 
 namespace {
 
@@ -54,11 +55,7 @@ TEST_F(Config, LoadingReplacesWhatWasThere) {
 }
 
 TEST_F(Config, ErrorsNameTheFileThePlaceAndTheReason) {
-    struct Case {
-        const char* text;
-        const char* expected;
-    };
-    const Case cases[] = {
+    const test_support::TextCase cases[] = {
         {"{\n  \"companions\": oops }", "parse error at line 2, column 17"},
         {"", "parse error at line 1, column 1"},
         {"[]", "must be an object"},
@@ -72,7 +69,7 @@ TEST_F(Config, ErrorsNameTheFileThePlaceAndTheReason) {
         {R"({"companions": {"pen": {"program": "bin/x"}}})", "companions.pen.program: must be a file name"},
         {R"({"companions": {"pen": {"program": "x", "arg": 1}}})", "companions.pen.arg: is not known here"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const std::string error = ErrorOf(c.text);
         EXPECT_THAT(error, testing::StartsWith(File().string() + ": "));
         EXPECT_THAT(error, HasSubstr(c.expected));

@@ -22,21 +22,9 @@ using ::testing::ElementsAre;
 
 constexpr int kService = 0xB20001, kPage = 0x270000, kRequest = 1, kFlood = 2, kList = 3;
 
-std::string Announcement(const std::vector<ipc_client::Route>& routes) {
-    std::string bytes;
-    ipc_client::AppendRoutes(bytes, ipc_client::FrameType::kAnnounce, routes);
-    return bytes;
-}
-
+std::string Announcement(const std::vector<ipc_client::Route>& routes) { return AnnouncementFrame(routes); }
 std::string Message(int destId, int msgId, std::string data = "") {
-    TagIPCMessageItem item;
-    item.destId = destId;
-    item.msgId = msgId;
-    item.data = data.data();
-    item.dataLen = static_cast<std::int32_t>(data.size());
-    std::string frame;
-    ipc_client::AppendMessage(frame, item);
-    return frame;
+    return MessageFrame(std::move(data), {destId, msgId});
 }
 
 class BrokerLimits : public PipeTest {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "ipc/foreign_peer.h"
+#include "ipc/message_frame.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_message_client.h"
@@ -15,22 +16,8 @@ using ::testing::ElementsAre;
 
 constexpr int kService = 0xB20001, kPage = 0x270000, kHost = 0x1B0000, kRequest = 1, kList = 2, kHeight = 3;
 
-std::string Announcement(std::vector<ipc_client::Route> routes) {
-    std::string bytes = Hello();
-    ipc_client::AppendRoutes(bytes, ipc_client::FrameType::kAnnounce, routes);
-    return bytes;
-}
-
 std::string Message(int destId, int msgId, std::string data) {
-    TagIPCMessageItem item;
-    item.destId = destId;
-    item.sourceId = 1;
-    item.msgId = msgId;
-    item.data = data.data();
-    item.dataLen = static_cast<std::int32_t>(data.size());
-    std::string frame;
-    ipc_client::AppendMessage(frame, item);
-    return frame;
+    return MessageFrame(std::move(data), {destId, msgId}, 1);
 }
 
 // A broker and its service in this process; pages and hosts in others.
@@ -42,7 +29,7 @@ protected:
     struct Peer : ForeignPeer {
         explicit Peer(const std::filesystem::path& path) : ForeignPeer(path) {
             const std::string own = Message(kPage, kHeight, "taken");
-            EXPECT_TRUE(Write(Announcement({{kPage, kList}, {kPage, kHeight}, {kHost, kHeight}}) + own));
+            EXPECT_TRUE(Write(Hello() + AnnouncementFrame({{kPage, kList}, {kPage, kHeight}, {kHost, kHeight}}) + own));
             EXPECT_EQ(Read(8 + own.size()), Hello() + own);
         }
     };
@@ -76,7 +63,7 @@ TEST_F(BrokerStar, NobodyElseHearsWhatTheServiceIsAskedOrSpeaksToAPage) {
     Peer page(SocketPath());
     ForeignPeer spy(SocketPath());
     const std::string own = Message(kService, kRequest, "of the spy");
-    ASSERT_TRUE(spy.Write(Announcement({{kService, kRequest}}) + own + Message(kPage, kList, "forged")));
+    ASSERT_TRUE(spy.Write(Hello() + AnnouncementFrame({{kService, kRequest}}) + own + Message(kPage, kList, "forged")));
     EXPECT_EQ(spy.Read(8 + own.size()), Hello() + own);
     ASSERT_TRUE(page.Write(Message(kService, kRequest, "of the page")));
     EXPECT_THAT(requests.WaitForData(3), ElementsAre(testing::_, "of the spy", "of the page"));
@@ -91,10 +78,10 @@ TEST_F(BrokerStar, NobodyElseHearsWhatTheServiceIsAskedOrSpeaksToAPage) {
 TEST_F(BrokerStar, WhatWaitsForAHostIsForTheHostOfItsOwnProcess) {
     const std::string height = Message(kHost, kHeight, "184"), own = Message(kPage, kHeight, "taken");
     ForeignPeer page(SocketPath());
-    ASSERT_TRUE(page.Write(Hello() + height + Announcement({{kPage, kHeight}}).substr(8) + own));
+    ASSERT_TRUE(page.Write(Hello() + height + AnnouncementFrame({{kPage, kHeight}}) + own));
     EXPECT_EQ(page.Read(8 + own.size()), Hello() + own);
     Peer other(SocketPath());  // announces the host's route, and gets its own message as the first
-    ASSERT_TRUE(page.Write(Announcement({{kHost, kHeight}}).substr(8)));
+    ASSERT_TRUE(page.Write(AnnouncementFrame({{kHost, kHeight}})));
     EXPECT_EQ(page.Read(height.size()), height);
 }
 
@@ -106,7 +93,7 @@ TEST_F(BrokerStar, WhatTheServiceSaidWaitsForAPageThatComesBack) {
     EXPECT_THAT(echo.WaitForData(1), ElementsAre("behind it"));
     m_service.UnRegisterMessageCallbackAll();
     ForeignPeer page(SocketPath());
-    ASSERT_TRUE(page.Write(Announcement({{kPage, kList}})));
+    ASSERT_TRUE(page.Write(Hello() + AnnouncementFrame({{kPage, kList}})));
     const std::string end = Message(kPage, kList, "end");
     EXPECT_EQ(page.Read(8 + end.size()), Hello() + end);
 }

@@ -10,9 +10,9 @@
 #include <set>
 #include <string>
 
+#include "ipc/message_frame.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
-#include "wire/frame.h"
 
 namespace {
 
@@ -46,16 +46,7 @@ std::set<pid_t> Threads() {
     return ids;
 }
 
-std::string Message(int destId, std::size_t bytes) {
-    std::string data(bytes, 'd'), frame;
-    TagIPCMessageItem item;
-    item.destId = destId;
-    item.msgId = 1;
-    item.data = data.data();
-    item.dataLen = static_cast<std::int32_t>(data.size());
-    ipc_client::AppendMessage(frame, item);
-    return frame;
-}
+std::string Message(int destId, std::size_t bytes) { return MessageFrame(std::string(bytes, 'd'), {destId, 1}); }
 
 class BrokerMemory : public PipeTest {
 protected:
@@ -71,9 +62,7 @@ protected:
     // What a connection may do: announce, post to nobody and to itself, small and large. Whether its own message came
     // back.
     bool Converse() {
-        const ipc_client::Route routes[] = {{1, 1}, {2, 1}};
-        std::string announcement;
-        ipc_client::AppendRoutes(announcement, ipc_client::FrameType::kAnnounce, routes);
+        const std::string announcement = AnnouncementFrame({{1, 1}, {2, 1}});
         const std::string own = Message(1, 300 * 1024);
         RawPeer peer(SocketPath());
         peer.Write(Hello() + Message(3, 10) + announcement + Message(3, 10) + own);
