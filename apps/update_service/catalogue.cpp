@@ -58,7 +58,7 @@ Json Parse(const Place& place) {
     if (!stream) place.Fail("cannot be opened: " + std::generic_category().message(errno));
     try {
         return Json::parse(stream, DoubleMembers(place));
-    } catch (const Json::parse_error& error) {
+    } catch (const Json::exception& error) {  // also for a number that is too large
         // "[json.exception.parse_error.101] parse error at line 1, column 2: ..."
         const std::string text = error.what();
         place.Fail(text.substr(text.find("] ") + 2));

@@ -152,6 +152,7 @@ TEST_F(CatalogueFile, ErrorsOfTheWholeFileNameThePlaceAndTheReason) {
     const test_support::TextCase cases[] = {
         {"{\n  oops", ": parse error at line 2, column 3"},
         {"", ": parse error at line 1, column 1"},
+        {"[1e400]", ": number overflow parsing '1e400'"},
         {"[]", ": must be an object"},
         {"{}", ": accessories: is missing"},
         {R"({"accessories": {}})", ": accessories: must be a list"},

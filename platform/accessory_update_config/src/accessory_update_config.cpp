@@ -31,7 +31,7 @@ Json Parse(const std::filesystem::path& file) {
     if (!stream) Fail(file, "", "cannot be opened: " + base::Reason(std::error_code(errno, std::generic_category())));
     try {
         return Json::parse(stream);
-    } catch (const Json::parse_error& error) {
+    } catch (const Json::exception& error) {  // also for a number that is too large
         // "[json.exception.parse_error.101] parse error at line 1, column 2: ..."
         const std::string text = error.what();
         Fail(file, "", text.substr(text.find("] ") + 2));

@@ -58,6 +58,7 @@ TEST_F(Config, ErrorsNameTheFileThePlaceAndTheReason) {
     const test_support::TextCase cases[] = {
         {"{\n  \"companions\": oops }", "parse error at line 2, column 17"},
         {"", "parse error at line 1, column 1"},
+        {"[1e400]", "number overflow parsing '1e400'"},
         {"[]", "must be an object"},
         {"{}", "companions: is missing"},
         {R"({"companions": []})", "companions: must be an object"},
