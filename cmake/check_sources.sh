@@ -2,7 +2,7 @@
 
 # cpp_files: all C++ files of the project, a line each.
 cpp_files() {
-  find base channel plugin platform apps resources docs tests bench \( -name '*.cpp' -o -name '*.h' \) | sort
+  find base channel plugin platform apps resources docs tests bench fuzz \( -name '*.cpp' -o -name '*.h' \) | sort
 }
 
 # Others of the same major version break some lines elsewhere.

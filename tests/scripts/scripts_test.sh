@@ -97,4 +97,36 @@ cat >"$folder/build/release/CTestTestfile.cmake" <<END
 add_test(race sh -c "mkdir '$folder/first' && echo 'WARNING: ThreadSanitizer: data race' && exit 1; exit 0")
 END
 expect 1 'test: failed: release' tests_in_folder
+# Of the fuzz targets one finds nothing, one finds something, and one that a library is missing for does not begin.
+mkdir -p "$folder/build/fuzz/targets"
+cat >"$folder/build/fuzz/targets/steady_fuzz" <<'END'
+#!/bin/sh
+echo "$@" >steady.arguments
+printf '#12\tDONE   cov: 3 ft: 4 corp: 5/60b lim: 7 exec/s: 8 rss: 9Mb\n' >&2
+END
+cat >"$folder/build/fuzz/targets/wrong_fuzz" <<'END'
+#!/bin/sh
+echo 'SUMMARY: AddressSanitizer: heap-buffer-overflow in Read' >&2
+exit 77
+END
+cat >"$folder/build/fuzz/targets/missing_fuzz" <<'END'
+#!/bin/sh
+exit 127
+END
+chmod +x "$folder"/build/fuzz/targets/*
+# fuzz_in_folder
+fuzz_in_folder() (
+  . cmake/fuzzing.sh
+  cd "$folder"
+  FUZZ_SECONDS=3 run_fuzzing
+  conclude
+)
+expect 1 'test: failed: missing_fuzz wrong_fuzz' fuzz_in_folder
+for text in 'steady_fuzz: 12 inputs, of which 5 go different ways: 3 edges, 4 features' 'wrong_fuzz: FOUND something' \
+  'SUMMARY: AddressSanitizer: heap-buffer-overflow in Read' 'missing_fuzz: FOUND something'; do
+  grep -qF "$text" "$folder/output" || fail "fuzzing does not say '$text'"
+done
+grep -qF 'max_total_time=3' "$folder/steady.arguments" || fail "FUZZ_SECONDS does not reach the targets"
+rm "$folder"/build/fuzz/targets/[mw]*_fuzz
+expect 0 'All tests passed.' fuzz_in_folder
 echo "The scripts do as they say."
