@@ -68,6 +68,8 @@ private:
     void RegisterReceivers();
     template <class Payload>
     void AddReceiver(const channel::ToPage<Payload>& message, void (AccessoriesUpdateWnd::*handler)(Payload&));
+    void AddReceiver(const channel::ToPage<channel::DeviceKey>& message,
+                     void (AccessoriesUpdateWnd::*handler)(TagIPCMessageItem&));
 
     CControlUI* m_root = nullptr;
     CPaintManagerUI* m_paintManager = nullptr;

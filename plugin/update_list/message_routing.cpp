@@ -19,11 +19,8 @@ void AccessoriesUpdateWnd::RegisterReceivers() {
     namespace to_page = channel::to_page;
     AddReceiver(to_page::IPC_MSG_ALL_UPDATE_DATA, &AccessoriesUpdateWnd::RecAllUpdateData);
     AddReceiver(to_page::IPC_MSG_DOWNLOAD_PROCESS, &AccessoriesUpdateWnd::RecPkgDownloadProcess);
-    using std::placeholders::_1;
-    m_objIPCClientPtr->RegisterMessageCallback(to_page::IPC_MSG_PKG_FINISH.id,
-                                               std::bind(&AccessoriesUpdateWnd::RecPkgFinish, this, _1));
-    m_objIPCClientPtr->RegisterMessageCallback(to_page::IPC_MSG_PKG_FAIL.id,
-                                               std::bind(&AccessoriesUpdateWnd::RecPkgFail, this, _1));
+    AddReceiver(to_page::IPC_MSG_PKG_FINISH, &AccessoriesUpdateWnd::RecPkgFinish);
+    AddReceiver(to_page::IPC_MSG_PKG_FAIL, &AccessoriesUpdateWnd::RecPkgFail);
 }
 
 template <class Payload>
@@ -31,6 +28,13 @@ void AccessoriesUpdateWnd::AddReceiver(const channel::ToPage<Payload>& message,
                                        void (AccessoriesUpdateWnd::*handler)(Payload&)) {
     auto* const proc = new (std::nothrow) IPCServerProc<AccessoriesUpdateWnd, Payload&>(message.id, this, handler);
     if (m_ipcReciever->Register(proc) < 0) delete proc;
+}
+
+// Not through the registry: that unregisters each of its receivers by itself when the page ends, and its cursor minds a
+// payload's length.
+void AccessoriesUpdateWnd::AddReceiver(const channel::ToPage<channel::DeviceKey>& message,
+                                       void (AccessoriesUpdateWnd::*handler)(TagIPCMessageItem&)) {
+    m_objIPCClientPtr->RegisterMessageCallback(message.id, std::bind(handler, this, std::placeholders::_1));
 }
 
 AccessoriesFirwareWnd* AccessoriesUpdateWnd::FindRow(const std::string& deviceKey) const {

@@ -7,6 +7,7 @@
 #include <regex>
 #include <set>
 
+#include "base/text.h"
 #include "duilib/duilib.h"
 #include "kernel/ui_turn.h"
 #include "named_in_sources.h"
@@ -34,6 +35,16 @@ fs::path Skin() { return CResourceManager::GetInstance()->Resolve(L"../component
 bool IsThere(fs::path picture) {
     if (fs::is_regular_file(picture)) return true;
     return picture.extension() == ".png" && fs::is_regular_file(picture.replace_extension(".svg"));
+}
+
+// The names of all buttons below a control.
+std::set<std::string> Buttons(CControlUI* control) {
+    std::set<std::string> names;
+    if (dynamic_cast<CButtonUI*>(control) != nullptr) names.insert(base::Utf8FromWide(control->GetName().Str()));
+    auto* const container = dynamic_cast<CContainerUI*>(control);
+    for (int i = 0; container != nullptr && i < container->GetCount(); ++i)
+        names.merge(Buttons(container->GetItemAt(i)));
+    return names;
 }
 
 class Resources : public testing::Test {
@@ -112,12 +123,23 @@ TEST_F(Resources, TheRowStartsWithItsUpdateButton) {
     }
 }
 
+// A row's clicks are found by the names that binding gives its buttons.
+TEST_F(Resources, EveryButtonOfTheRowIsBoundAndAsksForSomething) {
+    Load(kRow);
+    const auto bound = InSources("plugin/firmware_item", std::regex(R"re(\bBindControl\(L"(\w+)")re"));
+    std::set<std::string> clicked;
+    for (const auto& [name, file] : InSources("plugin/firmware_item", std::regex(R"re(\{L"(\w+)", \{k)re")))
+        clicked.insert(name);
+    const std::set<std::string> buttons = Buttons(manager.GetRoot());
+    EXPECT_EQ(buttons, clicked) << "in the layout, and in kClicks";
+    for (const std::string& name : buttons) EXPECT_TRUE(bound.contains(name)) << name << " is not bound";
+}
+
 TEST_F(Resources, AReaderFindsTheRowsProgressAndItsButtons) {
     Load(kRow);
     EXPECT_EQ(manager.FindControl(L"progressLayout")->GetRole(), ControlRole::kProgress);
-    for (const wchar_t* name : {L"updateBtn", L"stopBtn", L"pulldown"}) {
-        EXPECT_EQ(manager.FindControl(name)->GetRole(), ControlRole::kButton) << testing::PrintToString(name);
-    }
+    for (const std::string& name : Buttons(manager.GetRoot()))
+        EXPECT_EQ(Find(name)->GetRole(), ControlRole::kButton) << name;
 }
 
 TEST_F(Resources, TheMeasuringTextHasTheButtonsFont) {

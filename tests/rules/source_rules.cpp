@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <regex>
+#include <set>
 
 namespace source_rules {
 namespace {
@@ -54,6 +56,39 @@ void CheckRooms(const SourceTree& sources, const RoomTable& rooms, Violations& v
     }
 }
 
+// The fields of each class or struct of a namespace, by its name.
+using Fields = std::map<std::string, std::vector<std::string>>;
+
+void AddFields(const std::vector<std::string>& lines, Fields& fields) {
+    static const std::regex head(R"((?:class|struct) (?:[A-Z_]+ )?(\w+)(?: final)?(?: : .*)? \{)");
+    static const std::regex field(
+        R"(    (?!using |friend |return )(?:const )?[\w:]+(?:<.*>)?[ *&]+(\w+)(?: = [^;]*|\{[^;]*\})?;.*)");
+    std::string owner;
+    for (const std::string& line : lines) {
+        std::smatch match;
+        if (std::regex_match(line, match, head)) owner = match[1];
+        if (line == "};") owner.clear();
+        if (!owner.empty() && std::regex_match(line, match, field)) fields[owner].push_back(match[1]);
+    }
+}
+
+// What `lines` ask for the place of, by class. An instance of a template counts as its template.
+std::map<std::string, std::set<std::string>> CheckedFields(const std::vector<std::string>& lines) {
+    static const std::regex alias(R"(\s*using (\w+) = (\w+)<.*>;)");
+    static const std::regex place(R"(offsetof\((\w+), (\w+)\))");
+    std::map<std::string, std::string> templates;
+    std::map<std::string, std::set<std::string>> checked;
+    for (const std::string& line : lines) {
+        std::smatch match;
+        if (std::regex_match(line, match, alias)) templates[match[1]] = match[2];
+        for (std::sregex_iterator i(line.begin(), line.end(), place), end; i != end; ++i) {
+            const auto known = templates.find((*i)[1]);
+            checked[known == templates.end() ? std::string((*i)[1]) : known->second].insert((*i)[2]);
+        }
+    }
+    return checked;
+}
+
 }  // namespace
 
 Violations CheckIncludes(const SourceTree& sources, const RoomTable& rooms) {
@@ -80,6 +115,22 @@ Violations CheckSystems(const SourceTree& sources) {
         if (file.ends_with(".cpp") && (IsTest(file) || IsOfOneSystem(file))) continue;
         if (std::any_of(lines.begin(), lines.end(), AsksForTheSystem))
             violations.push_back(file + ": asks for the system");
+    }
+    return violations;
+}
+
+Violations CheckFieldOrders(const SourceTree& sources) {
+    Fields fields;
+    for (const auto& [file, lines] : sources) AddFields(lines, fields);
+    Violations violations;
+    for (const auto& [file, lines] : sources) {
+        if (IsTest(file)) continue;
+        for (const auto& [owner, checked] : CheckedFields(lines)) {
+            for (const std::string& field : fields[owner]) {
+                if (!checked.contains(field)) violations.push_back(file + ": does not check " + owner + "::" + field);
+            }
+            if (fields[owner].empty()) violations.push_back(file + ": checks " + owner + ", which has no fields");
+        }
     }
     return violations;
 }

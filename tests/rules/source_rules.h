@@ -19,6 +19,9 @@ Violations CheckIncludes(const SourceTree& sources, const RoomTable& rooms);
 // system stands below linux/ or windows/ and carries no system in its name.
 Violations CheckSystems(const SourceTree& sources);
 
+// Who checks where fields of a class stand (offsetof) checks all of them; the compiler sees to their order.
+Violations CheckFieldOrders(const SourceTree& sources);
+
 // No file has more than 400 lines.
 Violations CheckLengths(const SourceTree& sources);
 

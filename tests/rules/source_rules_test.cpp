@@ -87,6 +87,20 @@ TEST(SourceRules, AFileNamedAfterItsSystemIsFound) {
                 ElementsAre("ground/text_win32_test.cpp: names its system instead of standing in its folder"));
 }
 
+TEST(SourceRules, AFieldThatIsMissingInTheCheckOfTheirOrderIsFound) {
+    const SourceTree sources = {
+        {"shop/door.h",
+         {"class SHOP_API Door final : public Wall {", "public:", "    void Open();",
+          "    friend struct DoorFieldOrder;", "    std::map<int, Key*> m_keys;  // by number",
+          "    const Wall* m_wall = nullptr;", "    bool m_open{false};", "};"}},
+        {"shop/till.h", {"template <class Coin>", "struct Till {", "    Coin coin;", "};"}},
+        {"shop/door.cpp",
+         {"static_assert(InOrder({offsetof(Door, m_keys), offsetof(Door, m_open)}));", "using Cash = Till<int>;",
+          "static_assert(offsetof(Cash, coin) == 0);", "static_assert(offsetof(Lock, bolt) == 0);"}}};
+    EXPECT_THAT(CheckFieldOrders(sources), ElementsAre("shop/door.cpp: does not check Door::m_wall",
+                                                       "shop/door.cpp: checks Lock, which has no fields"));
+}
+
 TEST(SourceRules, FourHundredLinesAreEnough) {
     const SourceTree sources = {{"ground/long.cpp", std::vector<std::string>(401)},
                                 {"ground/short.cpp", std::vector<std::string>(400)}};
@@ -115,6 +129,8 @@ TEST(Project, IncludesOnlyWhatTheTableOfItsArchitectureAllows) {
 }
 
 TEST(Project, KeepsWhatBelongsToOneSystemInItsFolder) { EXPECT_EQ(Listed(CheckSystems(Project())), ""); }
+
+TEST(Project, ChecksTheOrderOfAllFieldsOfAClassOrOfNone) { EXPECT_EQ(Listed(CheckFieldOrders(Project())), ""); }
 
 TEST(Project, HasNoFileOfMoreThanFourHundredLines) { EXPECT_EQ(Listed(CheckLengths(Project())), ""); }
 
