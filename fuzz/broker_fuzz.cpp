@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-#include "base/path.h"
+#include "base/file.h"
 #include "broker/broker_loop.h"
 #include "broker_peer.h"
 #include "foreign_process.h"

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "base/path.h"
+#include "base/file.h"
 
 namespace fuzz {
 
