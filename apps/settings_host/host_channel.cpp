@@ -1,7 +1,6 @@
 #include "host_channel.h"
 
 #include <algorithm>
-#include <random>
 
 #include "channel_client.h"
 #include "host_output.h"
@@ -36,17 +35,15 @@ HostChannel::HostChannel(std::function<void()> changed)
 }
 
 void HostChannel::PostMark() {
-    channel::Decimal payload;
-    payload.digits = std::to_string(std::random_device{}());  // others may have hosts on this pipe, too
-    m_mark = payload.digits;
+    ++m_mark;
     m_marksUnderWay = 3;
     for (const Mark& mark : {kLayoutMark, kStatusMark, kPluginMark}) {
-        channel_client::Post(m_layout, mark.endpoint, mark, payload);
+        channel_client::Post(m_layout, mark.endpoint, mark, channel::Decimal(m_mark));
     }
 }
 
 void HostChannel::OnMark(const channel::Decimal& payload) {
-    if (payload.digits == m_mark) --m_marksUnderWay;
+    if (payload.Number() == m_mark) --m_marksUnderWay;
 }
 
 template <class Payload>

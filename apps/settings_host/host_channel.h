@@ -45,7 +45,7 @@ private:
 
     const std::function<void()> m_changed;
     PageNews m_news;
-    std::string m_mark;  // the last one's digits
+    int m_mark = 0;  // the last one's number
     int m_marksUnderWay = 0;
     IPCMessageClient m_layout;  // last: their callbacks use what stands above
     IPCMessageClient m_status;
