@@ -14,10 +14,11 @@ protected:
         StartService();
     }
 
-    // Runs a host to its end and returns the picture; the transcript names it.
+    // Runs a host to its end and returns the picture; the transcript names it. The page takes its time: a picture that
+    // is taken too early shows less.
     std::string Screenshot(std::vector<std::string> options, const std::map<std::string, std::string>& environment) {
         const std::string file = (m_folder / "screenshot.png").string();
-        options.insert(options.end(), {"--quiet-log", "--wait-percent", "1", "--screenshot", file});
+        options.insert(options.end(), {"--quiet-log", "--screenshot", file});
         test_process::Process host(SETTINGS_HOST_PROGRAM, options, environment);
         EXPECT_EQ(host.WaitForEnd(), 0) << host.Output().Text() << host.Errors().Text();
         EXPECT_THAT(host.Output().Lines(), Contains("picture: " + file));
