@@ -3,9 +3,9 @@
 #include <cctype>
 #include <cstdio>
 #include <iostream>
-#include <mutex>
 #include <sstream>
 
+#include "base/mutex.h"
 #include "base/text.h"
 #include "channel_client.h"
 #include "duilib/duilib.h"
@@ -41,8 +41,8 @@ std::string Shown(std::string_view payload) {
 }  // namespace
 
 void WriteTranscript(const std::string& line) {
-    static std::mutex mutex;
-    const std::lock_guard<std::mutex> guard(mutex);
+    static base::Mutex mutex;
+    const base::MutexLock lock(mutex);
     std::cout << base::OneLine(line) << std::endl;
 }
 

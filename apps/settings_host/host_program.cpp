@@ -159,8 +159,8 @@ void HostProgram::PlayScript() {
     errno = 0;
     std::ifstream file(m_commandLine.script);
     if (!file) {
-        throw std::runtime_error(Utf8FromPath(m_commandLine.script) +
-                                 ": the script cannot be read: " + std::generic_category().message(errno));
+        throw std::runtime_error(Utf8FromPath(m_commandLine.script) + ": the script cannot be read: " +
+                                 base::Reason(std::error_code(errno, std::generic_category())));
     }
     PlayFrom(file, Utf8FromPath(m_commandLine.script), false);
 }

@@ -30,14 +30,7 @@ CLI::Option* AddPath(CLI::App& app, const std::string& name, std::filesystem::pa
     return path.empty() ? option : option->default_str(base::Utf8FromPath(path));
 }
 
-}  // namespace
-
-std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, int& exitCode) {
-    CommandLine line;
-    line.module = PageModule::DefaultPath();
-    line.components = DefaultComponents();
-    bool withoutSample = false;
-    CLI::App app("A small settings application that shows the accessory update page.");
+void AddOptions(CLI::App& app, CommandLine& line, bool& withoutSample) {
     app.add_flag("--headless", line.headless, "Without a window: the page is written as text");
     AddPath(app, "--module", line.module, "The accessory page's module");
     AddPath(app, "--components", line.components, "Folder that holds brindle/res");
@@ -65,6 +58,17 @@ std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, in
     AddPath(app, "--log-file", line.logFile, "Also write the log into a file");
     app.add_flag("--quiet-log", line.quietLog, "Do not write the log to standard error");
     AddPath(app, "--report-file", line.reportFile, "Append usage events to a file");
+}
+
+}  // namespace
+
+std::optional<CommandLine> ReadCommandLine(int argc, const char* const* argv, int& exitCode) {
+    CommandLine line;
+    line.module = PageModule::DefaultPath();
+    line.components = DefaultComponents();
+    bool withoutSample = false;
+    CLI::App app("A small settings application that shows the accessory update page.");
+    AddOptions(app, line, withoutSample);
     app.failure_message(
         [](const CLI::App*, const CLI::Error& error) { return std::string("settings_host: ") + error.what() + "\n"; });
     try {

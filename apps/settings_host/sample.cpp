@@ -35,7 +35,8 @@ void ExpectFile(const fs::path& file) {
     errno = 0;
     const std::ifstream stream(file, std::ios::binary);
     if (!stream)
-        throw std::runtime_error(Utf8FromPath(file) + ": cannot be read: " + std::generic_category().message(errno));
+        throw std::runtime_error(Utf8FromPath(file) +
+                                 ": cannot be read: " + base::Reason(std::error_code(errno, std::generic_category())));
 }
 
 std::vector<fs::path> PackagesOf(const fs::path& sample) {

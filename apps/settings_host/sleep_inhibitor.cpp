@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "base/reason.h"
+
 namespace settings_host {
 
 SleepInhibitor::SleepInhibitor(std::string who, Log log) : m_who(std::move(who)), m_log(std::move(log)) {}
@@ -15,7 +17,7 @@ void SleepInhibitor::Hold(bool on) {
         m_inhibition = Ask(m_who, m_reason);
         m_refusalLogged = false;
     } catch (const std::runtime_error& error) {
-        if (m_log && !m_refusalLogged) m_log(std::string(RefusalText()) + ": " + error.what());
+        if (m_log && !m_refusalLogged) m_log(std::string(RefusalText()) + ": " + base::Reason(error));
         m_refusalLogged = true;
     }
 }

@@ -11,6 +11,7 @@
 
 #include "base/child_process.h"
 #include "base/file.h"
+#include "base/reason.h"
 #include "work_folder.h"
 
 namespace update_service {
@@ -55,7 +56,7 @@ Json Parse(const Place& place) {
     if (std::filesystem::is_directory(place.file, ignored)) place.Fail("is a folder");
     errno = 0;
     std::ifstream stream(place.file, std::ios::binary);
-    if (!stream) place.Fail("cannot be opened: " + std::generic_category().message(errno));
+    if (!stream) place.Fail("cannot be opened: " + base::Reason(std::error_code(errno, std::generic_category())));
     try {
         return Json::parse(stream, DoubleMembers(place));
     } catch (const Json::exception& error) {  // also for a number that is too large

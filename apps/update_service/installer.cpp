@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "base/child_process.h"
+#include "base/reason.h"
 
 namespace update_service {
 
@@ -30,7 +31,7 @@ InstallerResult RunInstaller(const InstallerCall& call, const std::stop_token& s
         if (end->IsSuccess()) return {InstallerEnd::kSucceeded, ""};
         return {InstallerEnd::kFailed, Description(*end)};
     } catch (const std::runtime_error& error) {
-        return {InstallerEnd::kFailed, error.what()};
+        return {InstallerEnd::kFailed, base::Reason(error)};
     }
 }
 

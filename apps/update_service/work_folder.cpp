@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "base/file.h"
+#include "base/reason.h"
 
 namespace update_service {
 namespace {
@@ -74,7 +75,7 @@ ServiceState ReadState(const std::filesystem::path& file) {
         }
         return state;
     } catch (const std::exception& error) {
-        throw std::runtime_error(base::Utf8FromPath(file) + ": " + error.what());
+        throw std::runtime_error(base::Utf8FromPath(file) + ": " + base::Reason(error));
     }
 }
 

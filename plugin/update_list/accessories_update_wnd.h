@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -69,7 +70,7 @@ private:
     template <class Payload>
     void AddReceiver(const channel::ToPage<Payload>& message, void (AccessoriesUpdateWnd::*handler)(Payload&));
     void AddReceiver(const channel::ToPage<channel::DeviceKey>& message,
-                     void (AccessoriesUpdateWnd::*handler)(TagIPCMessageItem&));
+                     std::function<void(TagIPCMessageItem&)> handler);
 
     CControlUI* m_root = nullptr;
     CPaintManagerUI* m_paintManager = nullptr;

@@ -1,6 +1,7 @@
 // What the page is sent: its receivers, and progress, end and failure messages on their way to the row of the device.
 #include <functional>
 #include <new>
+#include <utility>
 
 #include "channel/messages.h"
 #include "support/log_line.h"
@@ -19,8 +20,8 @@ void AccessoriesUpdateWnd::RegisterReceivers() {
     namespace to_page = channel::to_page;
     AddReceiver(to_page::IPC_MSG_ALL_UPDATE_DATA, &AccessoriesUpdateWnd::RecAllUpdateData);
     AddReceiver(to_page::IPC_MSG_DOWNLOAD_PROCESS, &AccessoriesUpdateWnd::RecPkgDownloadProcess);
-    AddReceiver(to_page::IPC_MSG_PKG_FINISH, &AccessoriesUpdateWnd::RecPkgFinish);
-    AddReceiver(to_page::IPC_MSG_PKG_FAIL, &AccessoriesUpdateWnd::RecPkgFail);
+    AddReceiver(to_page::IPC_MSG_PKG_FINISH, [this](TagIPCMessageItem& item) { RecPkgFinish(item); });
+    AddReceiver(to_page::IPC_MSG_PKG_FAIL, [this](TagIPCMessageItem& item) { RecPkgFail(item); });
 }
 
 template <class Payload>
@@ -33,8 +34,8 @@ void AccessoriesUpdateWnd::AddReceiver(const channel::ToPage<Payload>& message,
 // Not through the registry: that unregisters each of its receivers by itself when the page ends, and its cursor minds a
 // payload's length.
 void AccessoriesUpdateWnd::AddReceiver(const channel::ToPage<channel::DeviceKey>& message,
-                                       void (AccessoriesUpdateWnd::*handler)(TagIPCMessageItem&)) {
-    m_objIPCClientPtr->RegisterMessageCallback(message.id, std::bind(handler, this, std::placeholders::_1));
+                                       std::function<void(TagIPCMessageItem&)> handler) {
+    m_objIPCClientPtr->RegisterMessageCallback(message.id, std::move(handler));
 }
 
 AccessoriesFirwareWnd* AccessoriesUpdateWnd::FindRow(const std::string& deviceKey) const {

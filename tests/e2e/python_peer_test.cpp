@@ -1,4 +1,4 @@
-// The peer in another language (docs/examples/python_peer), written by docs/protocol.md alone: what it prints of the
+// The peer in another language (docs/examples/python_peer), written from docs/protocol.md only: what it prints of the
 // built service.
 
 #include <cstdio>

@@ -1,6 +1,6 @@
 #!/bin/sh
 # host_libraries_test.sh SOURCE BUILD CXX [OBJDUMP TOOLCHAIN]: the module builds against a host's own libraries, with their
-# public headers and import libraries alone, and what is missing of them is told. SOURCE is the project's folder, BUILD one
+# public headers and import libraries only, and what is missing of them is told. SOURCE is the project's folder, BUILD one
 # where the platform is built; OBJDUMP and TOOLCHAIN are those of a Windows build, whose module takes from the system what
 # the kernel library has elsewhere.
 set -eu

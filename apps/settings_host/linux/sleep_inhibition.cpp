@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <systemd/sd-bus.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,6 +8,8 @@
 #include <system_error>
 #include <utility>
 
+#include "base/handle.h"
+#include "base/reason.h"
 #include "sleep_inhibitor.h"
 
 namespace settings_host {
@@ -30,7 +31,7 @@ std::uint64_t MicrosecondsUntil(Clock::time_point deadline) {
 // `result` is what an sd-bus function returned: below 0 for minus an errno.
 int Checked(int result, const char* action) {
     if (result >= 0) return result;
-    throw std::runtime_error(std::string(action) + ": " + std::generic_category().message(-result));
+    throw std::runtime_error(std::string(action) + ": " + base::Reason(-result));
 }
 
 // A connection that is closed without writing what is still to be written: there is nothing once an answer has come,
@@ -66,7 +67,7 @@ Message CallInhibit(sd_bus* bus, const std::string& who, const std::string& reas
     const int result =
         sd_bus_call_method(bus, "org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
                            "Inhibit", &error, &reply, "ssss", "sleep:shutdown", who.c_str(), reason.c_str(), "block");
-    const std::string words = error.message != nullptr ? error.message : std::generic_category().message(-result);
+    const std::string words = error.message != nullptr ? error.message : base::Reason(-result);
     sd_bus_error_free(&error);
     if (result < 0) throw std::runtime_error("logind: " + words);
     return Message(reply);
@@ -77,14 +78,11 @@ class Inhibition final : public SleepInhibition {
 public:
     // Keeps a file of its own; `file` stays the caller's.
     explicit Inhibition(int file) : m_file(fcntl(file, F_DUPFD_CLOEXEC, 0)) {
-        if (m_file < 0) Checked(-errno, "logind's file cannot be kept");
+        if (!m_file) Checked(-errno, "logind's file cannot be kept");
     }
-    ~Inhibition() override { close(m_file); }
-    Inhibition(const Inhibition&) = delete;
-    Inhibition& operator=(const Inhibition&) = delete;
 
 private:
-    const int m_file;
+    const base::OwnedHandle m_file;
 };
 
 }  // namespace

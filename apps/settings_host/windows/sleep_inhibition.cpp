@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "base/handle.h"
 #include "base/reason.h"
 #include "base/text.h"
 #include "sleep_inhibitor.h"
@@ -22,22 +23,15 @@ public:
         context.Version = POWER_REQUEST_CONTEXT_VERSION;
         context.Flags = POWER_REQUEST_CONTEXT_SIMPLE_STRING;
         context.Reason.SimpleReasonString = text.data();
-        m_request = PowerCreateRequest(&context);
-        if (m_request == INVALID_HANDLE_VALUE) throw std::runtime_error("no power request: " + LastReason());
-        if (PowerSetRequest(m_request, PowerRequestSystemRequired)) return;
-        const std::string why = LastReason();
-        CloseHandle(m_request);
-        throw std::runtime_error("the power request was refused: " + why);
+        m_request = base::OwnedHandle(PowerCreateRequest(&context));
+        if (!m_request) throw std::runtime_error("no power request: " + LastReason());
+        if (PowerSetRequest(m_request.Handle(), PowerRequestSystemRequired)) return;
+        throw std::runtime_error("the power request was refused: " + LastReason());
     }
-    ~Inhibition() override {
-        PowerClearRequest(m_request, PowerRequestSystemRequired);
-        CloseHandle(m_request);
-    }
-    Inhibition(const Inhibition&) = delete;
-    Inhibition& operator=(const Inhibition&) = delete;
+    ~Inhibition() override { PowerClearRequest(m_request.Handle(), PowerRequestSystemRequired); }
 
 private:
-    HANDLE m_request;
+    base::OwnedHandle m_request;
 };
 
 }  // namespace
