@@ -7,7 +7,11 @@
 namespace update_service {
 
 UpdateService::UpdateService(const Catalogue& catalogue, ServiceOptions options, PageLink& page, Log log)
-    : m_catalogue(catalogue), m_options(std::move(options)), m_page(page), m_log(std::move(log)) {
+    : m_catalogue(catalogue),
+      m_options(std::move(options)),
+      m_page(page),
+      m_log(std::move(log)),
+      m_failAt(m_options.failAt) {
     for (const Accessory& accessory : m_catalogue.accessories) m_devices[accessory.deviceKey].accessory = &accessory;
     ReadDevices();
 }

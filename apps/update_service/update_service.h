@@ -132,8 +132,9 @@ private:
     const Log m_log;
     std::stop_source m_stopInstallers;
 
-    base::Mutex m_mutex;                      // guards the devices' phases and percentages, the state file and failAt
-    std::map<std::string, Device> m_devices;  // by device key; the map itself never changes
+    base::Mutex m_mutex;  // also guards the devices' phases and percentages, and the state file
+    std::map<std::string, int> m_failAt BASE_GUARDED_BY(m_mutex);  // as in the options, less those that have failed
+    std::map<std::string, Device> m_devices;                       // by device key; the map itself never changes
 };
 
 }  // namespace update_service

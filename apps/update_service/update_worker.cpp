@@ -17,7 +17,7 @@ bool UpdateService::Fetch(Device& device, const WorkFiles& files, const std::sto
     const base::MutexLock lock(m_mutex);
     if (stop.stop_requested()) return false;  // paused, or stopped: even when that was at the last moment
     if (result.end == TransferEnd::kFailed) {
-        if (result.wasAskedFor) m_options.failAt.erase(device.accessory->deviceKey);
+        if (result.wasAskedFor) m_failAt.erase(device.accessory->deviceKey);
         Fail(device, result.reason);
         return false;
     }
@@ -28,8 +28,8 @@ bool UpdateService::Fetch(Device& device, const WorkFiles& files, const std::sto
 Transfer UpdateService::TransferOf(const Device& device, const WorkFiles& files) {
     Transfer transfer{device.accessory->package, files, device.accessory->sha256, m_options.bytesPerSecond, {}};
     const base::MutexLock lock(m_mutex);
-    const auto failAt = m_options.failAt.find(device.accessory->deviceKey);
-    if (failAt != m_options.failAt.end()) transfer.failAt = failAt->second;
+    const auto failAt = m_failAt.find(device.accessory->deviceKey);
+    if (failAt != m_failAt.end()) transfer.failAt = failAt->second;
     return transfer;
 }
 
