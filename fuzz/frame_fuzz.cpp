@@ -22,16 +22,7 @@ struct Stream {
 
 void AppendAgain(std::string& out, const MessageView& message) {
     std::string data(message.data);
-    TagIPCMessageItem item;
-    item.text = message.text;
-    item.destId = message.destId;
-    item.sourceId = message.sourceId;
-    item.msgId = message.msgId;
-    item.headerWord1 = message.headerWord1;
-    item.headerWord2 = message.headerWord2;
-    item.headerWord3 = message.headerWord3;
-    item.headerWord4 = message.headerWord4;
-    item.flag = message.flag;
+    TagIPCMessageItem item = HeaderOf(message);
     item.data = data.data();
     item.dataLen = static_cast<std::int32_t>(data.size());
     fuzz::Require(IsPostable(item), "a message that came can be posted");

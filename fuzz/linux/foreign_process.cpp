@@ -29,36 +29,39 @@ int ConnectTo(const std::filesystem::path& path) {
     return descriptor;
 }
 
-void Give(int line, int descriptor) {
+// One byte, and room for a descriptor beside it.
+struct Envelope {
+    Envelope() {
+        message.msg_iov = &bytes;
+        message.msg_iovlen = 1;
+        message.msg_control = control.space;
+        message.msg_controllen = sizeof control.space;
+    }
+    Envelope(const Envelope&) = delete;
+    Envelope& operator=(const Envelope&) = delete;
+
     char byte = 0;
     iovec bytes{&byte, 1};
     Control control{};
     msghdr message{};
-    message.msg_iov = &bytes;
-    message.msg_iovlen = 1;
-    message.msg_control = control.space;
-    message.msg_controllen = sizeof control.space;
-    cmsghdr* const header = CMSG_FIRSTHDR(&message);
+};
+
+void Give(int line, int descriptor) {
+    Envelope envelope;
+    cmsghdr* const header = CMSG_FIRSTHDR(&envelope.message);
     header->cmsg_level = SOL_SOCKET;
     header->cmsg_type = SCM_RIGHTS;
     header->cmsg_len = CMSG_LEN(sizeof descriptor);
     std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-    sendmsg(line, &message, MSG_NOSIGNAL);
+    sendmsg(line, &envelope.message, MSG_NOSIGNAL);
 }
 
 int Take(int line) {
-    char byte = 0;
-    iovec bytes{&byte, 1};
-    Control control{};
-    msghdr message{};
-    message.msg_iov = &bytes;
-    message.msg_iovlen = 1;
-    message.msg_control = control.space;
-    message.msg_controllen = sizeof control.space;
+    Envelope envelope;
     ssize_t received = -1;
-    do received = recvmsg(line, &message, MSG_CMSG_CLOEXEC);
+    do received = recvmsg(line, &envelope.message, MSG_CMSG_CLOEXEC);
     while (received < 0 && errno == EINTR);  // by libFuzzer's clock
-    const cmsghdr* const header = received == 1 ? CMSG_FIRSTHDR(&message) : nullptr;
+    const cmsghdr* const header = received == 1 ? CMSG_FIRSTHDR(&envelope.message) : nullptr;
     Require(header != nullptr, "the other process is there");
     int descriptor = -1;
     std::memcpy(&descriptor, CMSG_DATA(header), sizeof descriptor);

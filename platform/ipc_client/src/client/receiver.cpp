@@ -9,16 +9,7 @@
 
 namespace ipc_client {
 
-Receiver::Message::Message(const MessageView& view) : data(view.data) {
-    item.text = view.text;
-    item.destId = view.destId;
-    item.sourceId = view.sourceId;
-    item.msgId = view.msgId;
-    item.headerWord1 = view.headerWord1;
-    item.headerWord2 = view.headerWord2;
-    item.headerWord3 = view.headerWord3;
-    item.headerWord4 = view.headerWord4;
-    item.flag = view.flag;
+Receiver::Message::Message(const MessageView& view) : item(HeaderOf(view)), data(view.data) {
     item.dataLen = static_cast<std::int32_t>(data.size());
 }
 

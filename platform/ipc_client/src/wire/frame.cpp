@@ -60,6 +60,20 @@ std::string Describe(Route route) {
     return text;
 }
 
+TagIPCMessageItem HeaderOf(const MessageView& message) {
+    TagIPCMessageItem item;
+    item.text = message.text;
+    item.destId = message.destId;
+    item.sourceId = message.sourceId;
+    item.msgId = message.msgId;
+    item.headerWord1 = message.headerWord1;
+    item.headerWord2 = message.headerWord2;
+    item.headerWord3 = message.headerWord3;
+    item.headerWord4 = message.headerWord4;
+    item.flag = message.flag;
+    return item;
+}
+
 bool IsPostable(const TagIPCMessageItem& item) {
     if (item.dataLen < 0 || static_cast<std::size_t>(item.dataLen) > kMaxDataBytes) return false;
     return (item.dataLen == 0 || item.data != nullptr) && item.text.size() <= kMaxTextBytes;

@@ -79,6 +79,9 @@ struct MessageView {
     Route route() const { return {destId, msgId}; }
 };
 
+// The message with everything but its payload: `data` is null and `dataLen` 0.
+TagIPCMessageItem HeaderOf(const MessageView& message);
+
 // Whether the item can be a message at all: lengths within the limits, and a payload where one is announced.
 bool IsPostable(const TagIPCMessageItem& item);
 
