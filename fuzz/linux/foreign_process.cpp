@@ -13,11 +13,6 @@
 namespace fuzz {
 namespace {
 
-union Control {  // one descriptor that is passed on
-    cmsghdr header;
-    char space[CMSG_SPACE(sizeof(int))];
-};
-
 int ConnectTo(const std::filesystem::path& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -34,16 +29,16 @@ struct Envelope {
     Envelope() {
         message.msg_iov = &bytes;
         message.msg_iovlen = 1;
-        message.msg_control = control.space;
-        message.msg_controllen = sizeof control.space;
+        message.msg_control = control;
+        message.msg_controllen = sizeof control;
     }
     Envelope(const Envelope&) = delete;
     Envelope& operator=(const Envelope&) = delete;
 
     char byte = 0;
     iovec bytes{&byte, 1};
-    Control control{};
     msghdr message{};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
 };
 
 void Give(int line, int descriptor) {
