@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -14,10 +13,12 @@
 #include <string>
 #include <thread>
 
+#include "base/text.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_diagnostics.h"
 #include "ipc_client/ipc_message_client.h"
+#include "test_process.h"
 
 namespace ipc_test {
 namespace {
@@ -41,18 +42,11 @@ TEST_F(BrokerSocket, StartAndStopMayBeCalledAgain) {
 }
 
 TEST_F(BrokerSocket, TheSocketOfAKilledBrokerIsReplaced) {
-    const pid_t child = fork();
-    if (child == 0) {
-        // Only what a process with threads may do after a fork, up to the broker, which is all that is needed here.
-        auto* broker = new IPCBroker(kPipe);
-        broker->Start();
-        pause();
-        _exit(0);
-    }
-    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(SocketPath()); }));
+    test_process::Process killed(BROKER_PROGRAM, {base::Utf8FromWide(kPipe)});
+    ASSERT_TRUE(killed.Output().WaitFor("serving"));
     EXPECT_THROW(IPCBroker(kPipe).Start(), std::runtime_error);
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    killed.Kill();
+    ASSERT_EQ(killed.WaitForEnd(), -SIGKILL);
     EXPECT_TRUE(std::filesystem::exists(SocketPath()));
     IPCBroker broker(kPipe);
     EXPECT_NO_THROW(broker.Start());
