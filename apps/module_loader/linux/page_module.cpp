@@ -20,12 +20,19 @@ void* Lookup(void* library, const char* name, const std::filesystem::path& file)
 
 }  // namespace
 
-PageModule::PageModule(const std::filesystem::path& file) {
-    void* const library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (library == nullptr)
+PageModule::PageModule(const std::filesystem::path& file)
+    : m_file(file), m_library(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    if (m_library == nullptr)
         throw std::runtime_error(base::Utf8FromPath(file) + ": the module cannot be loaded: " + dlerror());
-    m_create = reinterpret_cast<CreateFunction>(Lookup(library, kCreateSetting, file));
-    m_close = reinterpret_cast<CloseFunction>(Lookup(library, kCloseWnd, file));
+    m_create = reinterpret_cast<CreateFunction>(Lookup(m_library, kCreateSetting, file));
+    m_close = reinterpret_cast<CloseFunction>(Lookup(m_library, kCloseWnd, file));
+}
+
+bool PageModule::Unload() {
+    dlclose(m_library);
+    void* const still = dlopen(m_file.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    if (still != nullptr) dlclose(still);
+    return still == nullptr;
 }
 
 std::filesystem::path PageModule::DefaultPath() {

@@ -25,12 +25,18 @@ Function Lookup(HMODULE library, const char* name, const std::filesystem::path& 
 
 }  // namespace
 
-PageModule::PageModule(const std::filesystem::path& file) {
+PageModule::PageModule(const std::filesystem::path& file) : m_file(file) {
     const HMODULE library = LoadLibraryW(file.c_str());
+    m_library = library;
     if (library == nullptr)
         throw std::runtime_error(Utf8FromPath(file) + ": the module cannot be loaded: " + LastReason());
     m_create = Lookup<CreateFunction>(library, kCreateSetting, file);
     m_close = Lookup<CloseFunction>(library, kCloseWnd, file);
+}
+
+bool PageModule::Unload() {
+    FreeLibrary(static_cast<HMODULE>(m_library));
+    return GetModuleHandleW(m_file.c_str()) == nullptr;
 }
 
 // Libraries stand beside the programs here.
