@@ -8,8 +8,10 @@ service.
 Exit code 0 when that went well, 1 with a line on standard error when not, 2 when the command line is wrong.
 """
 import argparse
+import glob
 import os
 import socket
+import stat
 import struct
 import sys
 
@@ -36,27 +38,47 @@ class PeerError(Exception):
     """What went wrong, for the user."""
 
 
-def socket_path():
+def pipe_folders():
     folder = os.environ.get("BRINDLE_PIPE_DIR")
-    if not folder:
-        run = os.environ.get("XDG_RUNTIME_DIR", "")
-        if os.path.isabs(run) and os.path.isdir(run) and os.stat(run).st_uid == os.geteuid():
-            folder = os.path.join(run, "brindle")
-        else:
-            folder = f"/tmp/brindle-{os.geteuid()}"
-    return os.path.join(folder, PIPE + ".sock")
+    if folder:
+        return [folder]
+    run = os.environ.get("XDG_RUNTIME_DIR", "")
+    if os.path.isabs(run) and os.path.isdir(run) and os.stat(run).st_uid == os.geteuid():
+        return [os.path.join(run, "brindle")]
+    folder = f"/tmp/brindle-{os.geteuid()}"
+    return [folder] + sorted(glob.glob(folder + "-*"))
+
+
+def is_private(folder):
+    try:
+        info = os.lstat(folder)
+    except OSError:
+        return False
+    return stat.S_ISDIR(info.st_mode) and info.st_uid == os.geteuid() and info.st_mode & 0o077 == 0
+
+
+def connected_socket():
+    """The socket and its path."""
+    folders = pipe_folders()
+    reason = f"{folders[0]}: no folder that is this user's alone"
+    for folder in filter(is_private, folders):
+        path = os.path.join(folder, PIPE + ".sock")
+        connection = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+        connection.settimeout(PATIENCE)
+        try:
+            connection.connect(path)
+            return connection, path
+        except OSError as error:
+            connection.close()
+            reason = f"{path}: {error.strerror}"
+    raise PeerError(f"{reason}: is the update service running?")
 
 
 class Pipe:
     """One connection to the broker."""
 
-    def __init__(self, path):
-        self.socket = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
-        self.socket.settimeout(PATIENCE)
-        try:
-            self.socket.connect(path)
-        except OSError as error:
-            raise PeerError(f"{path}: {error.strerror}: is the update service running?") from error
+    def __init__(self):
+        self.socket, path = connected_socket()
         self.check_user(path)
         self.socket.sendall(HELLO)
         hello = self.read(len(HELLO))
@@ -194,7 +216,7 @@ def main():
     commands.add_parser("update", help="start an update and follow it").add_argument("key", metavar="KEY")
     options = parser.parse_args()
     try:
-        pipe = Pipe(socket_path())
+        pipe = Pipe()
         if options.command == "list":
             print_list(pipe)
         else:

@@ -15,7 +15,8 @@ std::wstring PlainPipeName(const std::wstring& pipeName);
 
 // Where the pipe of that name is on this system: "\\.\Pipe\NAME" is NAME.sock in the pipe folder, which is
 // $BRINDLE_PIPE_DIR, else brindle/ in $XDG_RUNTIME_DIR if that is an absolute path of a folder of this user, else
-// /tmp/brindle-UID/. Creates and checks nothing.
+// /tmp/brindle-UID/, for which another folder stands in where another user has it (linux/pipe_folder.h). Creates and
+// checks nothing.
 //
 // On Windows it is that pipe; $BRINDLE_PIPE_DIR puts a mark of that folder before NAME, so that programs with another
 // one do not meet it.
@@ -23,11 +24,6 @@ std::filesystem::path PipePath(const std::wstring& pipeName);
 
 // What $BRINDLE_PIPE_DIR says; empty when it says nothing.
 std::filesystem::path ChosenPipeFolder();
-
-// Makes the pipe folder if it is missing (mode 0700, its parent must exist). Throws std::runtime_error naming the
-// folder when that fails, or when the folder belongs to another user or is open to others. Does nothing on Windows,
-// where pipes lie in no folder.
-void PreparePipeFolder(const std::filesystem::path& folder);
 
 // Why a pipe cannot be had, for the systems' sources. Each throws std::runtime_error naming the path.
 [[noreturn]] void FailAt(const std::filesystem::path& path, const std::string& reason);

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -11,9 +10,9 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include "base/text.h"
+#include "ipc/linux/another_user.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_diagnostics.h"
@@ -105,19 +104,13 @@ TEST_F(BrokerSocket, TheSocketIsForThisUserOnly) {
     EXPECT_EQ(info.st_mode & 0777, 0600u);
 }
 
-// What a thread does as another user; nothing when this one is not root.
 class PeersOfAnotherUser : public BrokerSocket {
 protected:
     void SetUp() override {
         if (geteuid() != 0) GTEST_SKIP() << "only root can be another user";
     }
 
-    static void AsAnotherUser(const std::function<void()>& action) {
-        std::thread([&] {
-            ASSERT_EQ(syscall(SYS_setresuid, -1, 12345, -1), 0);  // of this thread only
-            action();
-        }).join();
-    }
+    static void AsAnotherUser(const std::function<void()>& action) { AsUser(12345, action); }
 };
 
 TEST_F(PeersOfAnotherUser, AreRefusedByTheBrokerAlsoWhereTheSocketLetsThemIn) {
@@ -138,6 +131,7 @@ TEST_F(PeersOfAnotherUser, AreNoBrokersForAClient) {
     chmod(Folder().c_str(), 0777);
     std::optional<RawBroker> broker;
     AsAnotherUser([&] { broker.emplace(SocketPath(), Hello()); });
+    chmod(Folder().c_str(), 0700);
     IPCMessageClient client(1, true, false, kPipe);
     EXPECT_TRUE(Logged("the broker belongs to another user"));
     EXPECT_FALSE(IsPipeConnected(kPipe));
@@ -147,6 +141,14 @@ TEST_F(BrokerSocket, AFolderOpenToOthersIsRefused) {
     chmod(Folder().c_str(), 0755);
     IPCBroker broker(kPipe);
     EXPECT_THAT([&] { broker.Start(); }, ThrowsMessage<std::runtime_error>(HasSubstr("open to other users")));
+}
+
+TEST_F(BrokerSocket, AFolderOpenToOthersHasNoBrokerForAClient) {
+    const RawBroker broker(SocketPath(), Hello());
+    chmod(Folder().c_str(), 0755);
+    IPCMessageClient client(1, true, false, kPipe);
+    EXPECT_TRUE(Logged("open to other users"));
+    EXPECT_FALSE(IsPipeConnected(kPipe));
 }
 
 TEST_F(BrokerSocket, APathThatIsTooLongIsRefusedWithItsLength) {

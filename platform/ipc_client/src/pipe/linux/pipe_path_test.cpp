@@ -1,12 +1,9 @@
 #include "pipe/pipe_path.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <optional>
 
 #include "temporary_folder.h"
@@ -15,8 +12,6 @@ namespace ipc_client {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::HasSubstr;
-using ::testing::ThrowsMessage;
 
 // Sets a variable of the environment, or removes it, for its lifetime.
 class Variable {
@@ -75,42 +70,6 @@ TEST_F(PipePathTest, NamesBecomeFileNames) {
         {L"\\\\.\\Pipe\\\u00e9", "/f/\xC3\xA9.sock"},
     };
     for (const auto& name : cases) EXPECT_EQ(PipePath(name.name), name.path);
-}
-
-TEST_F(PipePathTest, AMissingFolderIsMadeForThisUserOnly) {
-    const fs::path folder = m_folder / "new";
-    PreparePipeFolder(folder);
-    struct stat info;
-    ASSERT_EQ(stat(folder.c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0700u);
-    EXPECT_NO_THROW(PreparePipeFolder(folder));
-}
-
-TEST_F(PipePathTest, AFolderOpenToOthersIsRefused) {
-    for (const mode_t mode : {0777, 0710, 0704, 01777}) {
-        chmod(m_folder.Path().c_str(), mode);
-        EXPECT_THAT([&] { PreparePipeFolder(m_folder); },
-                    ThrowsMessage<std::runtime_error>(
-                        AllOf(HasSubstr(m_folder.Path().string()), HasSubstr("open to other users"))));
-    }
-}
-
-TEST_F(PipePathTest, AFolderOfAnotherUserIsRefused) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
-    ASSERT_EQ(chown(m_folder.Path().c_str(), 12345, 12345), 0);
-    EXPECT_THAT([&] { PreparePipeFolder(m_folder); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("belongs to another user")));
-}
-
-TEST_F(PipePathTest, WhatIsNoFolderIsRefused) {
-    std::ofstream(m_folder / "file") << "x";
-    EXPECT_THAT([&] { PreparePipeFolder(m_folder / "file"); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("not a folder")));
-    fs::create_symlink(m_folder, m_folder / "link");
-    EXPECT_THAT([&] { PreparePipeFolder(m_folder / "link"); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("not a folder")));
-    EXPECT_THAT([&] { PreparePipeFolder(m_folder / "no" / "parent"); },
-                ThrowsMessage<std::runtime_error>(HasSubstr("No such file")));
 }
 
 }  // namespace

@@ -13,10 +13,12 @@
 #include <limits>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "base/handle.h"
 #include "base/reason.h"
 #include "pipe/pipe_path.h"
+#include "pipe_folder.h"
 
 namespace ipc_client {
 namespace {
@@ -25,10 +27,14 @@ namespace fs = std::filesystem;
 
 [[noreturn]] void FailWithErrno(const fs::path& path) { FailAt(path, base::LastReason()); }
 
+void CheckPathLength(const fs::path& path) {
+    CheckLength(path, "a socket path", sizeof(sockaddr_un::sun_path) - 1, "bytes");
+}
+
 sockaddr_un Address(const fs::path& path) {
+    CheckPathLength(path);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    CheckLength(path, "a socket path", sizeof address.sun_path - 1, "bytes");
     const std::string& name = path.native();
     std::copy(name.begin(), name.end(), address.sun_path);
     return address;
@@ -77,6 +83,13 @@ base::OwnedHandle LockName(const fs::path& path) {
     }
 }
 
+// In every folder in which a broker of this name may be.
+std::vector<base::OwnedHandle> LockName(const std::vector<fs::path>& folders, const fs::path& name) {
+    std::vector<base::OwnedHandle> locks;
+    for (const fs::path& folder : folders) locks.push_back(LockName(folder / name));
+    return locks;
+}
+
 bool IsAnswered(const fs::path& path, const sockaddr_un& address) {
     const base::OwnedHandle fd(NewSocket(path));
     return connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ||
@@ -94,15 +107,28 @@ int Listen(const fs::path& path, const sockaddr_un& address) {
     return fd.ReleaseDescriptor();
 }
 
+// Where there are several folders, a broker is in any of them.
+base::OwnedHandle ConnectedSocket(const fs::path& path) {
+    CheckPathLength(path);
+    const std::vector<fs::path> folders = PipeFolders(path.parent_path());
+    for (std::size_t i = 0;; ++i) {
+        const fs::path place = folders[i] / path.filename();
+        const sockaddr_un address = Address(place);
+        base::OwnedHandle fd(NewSocket(place));
+        if (connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+            CheckBrokersUser(place, IsOfThisUser(fd.Descriptor()));
+            return fd;
+        }
+        if (i + 1 == folders.size()) FailWithErrno(place);
+    }
+}
+
 std::error_code LastError() { return {errno, std::system_category()}; }
 
 }  // namespace
 
 PipeSocket ConnectPipe(asio::io_context& io, const fs::path& path) {
-    const sockaddr_un address = Address(path);
-    base::OwnedHandle fd(NewSocket(path));
-    if (connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) FailWithErrno(path);
-    CheckBrokersUser(path, IsOfThisUser(fd.Descriptor()));
+    base::OwnedHandle fd = ConnectedSocket(path);
     PipeSocket socket(io);
     socket.assign(asio::local::stream_protocol(), fd.Descriptor());
     fd.ReleaseDescriptor();
@@ -133,9 +159,10 @@ std::size_t MostOpenFiles() {
 struct PipeListener::State {
     State(asio::io_context& context, const fs::path& where)
         : io(context),
-          path(where),
-          address(Address(where)),
-          lock((PreparePipeFolder(where.parent_path()), LockName(where))),
+          folders((CheckPathLength(where), PreparePipeFolders(where.parent_path()))),
+          path(folders.front() / where.filename()),
+          address(Address(path)),
+          locks(LockName(folders, where.filename())),
           acceptor(io) {
         base::OwnedHandle listener(Listen(path, address));
         if (lstat(path.c_str(), &bound) != 0) FailWithErrno(path);
@@ -164,9 +191,10 @@ struct PipeListener::State {
     }
 
     asio::io_context& io;
+    std::vector<fs::path> folders;
     fs::path path;
     sockaddr_un address;
-    base::OwnedHandle lock;
+    std::vector<base::OwnedHandle> locks;
     asio::local::stream_protocol::acceptor acceptor;
     struct stat bound {};  // the socket's file
 };

@@ -30,6 +30,4 @@ std::filesystem::path PipePath(const std::wstring& pipeName) {
     return std::wstring(kPipePrefix) + FolderMark() + PlainPipeName(pipeName);
 }
 
-void PreparePipeFolder(const std::filesystem::path&) {}
-
 }  // namespace ipc_client
