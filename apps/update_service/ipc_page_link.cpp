@@ -24,7 +24,10 @@ AccessoryVersionDataInfo RecordOf(const Accessory& accessory) {
 
 }  // namespace
 
-IpcPageLink::IpcPageLink(IPCMessageClient& client, Log log) : m_client(client), m_log(std::move(log)) {}
+IpcPageLink::IpcPageLink(IPCMessageClient& client, Log log)
+    : m_client(client), m_log(std::move(log)), m_lines({}, [this](const std::string& message, std::size_t leftOut) {
+          m_log(LOG_LEVEL_EVENT, std::to_string(leftOut) + " lines about " + message + " were left out");
+      }) {}
 
 void IpcPageLink::SendList(const std::vector<Accessory>& accessories) {
     channel::AccessoryList list;
@@ -45,9 +48,10 @@ void IpcPageLink::Post(const channel::ToPage<Payload>& message, const std::type_
     using channel_client::PostResult;
     const PostResult result = channel_client::Post(m_client, IPC_ENDPOINT_UPDATE_SERVICE, message, payload);
     if (result == PostResult::kPosted) return;
-    const std::string id = std::to_string(message.id);
-    m_log(LOG_LEVEL_EVENT, result == PostResult::kRefused ? "message " + id + " cannot be sent"
-                                                          : "message " + id + " is not sent: memory is exhausted");
+    const std::string name = "message " + std::to_string(message.id);
+    if (!m_lines.Spend(name)) return;
+    m_log(LOG_LEVEL_EVENT,
+          name + (result == PostResult::kRefused ? " cannot be sent" : " is not sent: memory is exhausted"));
 }
 
 void ReceiveRequests(IPCMessageClient& client, PageRequests& requests) {

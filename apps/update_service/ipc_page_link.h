@@ -2,6 +2,7 @@
 
 #include <type_traits>
 
+#include "base/line_budget.h"
 #include "ipc_client/ipc_message_client.h"
 #include "update_service.h"
 
@@ -24,6 +25,7 @@ private:
 
     IPCMessageClient& m_client;
     const Log m_log;
+    base::LineBudget m_lines;
 };
 
 // Hands what the page asks for to `requests`, on the client's delivery thread, until the client's callbacks are

@@ -5,12 +5,30 @@
 #include "base/reason.h"
 
 namespace update_service {
+namespace {
+
+// A key of a catalogue is short; one that somebody sent may be of any length.
+std::string Shown(const std::string& deviceKey) {
+    constexpr std::size_t kMostShown = 100;  // [bytes]
+    if (deviceKey.size() <= kMostShown) return deviceKey;
+    return deviceKey.substr(0, kMostShown) + "... (" + std::to_string(deviceKey.size()) + " bytes)";
+}
+
+// Subjects of lines.
+constexpr char kRequests[] = "requests for ";
+constexpr char kUnknown[] = "requests for accessories that the catalogue does not have";
+
+}  // namespace
 
 UpdateService::UpdateService(const Catalogue& catalogue, ServiceOptions options, PageLink& page, Log log)
     : m_catalogue(catalogue),
       m_options(std::move(options)),
       m_page(page),
       m_log(std::move(log)),
+      m_lines({},
+              [this](const std::string& subject, std::size_t leftOut) {
+                  m_log(LOG_LEVEL_EVENT, std::to_string(leftOut) + " lines about " + subject + " were left out");
+              }),
       m_failAt(m_options.failAt) {
     for (const Accessory& accessory : m_catalogue.accessories) m_devices[accessory.deviceKey].accessory = &accessory;
     ReadDevices();
@@ -58,14 +76,15 @@ void UpdateService::OnReady() {
             if (m_devices.at(accessory.deviceKey).phase != Phase::kInstalled) list.push_back(accessory);
         }
     }
-    m_log(LOG_LEVEL_DETAIL, "a page is ready: " + std::to_string(list.size()) + " accessories");
+    LogWithin("requests for the list", LOG_LEVEL_DETAIL,
+              "a page is ready: " + std::to_string(list.size()) + " accessories");
     m_page.SendList(list);
 }
 
 void UpdateService::OnStart(const std::string& deviceKey) {
     Device* const device = FindDevice(deviceKey);
     if (!device) {
-        m_log(LOG_LEVEL_EVENT, deviceKey + ": start refused: the catalogue does not have it");
+        LogWithin(kUnknown, LOG_LEVEL_EVENT, Shown(deviceKey) + ": start refused: the catalogue does not have it");
         m_page.Send(channel::to_page::IPC_MSG_PKG_FAIL, deviceKey);
         return;
     }
@@ -77,11 +96,11 @@ bool UpdateService::AnswerStart(Device& device) {
     switch (device.phase) {
         case Phase::kDownloading:
         case Phase::kInstalling:
-            WriteLog(LOG_LEVEL_DETAIL, device, "runs already");
+            LogRequest(LOG_LEVEL_DETAIL, device, "runs already");
             m_page.SendProgress(device.accessory->deviceKey, device.percent);
             return true;
         case Phase::kInstalled:
-            WriteLog(LOG_LEVEL_DETAIL, device, "is installed already");
+            LogRequest(LOG_LEVEL_DETAIL, device, "is installed already");
             m_page.Send(channel::to_page::IPC_MSG_PKG_FINISH, device.accessory->deviceKey);
             return true;
         case Phase::kIdle:
@@ -95,17 +114,17 @@ bool UpdateService::AnswerStart(Device& device) {
 void UpdateService::OnPause(const std::string& deviceKey) {
     Device* const device = FindDevice(deviceKey);
     if (!device) {
-        m_log(LOG_LEVEL_EVENT, deviceKey + ": pause ignored: the catalogue does not have it");
+        LogWithin(kUnknown, LOG_LEVEL_EVENT, Shown(deviceKey) + ": pause ignored: the catalogue does not have it");
         return;
     }
     const base::MutexLock lock(m_mutex);
     if (device->phase != Phase::kDownloading) {
-        WriteLog(LOG_LEVEL_EVENT, *device, std::string("pause ignored: it is ") + NameOf(device->phase));
+        LogRequest(LOG_LEVEL_EVENT, *device, std::string("pause ignored: it is ") + NameOf(device->phase));
         return;
     }
     SetPhase(*device, Phase::kPaused);
     device->worker.request_stop();
-    WriteLog(LOG_LEVEL_DETAIL, *device, "paused at " + std::to_string(device->percent) + " percent");
+    LogRequest(LOG_LEVEL_DETAIL, *device, "paused at " + std::to_string(device->percent) + " percent");
 }
 
 void UpdateService::Stop() {
@@ -128,7 +147,7 @@ void UpdateService::Launch(Device& device) {
         const base::MutexLock lock(m_mutex);
         SetPhase(device, Phase::kDownloading);
     }
-    WriteLog(LOG_LEVEL_DETAIL, device, "started" + FromWhere(device));
+    LogRequest(LOG_LEVEL_DETAIL, device, "started" + FromWhere(device));
     device.worker = std::jthread([this, &device](std::stop_token stop) { Update(device, stop); });
 }
 
@@ -149,12 +168,23 @@ void UpdateService::SetPhase(Device& device, Phase phase) {
     try {
         WriteState(StateFile(), state);
     } catch (const std::exception& error) {
-        m_log(LOG_LEVEL_EVENT, "the state cannot be written: " + base::Reason(error));
+        LogWithin("the state file", LOG_LEVEL_EVENT, "the state cannot be written: " + base::Reason(error));
     }
 }
 
-void UpdateService::WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) const {
-    m_log(level, device.accessory->deviceKey + ": " + text);
+void UpdateService::WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) {
+    const std::string& key = device.accessory->deviceKey;
+    LogWithin(key, level, key + ": " + text);
+}
+
+// Apart from the device's other lines, which requests without end do not drown.
+void UpdateService::LogRequest(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) {
+    const std::string& key = device.accessory->deviceKey;
+    LogWithin(kRequests + key, level, key + ": " + text);
+}
+
+void UpdateService::LogWithin(const std::string& subject, LOG_MESSAGE_LEVEL level, const std::string& line) {
+    if (m_lines.Spend(subject)) m_log(level, line);
 }
 
 std::filesystem::path UpdateService::StateFile() const { return m_options.workFolder / "state.json"; }

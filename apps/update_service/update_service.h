@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/line_budget.h"
 #include "base/mutex.h"
 #include "catalogue.h"
 #include "channel/messages.h"
@@ -122,7 +123,9 @@ private:
     void Fail(Device& device, const std::string& reason) BASE_REQUIRES(m_mutex);
 
     std::string FromWhere(const Device& device) const;
-    void WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text) const;
+    void WriteLog(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text);
+    void LogRequest(LOG_MESSAGE_LEVEL level, const Device& device, const std::string& text);
+    void LogWithin(const std::string& subject, LOG_MESSAGE_LEVEL level, const std::string& line);
     Transfer TransferOf(const Device& device, const WorkFiles& files);
     std::filesystem::path StateFile() const;
 
@@ -130,6 +133,7 @@ private:
     ServiceOptions m_options;
     PageLink& m_page;
     const Log m_log;
+    base::LineBudget m_lines;
     std::stop_source m_stopInstallers;
 
     base::Mutex m_mutex;  // also guards the devices' phases and percentages, and the state file

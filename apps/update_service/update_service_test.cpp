@@ -175,6 +175,33 @@ TEST_F(ServiceTest, AStartOfAnUnknownAccessoryFails) {
     EXPECT_TRUE(m_log.Has("unknown: start refused: the catalogue does not have it"));
 }
 
+TEST_F(ServiceTest, RequestsWithoutEndMakeLinesOfTheirOwnOnlyAndNotWithoutEnd) {
+    constexpr int kRequests = 1000;
+    AddAccessory("pen");
+    Start();
+    for (int i = 0; i < kRequests; ++i) {
+        m_service->OnStart("unknown " + std::to_string(i));
+        m_service->OnPause("pen");
+        m_service->OnReady();
+    }
+    m_service->OnStart("pen");
+    ASSERT_TRUE(Told("ended pen"));
+    EXPECT_TRUE(m_log.Has("pen: installed version 2"));
+    EXPECT_THAT(m_log.Lines(), testing::SizeIs(testing::Lt(200u)));
+    m_service.reset();
+    EXPECT_TRUE(m_log.Has("940 lines about requests for accessories that the catalogue does not have were left out"));
+    EXPECT_TRUE(m_log.Has("941 lines about requests for pen were left out"));
+    EXPECT_TRUE(m_log.Has("940 lines about requests for the list were left out"));
+}
+
+TEST_F(ServiceTest, AnUnknownKeyIsNotShownBeyondWhatALineIsFor) {
+    Start();
+    m_service->OnStart(std::string(1000000, 'x'));
+    EXPECT_TRUE(
+        m_log.Has(std::string(100, 'x') + "... (1000000 bytes): start refused: the catalogue does not have it"));
+    EXPECT_TRUE(Told("failed " + std::string(1000000, 'x')));
+}
+
 TEST_F(PenTest, AMissingPackageFailsAndARetrySucceedsOnceItIsThere) {
     AddAccessory("pen");
     const auto package = m_catalogue.accessories[0].package;

@@ -32,6 +32,13 @@ void Log(int level, const std::string& line) noexcept {
     if (!LogSlot().Tell(level, line)) std::fprintf(stderr, "ipc_client: %s\n", line.c_str());
 }
 
+void PeerLog::TellLeftOut(const std::string& process, std::size_t count) noexcept {
+    LogIfPossible(kIpcLogEvent, [&] {
+        return "broker: " + std::to_string(count) + " lines about " +
+               (process.empty() ? "many other processes" : "process " + process) + " were left out";
+    });
+}
+
 void Trace(IpcTraceEvent event, const TagIPCMessageItem& item) noexcept { TraceSlot().Tell(event, item); }
 
 }  // namespace ipc_client

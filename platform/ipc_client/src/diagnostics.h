@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "base/line_budget.h"
 #include "ipc_client/ipc_diagnostics.h"
 
 // What the library tells of itself.
@@ -20,6 +21,27 @@ void LogIfPossible(int level, const MakeLine& makeLine) noexcept {
     } catch (const std::bad_alloc&) {
     }
 }
+
+// Lines about what other processes do at the broker: each process has a budget of its own, so that none can drown what
+// is said of the others. Any thread.
+class PeerLog {
+public:
+    explicit PeerLog(const base::LineBudget::Limits& limits = {}) : m_budget(limits, TellLeftOut) {}
+
+    // As LogIfPossible. A line beyond the budget of that process is not made, but counted.
+    template <typename MakeLine>
+    void Write(int level, unsigned long process, const MakeLine& makeLine) noexcept {
+        try {
+            if (m_budget.Spend(std::to_string(process))) Log(level, makeLine());
+        } catch (const std::bad_alloc&) {
+        }
+    }
+
+private:
+    static void TellLeftOut(const std::string& process, std::size_t count) noexcept;
+
+    base::LineBudget m_budget;
+};
 
 // For lines that would repeat without end: whether the count-th of them is to be written (1, 2, 4, 8, ...).
 constexpr bool IsWorthALine(std::size_t count) { return (count & (count - 1)) == 0; }
