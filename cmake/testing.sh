@@ -90,6 +90,16 @@ run_tests() {
   unsteady="$unsteady$(unsteady_tests "$log" | sed "s/^/ $preset:/" | tr -d '\n')"
 }
 
+# run_campaign PRESET: rounds of faults (tests/campaign, docs/testing.md).
+run_campaign() {
+  rounds=${CAMPAIGN_ROUNDS:-500}
+  for what in messages product; do
+    echo "== campaign: $rounds rounds of $what"
+    "build/$1/bin/pipe_campaign" --of "$what" --rounds "$rounds" || failed="$failed campaign:$what"
+    rounds=$(((rounds + 4) / 5))
+  done
+}
+
 # conclude: the last lines, and the exit code.
 conclude() {
   if [ -n "$skipped" ]; then

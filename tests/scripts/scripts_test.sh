@@ -129,4 +129,22 @@ done
 grep -qF 'max_total_time=3' "$folder/steady.arguments" || fail "FUZZ_SECONDS does not reach the targets"
 rm "$folder"/build/fuzz/targets/[mw]*_fuzz
 expect 0 'All tests passed.' fuzz_in_folder
+
+# Of a campaign's rounds those of the product go wrong.
+mkdir -p "$folder/build/release/bin"
+cat >"$folder/build/release/bin/pipe_campaign" <<'END'
+#!/bin/sh
+echo "$@" >>campaign.arguments
+[ "$2" = messages ]
+END
+chmod +x "$folder/build/release/bin/pipe_campaign"
+# campaign_in_folder
+campaign_in_folder() (
+  cd "$folder"
+  CAMPAIGN_ROUNDS=12 run_campaign release
+  conclude
+)
+expect 1 'test: failed: campaign:product' campaign_in_folder
+printf '%s\n' '--of messages --rounds 12' '--of product --rounds 3' | cmp - "$folder/campaign.arguments" ||
+  fail "CAMPAIGN_ROUNDS does not reach the campaign"
 echo "The scripts do as they say."
