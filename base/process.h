@@ -61,11 +61,16 @@ void StopWithInput();
 const char* WaitForStopSignal();
 
 // Writes the text to standard error at once: a console shows it as such, a file or pipe gets the bytes. Text that
-// cannot be written is lost. Any thread.
+// cannot be written is lost. A process ends although a thread waits in here. Any thread.
 void WriteToErrors(std::string_view text);
 
-// Whether standard error takes so many bytes without making this thread wait for whoever reads it. On Windows, which
-// does not tell, always true.
-bool ErrorsTakeAtOnce(std::size_t bytes);
+// Whether standard error takes so many bytes without making this thread wait for whoever reads it. Windows does not
+// tell that of its pipes and consoles.
+enum class ErrorsTake { kAtOnce, kNotNow, kNobodyKnows };
+ErrorsTake HowErrorsTake(std::size_t bytes);
+
+// Keeps the library or program that this is part of in memory until the process ends, for a thread of its that may live
+// as long.
+void StayLoaded();
 
 }  // namespace base

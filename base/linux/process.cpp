@@ -1,5 +1,6 @@
 #include "base/process.h"
 
+#include <dlfcn.h>
 #include <limits.h>
 #include <poll.h>
 #include <signal.h>
@@ -96,10 +97,16 @@ void WriteToErrors(std::string_view text) {
 }
 
 // A pipe that has any room takes a page.
-bool ErrorsTakeAtOnce(std::size_t bytes) {
+ErrorsTake HowErrorsTake(std::size_t bytes) {
     pollfd errors{STDERR_FILENO, POLLOUT, 0};
-    if (poll(&errors, 1, 0) <= 0) return false;
-    return bytes <= PIPE_BUF || (errors.revents & POLLERR) != 0;
+    if (poll(&errors, 1, 0) <= 0) return ErrorsTake::kNotNow;
+    return bytes <= PIPE_BUF || (errors.revents & POLLERR) != 0 ? ErrorsTake::kAtOnce : ErrorsTake::kNotNow;
+}
+
+void StayLoaded() {
+    Dl_info place{};
+    if (dladdr(reinterpret_cast<void*>(&StayLoaded), &place) == 0) return;
+    dlopen(place.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);  // not closed, and nothing for a program
 }
 
 }  // namespace base

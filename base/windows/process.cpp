@@ -4,7 +4,7 @@
 // The shell's header needs the one before it.
 #include <shellapi.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
@@ -137,20 +137,34 @@ const char* WaitForStopSignal() {
 }
 
 // The system's consoles have a code page of their own, which is the program's business: text goes there as wide
-// characters.
+// characters. Not through the C library, which would wait at the process's end for a thread that waits in here.
 void WriteToErrors(std::string_view text) {
-    const HANDLE console = GetStdHandle(STD_ERROR_HANDLE);
-    DWORD mode = 0;
-    if (GetConsoleMode(console, &mode)) {
+    const HANDLE errors = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode = 0, written = 0;
+    if (GetConsoleMode(errors, &mode)) {
         const std::wstring wide = WideFromUtf8(text);
-        DWORD written = 0;
-        WriteConsoleW(console, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
-    } else {
-        std::fwrite(text.data(), 1, text.size(), stderr);
-        std::fflush(stderr);
+        WriteConsoleW(errors, wide.data(), static_cast<DWORD>(wide.size()), &written, nullptr);
+        return;
+    }
+    while (!text.empty()) {
+        constexpr std::size_t kMost = 1024 * 1024 * 1024;
+        if (!WriteFile(errors, text.data(), static_cast<DWORD>(std::min(text.size(), kMost)), &written, nullptr))
+            return;
+        text.remove_prefix(written);
     }
 }
 
-bool ErrorsTakeAtOnce(std::size_t) { return true; }
+ErrorsTake HowErrorsTake(std::size_t) {
+    const HANDLE errors = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    const bool mayWait = GetFileType(errors) == FILE_TYPE_PIPE || GetConsoleMode(errors, &mode);
+    return mayWait ? ErrorsTake::kNobodyKnows : ErrorsTake::kAtOnce;
+}
+
+void StayLoaded() {
+    HMODULE self = nullptr;
+    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
+                       reinterpret_cast<const wchar_t*>(&StayLoaded), &self);
+}
 
 }  // namespace base

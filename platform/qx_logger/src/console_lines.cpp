@@ -7,13 +7,20 @@
 
 void ConsoleLines::Write(std::string_view line) {
     const base::MutexLock lock(m_mutex);
-    if (!m_isWriting && base::ErrorsTakeAtOnce(line.size())) return base::WriteToErrors(line);
+    const base::ErrorsTake take = m_isWriting ? base::ErrorsTake::kNotNow : base::HowErrorsTake(line.size());
+    if (take == base::ErrorsTake::kAtOnce) return base::WriteToErrors(line);
     if (m_leftOut != 0 || m_kept.size() + line.size() > kMostKept) {
         ++m_leftOut;
         return;
     }
     m_kept += line;
     if (m_isWriting) return;
+    StartWriting();
+    if (take == base::ErrorsTake::kNobodyKnows) WaitWritten(std::chrono::steady_clock::now() + kPatience);
+}
+
+void ConsoleLines::StartWriting() {
+    base::StayLoaded();
     std::thread([this] { WriteKept(); }).detach();
     m_isWriting = true;
 }
@@ -38,6 +45,10 @@ std::string ConsoleLines::NextKept() {
 
 void ConsoleLines::Flush(std::chrono::steady_clock::time_point until) {
     const base::MutexLock lock(m_mutex);
+    WaitWritten(until);
+}
+
+void ConsoleLines::WaitWritten(std::chrono::steady_clock::time_point until) {
     while (m_isWriting && m_written.WaitUntil(m_mutex, until)) {
     }
 }

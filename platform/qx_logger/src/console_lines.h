@@ -7,9 +7,9 @@
 
 #include "base/mutex.h"
 
-// Lines on their way to standard error, which never make their writer wait: a pipe that nobody reads, or a terminal
-// that somebody stopped, would stop the whole program otherwise. Never destroyed: a thread may still wait in it at the
-// process's end.
+// Lines on their way to standard error, which do not make their writer wait for its reader: a pipe that nobody reads,
+// or a terminal that somebody stopped, would stop the whole program otherwise. Never destroyed: a thread may still wait
+// in it at the process's end.
 class ConsoleLines {
 public:
     ConsoleLines() = default;
@@ -17,7 +17,9 @@ public:
     ConsoleLines& operator=(const ConsoleLines&) = delete;
 
     // Writes the line at once where standard error takes it; else keeps it for a thread that waits in this one's place.
-    // When a mebibyte is kept, further lines are left out; their number is written where they are missing. Any thread.
+    // When a mebibyte is kept, further lines are left out; their number is written where they are missing. Where the
+    // system does not tell whether it takes a line, the thread gets each, and is given a moment for it while the one
+    // before is out: so a process that ends right after a line has written it. Any thread.
     void Write(std::string_view line);
 
     // Waits until nothing is kept, or the time has come.
@@ -25,7 +27,10 @@ public:
 
 private:
     static constexpr std::size_t kMostKept = 1024 * 1024;  // [bytes]
+    static constexpr std::chrono::milliseconds kPatience{20};
 
+    void StartWriting() BASE_REQUIRES(m_mutex);
+    void WaitWritten(std::chrono::steady_clock::time_point until) BASE_REQUIRES(m_mutex);
     void WriteKept();
     std::string NextKept();
 

@@ -1,17 +1,18 @@
-// A standard error that nobody reads.
+// A standard error that nobody reads, or somebody does at his own pace.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <array>
+#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <thread>
 
+#include "errors_in_a_pipe.h"
 #include "qx_logger/qx_logger.h"
 
 namespace {
+
+using test_support::ErrorsInAPipe;
 
 constexpr int kLines = 40000;
 const std::wstring kText(100, L'x');
@@ -21,38 +22,6 @@ void Log() {
     line << kText;
     QxLogger::GetInstance()->Log(LOG_LEVEL_EVENT, line);
 }
-
-// Standard error is a pipe while this lives.
-class ErrorsInAPipe {
-public:
-    ErrorsInAPipe() : m_before(dup(STDERR_FILENO)) {
-        std::array<int, 2> ends{};
-        EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-        m_reader = ends[0];
-        dup2(ends[1], STDERR_FILENO);
-        close(ends[1]);
-    }
-    ~ErrorsInAPipe() {
-        EndWriting();
-        close(m_reader);
-        close(m_before);
-    }
-    void EndWriting() { dup2(m_before, STDERR_FILENO); }
-
-    std::string ReadAll() const {
-        std::string all;
-        std::array<char, 65536> buffer{};
-        for (ssize_t got = 1; got > 0;) {
-            got = read(m_reader, buffer.data(), buffer.size());
-            if (got > 0) all.append(buffer.data(), static_cast<std::size_t>(got));
-        }
-        return all;
-    }
-
-private:
-    int m_before;
-    int m_reader = -1;
-};
 
 TEST(LoggerWithoutAReader, LinesNeverWaitAndThoseLeftOutAreCounted) {
     ErrorsInAPipe errors;
@@ -82,6 +51,32 @@ TEST(LoggerWithoutAReader, LinesNeverWaitAndThoseLeftOutAreCounted) {
     EXPECT_EQ(notes, 1);
     EXPECT_GT(leftOut, 0);
     EXPECT_GT(written, 8000);  // a mebibyte of them
+}
+
+TEST(LoggerWithoutAReader, AProcessEndsAllTheSame) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            new ErrorsInAPipe;  // to the end
+            for (int i = 0; i < kLines; ++i) Log();
+            std::exit(7);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+TEST(LoggerWithAReader, ALineIsOutWhenItHasBeenLogged) {
+    constexpr int kTries = 20;  // fewer than fill a pipe
+    ErrorsInAPipe errors;
+    int out = 0;
+    std::size_t before = 0;
+    for (int i = 0; i < kTries; ++i) {
+        Log();
+        const std::size_t now = errors.Readable();
+        if (now != before) ++out;
+        QxLogger::GetInstance()->Flush();
+        before = errors.Readable();
+    }
+    EXPECT_GT(out, kTries / 2);  // all of them, where the machine has nothing else to do
 }
 
 }  // namespace
