@@ -176,14 +176,19 @@ void Ledger::JudgeNews(const std::set<std::string>& pages, const std::string& la
         Lose(tally, "news of " + lastLife + " to " + page, MissingNews(page, lastLife));
 }
 
-Tally Ledger::Judge(const std::set<std::string>& pages, const std::string& lastLife) const {
+Tally Ledger::Losses(const std::set<std::string>& pages, const std::string& lastLife) const {
+    Tally tally;
+    JudgeLosses("requests", m_requests, m_requestsPosted, pages, tally);
+    JudgeLosses("notes", m_notes, m_notesPosted, pages, tally);
+    JudgeNews(pages, lastLife, tally);
+    return tally;
+}
+
+Tally Ledger::Order() const {
     Tally tally = m_tally;
     JudgeOrder("requests", m_requests, tally);
     JudgeOrder("notes", m_notes, tally);
     JudgeOrder("news", m_news, tally);
-    JudgeLosses("requests", m_requests, m_requestsPosted, pages, tally);
-    JudgeLosses("notes", m_notes, m_notesPosted, pages, tally);
-    JudgeNews(pages, lastLife, tally);
     return tally;
 }
 

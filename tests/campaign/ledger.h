@@ -56,8 +56,11 @@ public:
     // has said since it first heard them.
     bool IsComplete(const std::set<std::string>& pages, const std::string& lastLife) const;
 
-    // What is wrong with it all. Of pages that are not named, which have been killed, the last messages may be missing.
-    Tally Judge(const std::set<std::string>& pages, const std::string& lastLife) const;
+    // What has not come so far. Of pages that are not named, which have been killed, the last messages may be missing.
+    Tally Losses(const std::set<std::string>& pages, const std::string& lastLife) const;
+
+    // What came that should not have come, or not so; the faults.
+    Tally Order() const;
 
 private:
     struct File {

@@ -36,11 +36,11 @@ public:
         if (!serviceFirst) StartService();
         if (!m_options.calm) StrikeBlows();
         const bool isComplete = WaitForEverything();
-        const bool hearsAnything = isComplete || Probe();
+        Tally tally = m_ledger.Losses(Alive(), m_life);
+        if (!isComplete && !Probe()) tally.Find(Wrong::kStuck, "what was posted last is not handled either");
         EndAll();
-        Tally tally = m_ledger.Judge(Alive(), m_life);
+        tally.Add(m_ledger.Order());
         tally.Add(m_tally);
-        if (!hearsAnything) tally.Find(Wrong::kStuck, "what was posted last is not handled either");
         return tally;
     }
 
