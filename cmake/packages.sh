@@ -5,6 +5,7 @@ run_packages="g++ cmake ninja-build pkg-config libpugixml-dev libpango1.0-dev li
 test_packages="$run_packages libgtest-dev libgmock-dev libbenchmark-dev dbus libxtst-dev xvfb clang-16 libclang-rt-16-dev
   llvm-16 binutils ccache python3"
 check_packages="clang-format-14 clang-tidy-16 git"
+model_packages="spin gcc"
 windows_packages="g++ g++-mingw-w64-x86-64-posix cmake ninja-build dpkg-dev libasio-dev libspdlog-dev libfmt-dev
   nlohmann-json3-dev libcli11-dev libgtest-dev libgmock-dev librsvg2-bin fonts-noto-core fonts-noto-cjk wine wine64 xvfb
   ccache"

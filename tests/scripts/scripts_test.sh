@@ -147,4 +147,44 @@ campaign_in_folder() (
 expect 1 'test: failed: campaign:product' campaign_in_folder
 printf '%s\n' '--of messages --rounds 12' '--of product --rounds 3' | cmp - "$folder/campaign.arguments" ||
   fail "CAMPAIGN_ROUNDS does not reach the campaign"
+
+# Of a model's variants three become what is said of them, one has no flaw, one fails otherwise, and one is none. The checker
+# here is a program that prints what the variant's name says.
+mkdir -p "$folder/bin" "$folder/tests/model"
+cat >"$folder/bin/spin" <<'END'
+#!/bin/sh
+[ "$1" = -a ] || exit 0
+case $2 in
+  -DSOUND) says='State-vector 8 byte, depth reached 9, errors: 0\n     12 states, stored\n' ;;
+  -DTWICE) says='pan:1: assertion violated  !(handledTwice) (at depth 3)\n     7 states, stored\n' ;;
+  *) exit 1 ;;
+esac
+printf '%s\n' '#include <stdio.h>' "int main() { fputs(\"$says\", stdout); }" >pan.c
+END
+chmod +x "$folder/bin/spin"
+cat >"$folder/tests/model/variants.txt" <<'END'
+# what is compiled in
+sound holds SOUND
+ended ends SOUND
+flawed handledTwice TWICE
+
+harmless handledTwice SOUND
+other neverDone TWICE
+none holds NONE
+END
+# model_in_folder
+model_in_folder() (
+  . cmake/modelling.sh
+  cd "$folder"
+  PATH=$folder/bin:$PATH
+  check_model
+  conclude
+)
+expect 1 'test: failed: model:harmless model:other model:none' model_in_folder
+for row in '^ok +sound +12  holds$' '^ok +ended +12  ends$' '^ok +flawed +7  handledTwice$' '^WRONG +harmless +12  holds$' \
+  '^WRONG +other +7  handledTwice$' '^WRONG +none +-  no answer: '; do
+  grep -qE "$row" "$folder/output" || fail "checking the model does not print '$row'"
+done
+sed -i '5,$d' "$folder/tests/model/variants.txt"
+expect 0 'All tests passed.' model_in_folder
 echo "The scripts do as they say."
