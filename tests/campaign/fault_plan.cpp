@@ -8,15 +8,17 @@ namespace campaign {
 
 namespace {
 
-constexpr int kHandshake = 100;    // [bytes] within which a connection says who is who
-constexpr int kEarly = 2000;       // [bytes]
-constexpr int kLate = 40'000;      // [bytes] about what one side says in a round
-constexpr int kMostReplayed = 80;  // [bytes] no message is whole in them: said twice, it would have been said twice
+constexpr int kHandshake = 100;       // [bytes] within which a connection says who is who
+constexpr int kEarly = 2000;          // [bytes]
+constexpr int kLate = 40'000;         // [bytes] about what one side says in a round
+constexpr int kVeryLate = 2'000'000;  // [bytes] of one that says much
+constexpr int kMostReplayed = 80;     // [bytes] no message is whole in them: said twice, it would have been said twice
 constexpr int kMostCutConnections = 3;  // of a relay
 
 std::uint64_t Place(Random& random) {
     const int kind = random.Between(0, 3);
-    const int end = kind == 0 ? kHandshake : kind == 1 ? kEarly : kLate;
+    const int late = random.Chance(10) ? kVeryLate : kLate;
+    const int end = kind == 0 ? kHandshake : kind == 1 ? kEarly : late;
     return static_cast<std::uint64_t>(random.Between(0, end));
 }
 

@@ -29,11 +29,13 @@ public:
           m_destination(destination),
           m_message(message),
           m_random(seed),
+          m_isHeavy(m_random.Chance(12)),
           m_client(source, false, false, kPipe) {}
 
     void PostOne() {
-        const bool isLong = m_random.Chance(4);
-        const int padding = isLong ? m_random.Between(1000, 20'000) : m_random.Between(0, 200);
+        const bool isLong = m_random.Chance(m_isHeavy ? 30 : 4);
+        const int longest = m_isHeavy ? 300'000 : 20'000;
+        const int padding = isLong ? m_random.Between(1000, longest) : m_random.Between(0, 200);
         const std::string words = m_page + " " + std::to_string(m_count);
         if (Post(m_client, 0, m_destination, m_message, Padded(words, static_cast<std::size_t>(padding)))) ++m_count;
     }
@@ -53,6 +55,7 @@ private:
     const int m_destination;
     const int m_message;
     Random m_random;
+    const bool m_isHeavy;  // posts more than the queues on the way hold
     IPCMessageClient m_client;
     int m_count = 0;
 };
