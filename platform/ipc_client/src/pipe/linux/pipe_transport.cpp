@@ -92,8 +92,10 @@ std::vector<base::OwnedHandle> LockName(const std::vector<fs::path>& folders, co
 
 bool IsAnswered(const fs::path& path, const sockaddr_un& address) {
     const base::OwnedHandle fd(NewSocket(path));
-    return connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ||
-           errno == EAGAIN;  // its backlog is full
+    if (connect(fd.Descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return true;
+    if (errno == EAGAIN) return true;  // its backlog is full
+    if (errno != ECONNREFUSED && errno != ENOENT) FailWithErrno(path);
+    return false;
 }
 
 // Binds and listens. The name's lock is held, so a socket that is there is a dead broker's, unless somebody removed the
