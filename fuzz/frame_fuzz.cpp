@@ -4,11 +4,12 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fuzz_target.h"
 #include "wire/frame.h"
-#include "wire/out_queue.h"
+#include "wire/kept_frames.h"
 
 namespace {
 
@@ -29,14 +30,61 @@ void AppendAgain(std::string& out, const MessageView& message) {
     AppendMessage(out, item);
 }
 
-// What a frame says is written again to the same bytes.
+void AppendDeliveryAgain(std::string& out, std::string_view body) {
+    const DeliveryView delivery = DecodeDelivery(body);
+    AppendDelivery(out, delivery.stamp, delivery.messageBody);
+}
+
+void AppendAddressedAgain(std::string& out, std::string_view body) {
+    const AddressedView addressed = DecodeAddressed(body);
+    const MessageView message = DecodeMessage(addressed.messageBody);
+    std::string data(message.data);
+    TagIPCMessageItem item = HeaderOf(message);
+    item.data = data.data();
+    item.dataLen = static_cast<std::int32_t>(data.size());
+    AppendAddressed(out, addressed.lives, item);
+}
+
+// What a frame says is written again to the same bytes. False for those that may say it in several ways, or nothing.
+bool AppendFrameAgain(std::string& out, const FrameView& frame) {
+    switch (frame.type) {
+        case FrameType::kMessage:
+            AppendAgain(out, DecodeMessage(frame.body));
+            return true;
+        case FrameType::kAnnounce:
+        case FrameType::kWithdraw:
+            AppendRoutes(out, frame.type, DecodeRoutes(frame.body));
+            return true;
+        case FrameType::kDelivery:
+            AppendDeliveryAgain(out, frame.body);
+            return true;
+        case FrameType::kAddressed:
+            AppendAddressedAgain(out, frame.body);
+            return true;
+        case FrameType::kAcknowledge:
+        case FrameType::kWaiting:
+            AppendNumbers(out, frame.type, DecodeNumbers(frame.body));
+            return true;
+        case FrameType::kSkip:
+            AppendSkip(out, DecodeSkip(frame.body));
+            return true;
+        case FrameType::kIntroduction:
+            DecodeIntroduction(frame.body);
+            return false;
+        case FrameType::kRefusal:
+            DecodeRefusal(frame.body);
+            return false;
+        case FrameType::kAnswer:
+            DecodeAnswer(frame.body);
+            return false;
+        default:
+            return false;
+    }
+}
+
 void CheckFrame(const FrameView& frame) {
     std::string again;
-    if (frame.type == FrameType::kMessage) {
-        AppendAgain(again, DecodeMessage(frame.body));
-    } else {
-        AppendRoutes(again, frame.type, DecodeRoutes(frame.body));
-    }
+    if (!AppendFrameAgain(again, frame)) return;
     fuzz::Require(again == frame.whole, "a frame that is read and written again has the same bytes");
 }
 
@@ -62,22 +110,28 @@ Stream ReadInPieces(std::string_view bytes, std::size_t pieceBytes) {
     return stream;
 }
 
-// What is taken out of a queue of which so many bytes were written: the messages that are not out to their end.
-void CheckQueue(const std::vector<std::string>& frames, std::size_t written) {
-    OutQueue queue;
+// What is kept of frames of which some are done: the others, with skips in the place of those.
+void CheckKept(const std::vector<std::string>& frames, std::uint64_t first, std::uint64_t behind) {
+    KeptFrames kept;
+    for (const std::string& frame : frames) kept.Add(frame);
+    std::size_t bytes = kept.Bytes();
+    kept.Done({first, behind}, [&](std::uint64_t number, std::size_t size) {
+        fuzz::Require(size == frames[number].size(), "what is done is the frame of its number");
+        bytes -= size;
+    });
+    fuzz::Require(kept.Bytes() == bytes, "what is not done is counted");
     std::string expected;
-    std::size_t bytes = 0;
-    for (const std::string& frame : frames) {
-        queue.Append(frame);
-        bytes += frame.size();
-        if (bytes > written && DecodeHead(frame.substr(0, kFrameHeadBytes)).type == FrameType::kMessage) {
-            expected += frame;
+    std::uint64_t skipped = 0;
+    for (std::uint64_t number = kept.First(); number < kept.Next(); ++number) {
+        if (number >= first && number < behind) {
+            ++skipped;
+            continue;
         }
+        if (skipped != 0) AppendSkip(expected, std::exchange(skipped, 0));
+        expected += frames[number];
     }
-    written = std::min({written, bytes, queue.Chunk().size()});
-    queue.Written(written);
-    fuzz::Require(queue.Bytes() == bytes - written, "a queue counts what is not written");
-    fuzz::Require(queue.TakeMessages() == expected, "a queue gives back the messages that are not written whole");
+    if (skipped != 0) AppendSkip(expected, skipped);
+    fuzz::Require(kept.From(kept.First()) == expected, "what is not done comes again");
 }
 
 }  // namespace
@@ -87,6 +141,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t pieceBytes = 1 + fuzz::TakeByte(bytes);
     const Stream whole = ReadInPieces(bytes, bytes.size());
     fuzz::Require(ReadInPieces(bytes, pieceBytes) == whole, "the pieces that bytes come in do not matter");
-    CheckQueue(whole.frames, pieceBytes);
+    CheckKept(whole.frames, pieceBytes % 8, pieceBytes / 8);
     return 0;
 }

@@ -24,7 +24,7 @@ PROGRESS = 0xB20023
 FINISHED = 0xB20024
 FAILED = 0xB20026
 
-HELLO = struct.pack("<4sI", b"BPIP", 1)
+HELLO = struct.pack("<4sI", b"BPIP", 2)
 MESSAGE, ANNOUNCEMENT = 1, 2
 FRAME_HEAD = struct.Struct("<IB")  # length of the body, type
 MESSAGE_HEAD = struct.Struct("<7iB2I")  # to, from, id, four header words, flag, lengths of text and payload

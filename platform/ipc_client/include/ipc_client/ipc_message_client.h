@@ -2,10 +2,12 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "ipc_client/export.h"
 #include "ipc_client/ipc_message_item.h"
+#include "ipc_client/ipc_sender.h"
 
 // One endpoint's way to the message pipe.
 //
@@ -51,9 +53,16 @@ public:
 
     // Sends one message; the payload has been copied when the call returns. Never waits for the other side. False when
     // the message cannot be sent at all: its payload (16 MiB) or its text (64 KiB) is over the limit, `dataLen` is
-    // negative or has no `data`, or the process's queue of messages not yet written (64 MiB) is full. True is no
-    // receipt: what a broker had taken when it died is lost. Any thread.
+    // negative or has no `data`, or too many of the process's messages are not done yet (64 MiB). True: it is kept
+    // until the callbacks that it is for have returned, and takes effect once, in the order of the posts, also when a
+    // connection breaks or a broker dies and another one comes; unless the process ends first, or the broker has to
+    // drop it (docs/protocol.md), which it logs. Any thread.
     bool PostIPCMessage(const TagIPCMessageItem& item);
+
+    // As PostIPCMessage, from the process of the broker only: the message is for these lives, for everybody when there
+    // are none, if they are there now and listen. It waits for nobody, and nobody's absence is an error. At most 1,024
+    // lives.
+    bool PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item);
 
 private:
     class State;

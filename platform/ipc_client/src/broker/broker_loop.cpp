@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <asio/post.hpp>
 #include <exception>
-#include <new>
 #include <utility>
 
 #include "base/reason.h"
@@ -13,100 +12,16 @@ namespace ipc_client {
 
 using std::chrono::steady_clock;
 
-namespace {
-
-constexpr PendingMessages::Sender kService = 0;  // whatever connection it has; no session has this number
-
-}  // namespace
-
-BrokerSession::BrokerSession(PipeSocket socket, unsigned number, bool isOwn, BrokerLoop& broker)
-    : m_number(number),
-      m_process(PeerProcess(socket)),
-      m_isOwn(isOwn),
-      m_name("broker: connection " + std::to_string(number) + " (process " + std::to_string(m_process) + ")"),
-      m_broker(broker),
-      m_channel(std::make_shared<PipeChannel>(std::move(socket), *this)) {}
-
-void BrokerSession::Start(std::chrono::milliseconds handshake) {
-    try {
-        m_channel->Start(handshake);
-    } catch (const std::exception& error) {
-        m_channel->Close(error.what());
-    }
-}
-
-bool BrokerSession::Queue(unsigned sender, std::string_view frame) {
-    try {
-        m_channel->Append(frame);
-        m_shares.Queued({sender, frame.size()});
-        return true;
-    } catch (const std::bad_alloc&) {
-        m_lacksMemory = true;
-        return false;
-    }
-}
-
-void BrokerSession::Flush() {
-    m_isTouched = false;
-    if (m_lacksMemory) return Close("no memory for what is sent to it");
-    try {
-        m_channel->Flush();
-        SettleTo(m_channel->Backlog());
-    } catch (const std::exception& error) {
-        Close(error.what());
-    }
-}
-
-void BrokerSession::SettleTo(std::size_t left) {
-    m_shares.ShrinkTo(left, [this](QueueShares::Share share) { m_broker.Settled(*this, share); });
-}
-
-bool BrokerSession::PauseBeyond(std::size_t limit) {
-    if (m_isOwn || m_owed <= limit) return false;
-    m_readsAgainAt = std::max<std::size_t>(limit / 2, 1);
-    m_channel->Pause();
-    return true;
-}
-
-bool BrokerSession::ResumeIfSettled() {
-    if (m_owed > m_readsAgainAt) return false;
-    m_channel->Resume();
-    return true;
-}
-
-void BrokerSession::Opened() { Log(kIpcLogDetail, m_name + " opened"); }
-
-void BrokerSession::FrameArrived(const FrameView& frame) {
-    switch (frame.type) {
-        case FrameType::kMessage:
-            return m_broker.RouteMessage(*this, DecodeMessage(frame.body).route(), frame.whole);
-        case FrameType::kAnnounce:
-            return m_broker.Announce(*this, DecodeRoutes(frame.body));
-        case FrameType::kWithdraw:
-            return m_broker.Withdraw(*this, DecodeRoutes(frame.body));
-    }
-}
-
-void BrokerSession::BatchEnded() { m_broker.BatchEnded(*this); }
-
-void BrokerSession::Written() {
-    SettleTo(m_channel->Backlog());
-    m_broker.Written();
-}
-
-void BrokerSession::Closed(std::string_view reason, int level) {
-    LogIfPossible(level, [&] { return m_name + " closed: " + std::string(reason); });
-    SettleTo(0);
-    m_broker.Ended(*this);
-}
-
 BrokerLoop::BrokerLoop(asio::io_context& io, const std::filesystem::path& path, const IPCBrokerLimits& limits)
-    : m_io(io), m_limits(limits), m_listener(io, path), m_acceptAgain(io), m_pending(limits) {}
+    : m_io(io), m_limits(limits), m_life(NewLife()), m_listener(io, path), m_acceptAgain(io), m_pending(limits) {}
 
 void BrokerLoop::Recover() {
     Accept();
+    FlushTouched();
     ResumeSettled();
 }
+
+// ---- Connections
 
 void BrokerLoop::Accept() {
     if (m_isAccepting) return;
@@ -141,20 +56,27 @@ void BrokerLoop::AcceptLater() {
 void BrokerLoop::Open(PipeSocket socket) {
     const unsigned long process = PeerProcess(socket);
     const bool isOwn = process == OwnProcess();
-    if (const std::string why = isOwn ? std::string() : WhyRefused(process); !why.empty()) {
-        if (IsWorthALine(++m_refused)) {
-            Log(kIpcLogEvent, "broker: a connection of process " + std::to_string(process) + " was refused: " + why +
-                                  " (" + std::to_string(m_refused) + " so far)");
-        }
-        return;
-    }
-    m_touched.reserve(m_sessions.size() + 1);
-    m_paused.reserve(m_sessions.size() + 1);
-    const unsigned number = ++m_sessionNumber;
-    const auto entry =
-        m_sessions.emplace(number, std::make_unique<BrokerSession>(std::move(socket), number, isOwn, *this)).first;
+    if (const std::string why = isOwn ? std::string() : WhyRefused(process); !why.empty()) return Refuse(socket, why);
+    m_touched.reserve(m_peers.size() + 1);
+    m_paused.reserve(m_peers.size() + 1);
+    const unsigned number = ++m_lastNumber;
+    auto session = std::make_unique<BrokerSession>(std::move(socket), number, isOwn, *this);
+    auto peer = std::make_unique<BrokerPeer>(number, m_io, *session);
+    session->SetPeer(peer.get());
     ++m_processes[process];
-    entry->second->Start(m_limits.handshake);
+    m_peers.emplace(number, std::move(peer));
+    m_sessions.emplace(number, std::move(session)).first->second->Start(m_limits.handshake);
+}
+
+void BrokerLoop::Refuse(PipeSocket& socket, const std::string& why) {
+    if (IsWorthALine(++m_refused)) {
+        Log(kIpcLogEvent, "broker: a connection of process " + std::to_string(PeerProcess(socket)) +
+                              " was refused: " + why + " (" + std::to_string(m_refused) + " so far)");
+    }
+    std::string frames;
+    AppendHello(frames);
+    AppendRefusal(frames, RefusalCode::kLimit, why);
+    WriteHello(socket, frames);
 }
 
 std::string BrokerLoop::WhyRefused(unsigned long process) const {
@@ -166,117 +88,9 @@ std::string BrokerLoop::WhyRefused(unsigned long process) const {
     return "it has " + std::to_string(m_limits.connectionsPerProcess) + " connections";
 }
 
-void BrokerLoop::Announce(BrokerSession& session, const std::vector<Route>& routes) {
-    for (const Route& route : routes) {
-        if (!session.Routes().insert(route).second) continue;
-        if (session.Routes().size() > m_limits.routesPerConnection) {
-            throw ProtocolError("it announces more than " + std::to_string(m_limits.routesPerConnection) + " routes");
-        }
-        m_receivers[route].push_back(&session);
-    }
-    // As MayTalkTo.
-    const auto isFor = [&](unsigned sender) {
-        return session.IsOwn() || sender == kService || sender == session.Number();
-    };
-    for (const PendingMessages::Taken& taken : m_pending.Take(routes, isFor)) {
-        Queue(session, taken.sender, taken.frame);
-    }
-}
-
-void BrokerLoop::Withdraw(BrokerSession& session, const std::vector<Route>& routes) {
-    for (const Route& route : routes) {
-        if (session.Routes().erase(route) != 0) ForgetReceiver(session, route);
-    }
-}
-
-void BrokerLoop::ForgetReceiver(BrokerSession& session, Route route) {
-    const auto entry = m_receivers.find(route);
-    if (entry == m_receivers.end()) return;
-    std::erase(entry->second, &session);
-    if (entry->second.empty()) m_receivers.erase(entry);
-}
-
-void BrokerLoop::RouteMessage(BrokerSession& sender, Route route, std::string_view frame) {
-    bool isTaken = false;
-    if (const auto entry = m_receivers.find(route); entry != m_receivers.end()) {
-        for (BrokerSession* receiver : entry->second) {
-            if (!sender.MayTalkTo(*receiver)) continue;
-            Queue(*receiver, sender.Number(), frame);
-            isTaken = true;
-        }
-    }
-    if (!isTaken) Keep(sender, route, frame);
-}
-
-void BrokerLoop::Keep(BrokerSession& sender, Route route, std::string_view frame) {
-    for (const PendingMessages::Dropped& dropped :
-         m_pending.Add(route, sender.IsOwn() ? kService : sender.Number(), frame)) {
-        if (!IsWorthALine(dropped.soFar)) continue;
-        Log(kIpcLogEvent, "broker: nobody takes " + Describe(dropped.route) +
-                              ", its sender's queue is full: the oldest dropped (" + std::to_string(dropped.soFar) +
-                              " so far)");
-    }
-}
-
-void BrokerLoop::Queue(BrokerSession& receiver, unsigned sender, std::string_view frame) {
-    if (receiver.Queue(sender, frame)) {
-        if (!receiver.IsOwn()) m_queuedBytes += frame.size();
-        if (BrokerSession* const session = Find(sender)) session->Owes(frame.size());
-    }
-    if (receiver.Touch()) m_touched.push_back(receiver.Number());
-}
-
-BrokerSession* BrokerLoop::Find(unsigned number) {
+BrokerSession* BrokerLoop::FindSession(unsigned number) {
     const auto entry = m_sessions.find(number);
     return entry == m_sessions.end() ? nullptr : entry->second.get();
-}
-
-void BrokerLoop::Settled(const BrokerSession& receiver, QueueShares::Share share) {
-    if (!receiver.IsOwn()) m_queuedBytes -= share.bytes;
-    if (BrokerSession* const sender = Find(share.sender)) sender->Settled(share.bytes);
-}
-
-void BrokerLoop::BatchEnded(BrokerSession& sender) {
-    const unsigned number = sender.Number();  // it may end in here
-    CountUnfinished(sender, sender.UnfinishedBytesNow());
-    FlushTouched();
-    CloseTooSlow();
-    CloseUnfinished();
-    BrokerSession* const session = Find(number);
-    if (session != nullptr && session->PauseBeyond(SenderLimit())) m_paused.push_back(number);
-    ResumeSettled();
-}
-
-void BrokerLoop::FlushTouched() {
-    while (!m_touched.empty()) {
-        const unsigned number = m_touched.back();
-        m_touched.pop_back();
-        if (BrokerSession* const session = Find(number)) session->Flush();
-    }
-}
-
-void BrokerLoop::ResumeSettled() {
-    std::erase_if(m_paused, [this](unsigned number) {
-        BrokerSession* const session = Find(number);
-        return session == nullptr || session->ResumeIfSettled();
-    });
-}
-
-void BrokerLoop::Written() { ResumeSettled(); }
-
-// The more there are, the less each may have on its way, so that all together stay within bounds.
-std::size_t BrokerLoop::SenderLimit() const {
-    constexpr std::size_t kLeast = 64 * 1024;
-    return std::max(kLeast, std::min(m_limits.senderBytes, m_limits.outgoingBytes / 2 / (m_sessions.size() + 1)));
-}
-
-// What the service itself has not read is bounded by what its senders may have on their way.
-void BrokerLoop::CloseTooSlow() {
-    while (m_queuedBytes > m_limits.outgoingBytes) {
-        BrokerSession* const slowest = Heaviest([](const BrokerSession& session) { return session.QueuedBytes(); });
-        if (slowest == nullptr) return;
-        slowest->Close("it reads too slowly, " + std::to_string(slowest->QueuedBytes()) + " bytes wait for it");
-    }
 }
 
 void BrokerLoop::CountUnfinished(BrokerSession& session, std::size_t bytes) {
@@ -286,33 +100,82 @@ void BrokerLoop::CountUnfinished(BrokerSession& session, std::size_t bytes) {
 
 void BrokerLoop::CloseUnfinished() {
     while (m_unfinishedBytes > m_limits.unfinishedBytes) {
-        BrokerSession* const longest = Heaviest([](const BrokerSession& session) { return session.UnfinishedBytes(); });
+        BrokerSession* longest = nullptr;
+        for (const auto& [number, session] : m_sessions) {
+            if (session->IsOwn()) continue;
+            if (longest == nullptr || session->UnfinishedBytes() > longest->UnfinishedBytes()) longest = session.get();
+        }
         if (longest == nullptr) return;
         longest->Close("unfinished frames take too much memory, its own has " +
-                       std::to_string(longest->UnfinishedBytes()) + " bytes");
+                           std::to_string(longest->UnfinishedBytes()) + " bytes",
+                       RefusalCode::kLimit);
     }
 }
 
-// Of the sessions of other processes; null when none has any.
-template <typename BytesOf>
-BrokerSession* BrokerLoop::Heaviest(BytesOf bytesOf) {
-    BrokerSession* heaviest = nullptr;
-    std::size_t most = 0;
-    for (const auto& [number, session] : m_sessions) {
-        if (session->IsOwn() || bytesOf(*session) <= most) continue;
-        heaviest = session.get();
-        most = bytesOf(*session);
-    }
-    return heaviest;
+void BrokerLoop::BatchEnded(BrokerSession& session) {
+    const unsigned number = session.Number();  // it may end in here
+    CountUnfinished(session, session.UnfinishedBytesNow());
+    FlushTouched();
+    ForgetHeaviest();
+    CloseUnfinished();
+    if (BrokerSession* const open = FindSession(number)) PauseIfItOwes(*open);
+    ResumeSettled();
+}
+
+void BrokerLoop::PauseIfItOwes(BrokerSession& session) {
+    BrokerPeer* const peer = session.Peer();
+    if (peer == nullptr || !peer->PausesBeyond(SenderLimit())) return;
+    session.Pause();
+    m_paused.push_back(peer->Number());
+    if (!peer->IsNamed()) return;
+    std::string answer;
+    AppendAnswer(answer, false);
+    session.Append(answer);
+    Touch(*peer);
+}
+
+void BrokerLoop::ResumeSettled() {
+    std::erase_if(m_paused, [this](unsigned number) {
+        BrokerPeer* const peer = FindPeer(number);
+        if (peer == nullptr || peer->Session() == nullptr) return true;
+        if (!peer->IsSettled()) return false;
+        if (peer->IsNamed()) Answer(*peer);
+        peer->Session()->Resume();
+        return true;
+    });
+}
+
+// The more there are, the less each may have on its way, so that all together stay within bounds.
+std::size_t BrokerLoop::SenderLimit() const {
+    constexpr std::size_t kLeast = 64 * 1024;
+    return std::max(kLeast, std::min(m_limits.senderBytes, m_limits.outgoingBytes / 2 / (m_sessions.size() + 1)));
+}
+
+void BrokerLoop::Written(BrokerSession& session) {
+    if (BrokerPeer* const peer = session.Peer(); peer != nullptr && !peer->IsNamed()) TakeOutWritten(*peer);
+    FlushTouched();
+    ResumeSettled();
 }
 
 void BrokerLoop::Ended(BrokerSession& session) {
-    for (const Route& route : session.Routes()) ForgetReceiver(session, route);
     CountUnfinished(session, 0);
     const auto process = m_processes.find(session.Process());
     if (process != m_processes.end() && --process->second == 0) m_processes.erase(process);
+    BrokerPeer* const peer = session.Peer();
     m_sessions.erase(session.Number());
-    if (!m_paused.empty()) asio::post(m_io, [this] { ResumeSettled(); });
+    if (peer != nullptr) {
+        peer->Detach();
+        if (peer->IsNamed() && !peer->Leaves()) {
+            WaitForReturn(*peer);
+        } else {
+            Forget(*peer);
+        }
+    }
+    if (m_paused.empty() && m_touched.empty()) return;
+    asio::post(m_io, [this] {
+        FlushTouched();
+        ResumeSettled();
+    });
 }
 
 void BrokerLoop::Drain(steady_clock::time_point until) {
@@ -330,7 +193,112 @@ void BrokerLoop::Drain(steady_clock::time_point until) {
 
 bool BrokerLoop::AllIsWritten() const {
     return std::all_of(m_sessions.begin(), m_sessions.end(),
-                       [](const auto& entry) { return entry.second->QueuedBytes() == 0; });
+                       [](const auto& entry) { return entry.second->Backlog() == 0; });
+}
+
+// ---- Peers
+
+BrokerPeer* BrokerLoop::FindPeer(unsigned number) {
+    const auto entry = m_peers.find(number);
+    return entry == m_peers.end() ? nullptr : entry->second.get();
+}
+
+BrokerPeer* BrokerLoop::FindLife(const IpcLife& life, const BrokerSession& session) {
+    const auto entry = m_lives.find(life);
+    if (entry == m_lives.end()) return nullptr;
+    if (entry->second->Identity().process == session.Process()) return entry->second;
+    throw ProtocolError("it introduces itself as another process");
+}
+
+void BrokerLoop::Introduce(BrokerSession& session, const Introduction& introduction) {
+    BrokerPeer* const known = FindLife(introduction.life, session);
+    if (known != nullptr) {
+        TakeOver(*known, session, introduction);
+    } else {
+        m_lives.emplace(introduction.life, session.Peer());
+        session.Peer()->Introduce(introduction.life, introduction.first);
+        if (introduction.known != IpcLife()) session.Peer()->SetMayHaveMissed();
+    }
+    Greet(*session.Peer(), introduction, known != nullptr);
+}
+
+// It has come back, perhaps before its earlier connection was seen to end.
+void BrokerLoop::TakeOver(BrokerPeer& peer, BrokerSession& session, const Introduction& introduction) {
+    const bool isKnown = introduction.known == IpcLife() || introduction.known == m_life;
+    if (!isKnown || introduction.first > peer.Posted().Next() || introduction.received < peer.FirstDelivery() ||
+        introduction.received > peer.NextDelivery()) {
+        throw ProtocolError("its numbers are not those of the connection that it had");
+    }
+    if (peer.Session() != nullptr) peer.Session()->Close("its process has connected anew", RefusalCode::kReplaced);
+    std::erase(m_paused, peer.Number());
+    Forget(*session.Peer());
+    session.SetPeer(&peer);
+    peer.Attach(session);
+}
+
+void BrokerLoop::Greet(BrokerPeer& peer, const Introduction& introduction, bool isKnown) {
+    std::string frames;
+    AppendIntroduction(frames,
+                       {m_life, isKnown ? introduction.life : IpcLife(), peer.FirstDelivery(), peer.Posted().Next()});
+    peer.Posted().TakeDone();  // all of it is told anew
+    const std::vector<NumberRange> done = peer.Posted().DoneFrom(introduction.first);
+    if (!done.empty()) AppendNumbers(frames, FrameType::kAcknowledge, done);
+    frames += peer.DeliveriesFrom(introduction.received);
+    peer.Session()->Append(frames);
+    Touch(peer);
+}
+
+void BrokerLoop::WaitForReturn(BrokerPeer& peer) {
+    try {
+        peer.Grace().expires_after(m_limits.absence);
+        peer.Grace().async_wait([this, number = peer.Number()](std::error_code cancelled) {
+            BrokerPeer* const absent = cancelled ? nullptr : FindPeer(number);
+            if (absent == nullptr || absent->Session() != nullptr) return;
+            Forget(*absent);
+            FlushTouched();
+            ResumeSettled();
+        });
+    } catch (const std::exception&) {  // no memory
+        Forget(peer);
+    }
+}
+
+void BrokerLoop::Forget(BrokerPeer& peer) {
+    for (const Route& route : peer.Routes()) ForgetReceiver(peer, route);
+    if (peer.HasArrived()) TellService(peer, kIpcPeerLeft, {});
+    std::size_t lost = 0;
+    peer.TakeOut({0, peer.NextDelivery()}, [&](const BrokerPeer::Handled& handled) {
+        Handled(peer, handled);
+        ++lost;
+    });
+    if (lost != 0) {
+        LogIfPossible(kIpcLogEvent,
+                      [&] { return peer.Name() + " has gone: " + std::to_string(lost) + " messages for it are lost"; });
+    }
+    if (peer.IsNamed()) m_lives.erase(peer.Identity().life);
+    if (peer.Session() != nullptr) peer.Session()->SetPeer(nullptr);
+    m_peers.erase(peer.Number());
+}
+
+void BrokerLoop::ForgetAndClose(BrokerPeer& peer, const std::string& reason, RefusalCode code) {
+    BrokerSession* const session = peer.Session();
+    Forget(peer);
+    if (session != nullptr) session->Close(reason, code);
+}
+
+// What the service itself has not handled is bounded by what its senders may have on their way.
+void BrokerLoop::ForgetHeaviest() {
+    while (m_queuedBytes > m_limits.outgoingBytes) {
+        BrokerPeer* heaviest = nullptr;
+        for (const auto& [number, peer] : m_peers) {
+            if (peer->IsOwn()) continue;
+            if (heaviest == nullptr || peer->QueuedBytes() > heaviest->QueuedBytes()) heaviest = peer.get();
+        }
+        if (heaviest == nullptr) return;
+        ForgetAndClose(*heaviest,
+                       "it reads too slowly, " + std::to_string(heaviest->QueuedBytes()) + " bytes wait for it",
+                       RefusalCode::kLimit);
+    }
 }
 
 }  // namespace ipc_client

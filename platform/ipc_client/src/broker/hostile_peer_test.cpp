@@ -73,12 +73,12 @@ TEST_F(HostilePeerTest, AWrongStreamClosesItsConnectionWithALineThatSaysWhatWasW
         const char* reason;
     } cases[] = {
         {"no handshake", "GET / HTTP/1.1\r\n\r\n", "the handshake does not begin with the magic bytes"},
-        {"another version", laterVersion, "the other side speaks protocol version 9, this one 1"},
-        {"an unknown type", Hello() + "\x00\x00\x00\x00\x09"s, "unknown frame type 9"},
+        {"another version", laterVersion, "the other side speaks protocol version 9, this one 2"},
+        {"an unknown type", Hello() + "\x00\x00\x00\x00\x0E"s, "unknown frame type 14"},
         {"an oversized frame", Hello() + "\xFF\xFF\xFF\xFF\x01"s, "a frame of 4294967295 bytes is over the limit"},
         {"a short message", Hello() + "\x03\x00\x00\x00\x01xyz"s, "a message frame of 3 bytes is too short"},
         {"half a route", Hello() + "\x04\x00\x00\x00\x02xxxx"s, "a list of routes of 4 bytes"},
-        {"no route", Hello() + "\x00\x00\x00\x00\x03"s, "a list of routes of 0 bytes"},
+        {"a broker's frame", Hello() + "\x00\x00\x00\x00\x05"s, "a client sends no frames of type 5"},
         {"lengths that do not fit", Hello() + "\x25\x00\x00\x00\x01"s + std::string(29, '\0') + "\x05\0\0\0\0\0\0\0"s,
          "announces 5 bytes of text and payload, its frame holds 0"},
     };
@@ -133,15 +133,16 @@ class HostileBrokerTest : public PipeTest {};
 
 TEST_F(HostileBrokerTest, AClientLeavesABrokerThatIsWrongSaysWhyAndGoesToTheNext) {
     std::string laterVersion;
-    ipc_client::AppendHello(laterVersion, 2);
+    ipc_client::AppendHello(laterVersion, 3);
     const struct {
         std::string answer;
         const char* reason;
     } cases[] = {
-        {laterVersion, "the other side speaks protocol version 2, this one 1"},
+        {laterVersion, "the other side speaks protocol version 3, this one 2"},
         {"HTTP/1.1 400 Bad Request", "the handshake does not begin with the magic bytes"},
-        {Hello() + "\x00\x00\x00\x00\x07"s, "unknown frame type 7"},
-        {Hello() + "\x08\x00\x00\x00\x02"s + std::string(8, '\0'), "a broker announces nothing"},
+        {Hello() + "\x00\x00\x00\x00\x0E"s, "unknown frame type 14"},
+        {Hello() + "\x08\x00\x00\x00\x02"s + std::string(8, '\0'), "a broker sends no frames of type 2"},
+        {Hello() + "\x06\x00\x00\x00\x07\x03\x00\x00\x00no"s, "the broker refuses it: no"},
     };
     for (const auto& wrong : cases) {
         SCOPED_TRACE(wrong.reason);

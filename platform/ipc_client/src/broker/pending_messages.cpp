@@ -7,13 +7,14 @@
 namespace ipc_client {
 namespace {
 
-std::size_t Cost(std::string_view frame) { return frame.size() + kPendingMessageOverhead; }
+std::size_t Cost(std::string_view body) { return body.size() + kPendingMessageOverhead; }
 
 }  // namespace
 
-std::vector<PendingMessages::Dropped> PendingMessages::Add(Route route, Sender sender, std::string_view frame) {
+std::vector<PendingMessages::Dropped> PendingMessages::Add(Route route, Sender sender, const Origin& origin,
+                                                           std::string_view body) {
     const std::uint64_t number = m_nextNumber++;
-    m_messages.emplace(number, Message{route, sender, std::string(frame)});
+    m_messages.emplace(number, Message{route, sender, origin, std::string(body)});
     try {
         m_routes[route].insert(number);
         m_senders[sender].numbers.insert(number);
@@ -23,8 +24,8 @@ std::vector<PendingMessages::Dropped> PendingMessages::Add(Route route, Sender s
         throw;
     }
     Share& share = m_senders.find(sender)->second;
-    share.bytes += Cost(frame);
-    m_bytes += Cost(frame);
+    share.bytes += Cost(body);
+    m_bytes += Cost(body);
 
     std::vector<Dropped> dropped;
     while (share.numbers.size() > 1 &&
@@ -43,12 +44,13 @@ PendingMessages::Sender PendingMessages::Heaviest() const {
 PendingMessages::Dropped PendingMessages::DropOldest(Sender sender) {
     Share& share = m_senders.find(sender)->second;
     const std::size_t soFar = ++share.dropped;
-    return {Remove(m_messages.find(*share.numbers.begin())).route, soFar};
+    const Message message = Remove(m_messages.find(*share.numbers.begin()));
+    return {message.route, message.origin, soFar};
 }
 
 PendingMessages::Message PendingMessages::Remove(Messages::iterator message) {
     Message removed = std::move(message->second);
-    const std::size_t cost = Cost(removed.frame);
+    const std::size_t cost = Cost(removed.body);
     m_senders.find(removed.sender)->second.bytes -= cost;
     m_bytes -= cost;
     Forget(removed.route, removed.sender, message->first);
@@ -81,7 +83,7 @@ std::vector<PendingMessages::Taken> PendingMessages::Take(std::span<const Route>
     taken.reserve(numbers.size());
     for (const std::uint64_t number : numbers) {
         Message message = Remove(m_messages.find(number));
-        taken.push_back({message.sender, std::move(message.frame)});
+        taken.push_back({message.origin, std::move(message.body)});
     }
     return taken;
 }

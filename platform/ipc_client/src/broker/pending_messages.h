@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "broker/broker_peer.h"
 #include "ipc_client/ipc_broker.h"
 #include "wire/frame.h"
 
@@ -23,25 +24,26 @@ inline constexpr std::size_t kPendingMessageOverhead = 512;  // [bytes]
 // and when all together are too many, of the sender that has most. Not synchronised.
 class PendingMessages {
 public:
-    using Sender = unsigned;  // the number of a connection; 0: the service
+    using Sender = unsigned;  // the number of a peer; 0: the service
 
     explicit PendingMessages(const IPCBrokerLimits& limits) : m_limits(limits) {}
 
     // A message that had to go, and how many of its sender went since its queue was last empty.
     struct Dropped {
         Route route;
+        Origin origin;
         std::size_t soFar;
     };
 
-    // Keeps one whole frame; says what had to go for it.
-    std::vector<Dropped> Add(Route route, Sender sender, std::string_view frame);
+    // Keeps the body of a message; says what had to go for it.
+    std::vector<Dropped> Add(Route route, Sender sender, const Origin& origin, std::string_view body);
 
     struct Taken {
-        Sender sender;
-        std::string frame;
+        Origin origin;
+        std::string body;
     };
 
-    // Takes out the frames of these routes, of the senders that `isFor` names, in the order in which they were added,
+    // Takes out the messages of these routes, of the senders that `isFor` names, in the order in which they were added,
     // across the routes.
     std::vector<Taken> Take(std::span<const Route> routes, const std::function<bool(Sender)>& isFor);
 
@@ -51,7 +53,8 @@ private:
     struct Message {
         Route route;
         Sender sender;
-        std::string frame;
+        Origin origin;
+        std::string body;
     };
     using Messages = std::map<std::uint64_t, Message>;  // by number of arrival
     using Numbers = std::set<std::uint64_t>;            // of messages

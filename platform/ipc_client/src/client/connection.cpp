@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <asio/post.hpp>
+#include <exception>
+#include <new>
 #include <utility>
 
 #include "base/file.h"
 #include "base/reason.h"
+#include "base/text.h"
 #include "client/receiver.h"
 #include "diagnostics.h"
 #include "ipc_client/ipc_diagnostics.h"
@@ -16,13 +19,24 @@ namespace ipc_client {
 
 using std::chrono::steady_clock;
 
+namespace {
+
+constexpr std::chrono::milliseconds kAcknowledgeDelay{1};  // so that several messages share a frame
+
+}  // namespace
+
 Connection::Connection(const std::filesystem::path& path, const ConnectionTimes& times)
-    : m_path(path), m_times(times), m_connectAgain(m_io), m_pauses(times), m_thread([this] {
-          RunIo(m_io, [this] { Recover(); });
-      }) {}
+    : m_path(path),
+      m_times(times),
+      m_life(NewLife()),
+      m_connectAgain(m_io),
+      m_pauses(times),
+      m_acknowledgeAt(m_io),
+      m_silenceEnds(m_io),
+      m_thread([this] { RunIo(m_io, [this] { Recover(); }); }) {}
 
 Connection::~Connection() {
-    WaitUntilWritten();
+    WaitUntilDone();
     m_io.stop();
     m_thread.join();
 }
@@ -36,13 +50,22 @@ bool Connection::Post(const TagIPCMessageItem& item) {
     if (!IsPostable(item)) return false;
     std::string frame;
     AppendMessage(frame, item);
+    return Send(frame);
+}
+
+bool Connection::PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item) {
+    if (!IsPostable(item) || lives.size() > kMaxAddressees) return false;
+    std::string frame;
+    AppendAddressed(frame, lives, item);
+    return Send(frame);
+}
+
+bool Connection::Send(std::string_view frame) {
     const base::MutexLock lock(m_stateMutex);
-    const std::size_t waiting = m_open ? m_open->Backlog() : m_unsent.size();
-    if (waiting + frame.size() > kMaxUnsentBytes) return false;
-    if (!m_open) {
-        m_unsent.append(frame);
-        return true;
-    }
+    if (m_posted.Bytes() + frame.size() > kMaxPostedBytes) return false;
+    m_posted.Add(frame);
+    if (!m_isWatching) WatchSilence();
+    if (!m_open) return true;
     m_open->Append(frame);
     m_open->Flush();
     return true;
@@ -91,10 +114,25 @@ void Connection::Connect() {
     try {
         m_channel = std::make_shared<PipeChannel>(ConnectPipe(m_io, m_path), *this);
         m_channel->Start(m_times.handshake);
+        if (m_channel) IntroduceItself();
     } catch (const std::exception& error) {
-        m_channel.reset();
+        if (m_channel) return m_channel->Close(base::Reason(error));
         ConnectLater(base::Reason(error));
     }
+}
+
+void Connection::IntroduceItself() {
+    Introduction introduction{m_life, m_broker};
+    if (m_broker != IpcLife()) introduction.received = m_deliveries.Received();
+    {
+        const base::MutexLock lock(m_stateMutex);
+        introduction.first = m_posted.First();
+        m_phase = Phase::kGreeting;
+    }
+    std::string frame;
+    AppendIntroduction(frame, introduction);
+    m_channel->Append(frame);
+    m_channel->Flush();
 }
 
 void Connection::ConnectLater(const std::string& reason) {
@@ -103,7 +141,7 @@ void Connection::ConnectLater(const std::string& reason) {
         const base::MutexLock lock(m_stateMutex);
         changed = std::exchange(m_phase, Phase::kUnreachable) != Phase::kUnreachable;
     }
-    m_phaseChanged.NotifyAll();
+    m_changed.NotifyAll();
     if (changed) TellOfChange();
     if (std::exchange(m_lastReason, reason) != reason) {
         Log(kIpcLogEvent, "the pipe cannot be reached, trying again: " + reason);
@@ -116,39 +154,180 @@ void Connection::ConnectLater(const std::string& reason) {
     m_isWaiting = true;
 }
 
-void Connection::Opened() {
+void Connection::FrameArrived(const FrameView& frame) {
+    m_wasHeard = true;
+    switch (frame.type) {
+        case FrameType::kIntroduction:
+            return TakeIntroduction(DecodeIntroduction(frame.body));
+        case FrameType::kDelivery:
+            return TakeDelivery(DecodeDelivery(frame.body));
+        case FrameType::kAcknowledge:
+            return TakeDone(DecodeNumbers(frame.body));
+        case FrameType::kWaiting:
+            return TakeWaiting(DecodeNumbers(frame.body));
+        case FrameType::kRefusal:
+            m_refusal = DecodeRefusal(frame.body).text;
+            return;
+        case FrameType::kAnswer:
+            m_readsOthersOnly = !DecodeAnswer(frame.body);
+            return;
+        default:
+            throw ProtocolError("a broker sends no frames of type " + std::to_string(static_cast<int>(frame.type)));
+    }
+}
+
+void Connection::TakeIntroduction(const Introduction& broker) {
+    if (IsOpen()) throw ProtocolError("a second introduction");
+    m_channel->HandshakeEnded();
     m_openedAt = steady_clock::now();
     m_lastReason.clear();
+    m_wasAsked = m_readsOthersOnly = false;
+    if (broker.life != m_broker || broker.known != m_life) m_deliveries.BeginBroker();
+    m_broker = broker.life;
     {
-        const base::MutexLock routesLock(m_routesMutex);
-        std::vector<Route> routes;
-        for (const auto& [route, receivers] : m_receivers) routes.push_back(route);
-        const base::MutexLock lock(m_stateMutex);
-        std::string frames;
-        if (!routes.empty()) AppendRoutes(frames, FrameType::kAnnounce, routes);
-        m_channel->Append(frames);
-        m_channel->Append(m_unsent);
-        m_unsent = {};
-        m_open = m_channel;
-        m_open->Flush();
-        m_phase = Phase::kOpen;
+        const base::MutexLock lock(m_routesMutex);
+        GoOn(broker);
     }
-    m_phaseChanged.NotifyAll();
+    m_changed.NotifyAll();
     TellOfChange();
     Log(kIpcLogDetail, base::Utf8FromPath(m_path) + ": connected");
 }
 
-void Connection::FrameArrived(const FrameView& frame) {
-    if (frame.type != FrameType::kMessage) throw ProtocolError("a broker announces nothing");
-    const MessageView message = DecodeMessage(frame.body);
+// Sends what the broker does not have: the routes, what is done of its deliveries, and what is not done of the posts.
+void Connection::GoOn(const Introduction& broker) {
+    std::vector<Route> routes;
+    for (const auto& [route, receivers] : m_receivers) routes.push_back(route);
+    std::string frames;
+    AppendRoutes(frames, FrameType::kAnnounce, routes);
+    const std::vector<NumberRange> handled = m_deliveries.HandledFrom(broker.first);
+    if (!handled.empty()) AppendNumbers(frames, FrameType::kAcknowledge, handled);
+    const base::MutexLock lock(m_stateMutex);
+    if (broker.received < m_posted.First() || broker.received > m_posted.Next()) {
+        throw ProtocolError("it expects message " + std::to_string(broker.received) + ", this side has " +
+                            std::to_string(m_posted.First()) + " to " + std::to_string(m_posted.Next()));
+    }
+    frames += m_posted.From(broker.received);
+    m_channel->Append(frames);
+    m_open = m_channel;
+    m_open->Flush();
+    m_phase = Phase::kOpen;
+}
+
+void Connection::TakeDelivery(const DeliveryView& delivery) {
+    if (!IsOpen()) throw ProtocolError("a message before the introduction");
+    const MessageView message = DecodeMessage(delivery.messageBody);
+    const std::uint64_t number = m_deliveries.Begin();
+    if (IsNew(delivery.stamp)) DeliverToAll(message, delivery.stamp.sender, number);
+    Handled(number);
+    AcknowledgeLater();
+}
+
+// What this process has sent to itself may come again, from the next broker. Everything else comes once: the service
+// dies with its broker.
+bool Connection::IsNew(const Stamp& stamp) {
+    if (stamp.sender.life != m_life) return true;
+    const base::MutexLock lock(m_stateMutex);
+    return m_posted.Take(stamp.number);
+}
+
+void Connection::DeliverToAll(const MessageView& message, const IpcSender& sender, std::uint64_t delivery) {
     const base::MutexLock lock(m_routesMutex);
     const auto entry = m_receivers.find(message.route());
     if (entry == m_receivers.end()) return;
     for (Receiver* receiver : entry->second) {
-        if (receiver->Deliver(message)) continue;
+        m_deliveries.Hold(delivery);
+        if (receiver->Deliver(message, sender, delivery)) continue;
         m_full.insert(receiver);
         m_channel->Pause();
     }
+}
+
+void Connection::Handled(std::uint64_t delivery) noexcept {
+    if (!m_deliveries.Release(delivery)) return;
+    try {
+        asio::post(m_io, [this] { Acknowledge(); });
+    } catch (const std::exception&) {  // no memory
+        m_deliveries.WaitOn();
+    }
+}
+
+void Connection::AcknowledgeLater() {
+    if (m_isToAcknowledge) return;
+    m_acknowledgeAt.expires_after(kAcknowledgeDelay);
+    m_acknowledgeAt.async_wait([this](std::error_code cancelled) {
+        m_isToAcknowledge = false;
+        if (!cancelled) Acknowledge();
+    });
+    m_isToAcknowledge = true;
+}
+
+// Acknowledges what has been handled. What has not, is when it has.
+void Connection::Acknowledge() {
+    try {
+        const std::vector<NumberRange> handled = m_deliveries.Handled();
+        if (handled.empty()) return;
+        std::string frame;
+        AppendNumbers(frame, FrameType::kAcknowledge, handled);
+        const base::MutexLock lock(m_stateMutex);
+        if (!m_open) return;  // GoOn will tell
+        m_open->Append(frame);
+        m_open->Flush();
+    } catch (const std::exception& error) {
+        if (m_channel) m_channel->Close(error.what());
+    }
+}
+
+void Connection::TakeDone(const std::vector<NumberRange>& done) {
+    const base::MutexLock lock(m_stateMutex);
+    for (const NumberRange& range : done) {
+        if (range.behind > m_posted.Next()) throw ProtocolError("messages are done that were never sent");
+        m_posted.Done(range, [](std::uint64_t, std::size_t) {});
+    }
+    if (m_isEnding) m_changed.NotifyAll();
+}
+
+void Connection::TakeWaiting(const std::vector<NumberRange>& waiting) {
+    const base::MutexLock lock(m_stateMutex);
+    for (const NumberRange& range : waiting) m_posted.Wait(range);
+    if (m_isEnding) m_changed.NotifyAll();
+}
+
+// While something is not done the broker is expected to say something now and then.
+void Connection::WatchSilence() {
+    try {
+        asio::post(m_io, [this] {
+            m_wasHeard = true;
+            LookAtSilence();
+        });
+        m_isWatching = true;
+    } catch (const std::bad_alloc&) {  // with the next message
+    }
+}
+
+void Connection::LookAtSilence() {
+    std::shared_ptr<PipeChannel> open;
+    {
+        const base::MutexLock lock(m_stateMutex);
+        m_isWatching = !m_posted.IsSettled();
+        if (!m_isWatching) return;
+        open = m_open;
+    }
+    if (m_wasHeard || !open) {
+        m_wasAsked = false;
+    } else if (m_wasAsked && !m_readsOthersOnly) {
+        open->Close("the broker does not answer");
+    } else {
+        std::string question;
+        AppendQuestion(question);
+        open->Append(question);
+        open->Flush();
+        m_wasAsked = true;
+    }
+    m_wasHeard = false;
+    m_silenceEnds.expires_after(m_times.silence);
+    m_silenceEnds.async_wait([this](std::error_code cancelled) {
+        if (!cancelled) LookAtSilence();
+    });
 }
 
 void Connection::HasRoom(Receiver& receiver) {
@@ -168,94 +347,33 @@ void Connection::Closed(std::string_view reason, int) {
     bool wasOpen = false;
     {
         const base::MutexLock lock(m_stateMutex);
-        if (m_open) m_unsent = m_open->TakeMessages();
         wasOpen = std::exchange(m_open, nullptr) != nullptr;
     }
     m_channel.reset();
     if (wasOpen) m_pauses.Lost(steady_clock::now() - m_openedAt);
-    ConnectLater(base::Utf8FromPath(m_path) + (wasOpen ? ": connection lost: " : ": ") + std::string(reason));
+    const std::string refusal = std::exchange(m_refusal, {});
+    ConnectLater(base::Utf8FromPath(m_path) + (wasOpen ? ": connection lost: " : ": ") +
+                 (refusal.empty() ? std::string(reason) : "the broker refuses it: " + base::OneLine(refusal)));
 }
 
 // A broker that has not been tried yet counts as one that takes messages: a process may post one and end.
-void Connection::WaitUntilWritten() {
+void Connection::WaitUntilDone() {
     const auto until = steady_clock::now() + m_times.linger;
     std::shared_ptr<PipeChannel> open;
     {
         const base::MutexLock lock(m_stateMutex);
-        while (m_phase == Phase::kConnecting && !m_unsent.empty()) {
-            if (!m_phaseChanged.WaitUntil(m_stateMutex, until)) break;
+        m_isEnding = true;
+        while (m_phase != Phase::kUnreachable && !m_posted.IsSettled()) {
+            if (!m_changed.WaitUntil(m_stateMutex, until)) break;
         }
         open = m_open;
     }
-    if (open) open->WaitWritten(until);
-}
-
-// ---- The process's connections
-
-namespace {
-
-struct Registry {
-    base::Mutex mutex;
-    std::unordered_map<std::string, std::weak_ptr<Connection>> connections BASE_GUARDED_BY(mutex);  // by path
-};
-
-// Never destroyed: clients may live until the process ends.
-Registry& TheRegistry() {
-    static Registry& registry = *new Registry;
-    return registry;
-}
-
-struct ChangeSink {
-    base::Mutex mutex;
-    std::function<void()> changed BASE_GUARDED_BY(mutex);
-};
-
-ChangeSink& TheSink() {
-    static ChangeSink& sink = *new ChangeSink;
-    return sink;
-}
-
-}  // namespace
-
-void Connection::TellOfChange() {
-    ChangeSink& sink = TheSink();
-    const base::MutexLock lock(sink.mutex);
-    if (sink.changed) sink.changed();
-}
-
-void SetChangeSink(std::function<void()> changed) {
-    ChangeSink& sink = TheSink();
-    const base::MutexLock lock(sink.mutex);
-    sink.changed = std::move(changed);
-}
-
-std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
-    const std::filesystem::path path = PipePath(pipeName);
-    Registry& registry = TheRegistry();
-    const base::MutexLock lock(registry.mutex);
-    std::weak_ptr<Connection>& known = registry.connections[base::Utf8FromPath(path)];
-    std::shared_ptr<Connection> connection = known.lock();
-    if (!connection) {
-        // Not make_shared: the weak reference would keep the memory of an ended connection.
-        connection = std::shared_ptr<Connection>(new Connection(path));  // NOLINT(modernize-make-shared)
-        known = connection;
-    }
-    return connection;
-}
-
-std::shared_ptr<Connection> Connection::Existing(const std::wstring& pipeName) {
-    const std::string path = base::Utf8FromPath(PipePath(pipeName));
-    Registry& registry = TheRegistry();
-    const base::MutexLock lock(registry.mutex);
-    const auto known = registry.connections.find(path);
-    return known == registry.connections.end() ? nullptr : known->second.lock();
+    if (!open) return;
+    std::string farewell;
+    AppendFarewell(farewell);
+    open->Append(farewell);
+    open->Flush();
+    open->WaitWritten(until);
 }
 
 }  // namespace ipc_client
-
-bool IsPipeConnected(const std::wstring& pipeName) {
-    const auto connection = ipc_client::Connection::Existing(pipeName);
-    return connection && connection->IsOpen();
-}
-
-void SetPipeConnectionSink(std::function<void()> changed) { ipc_client::SetChangeSink(std::move(changed)); }

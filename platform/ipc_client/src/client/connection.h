@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -15,20 +16,22 @@
 #include <vector>
 
 #include "base/mutex.h"
+#include "client/delivery_ledger.h"
+#include "client/receiver.h"
 #include "pipe/pipe_channel.h"
 #include "pipe/pipe_transport.h"
 #include "wire/frame.h"
+#include "wire/kept_frames.h"
 
 namespace ipc_client {
-
-class Receiver;
 
 // For how long a connection is patient (docs/protocol.md). Tests choose smaller ones.
 struct ConnectionTimes {
     std::chrono::milliseconds firstPause{20};      // before the second attempt to connect; doubles with each
     std::chrono::milliseconds longestPause{1000};  // between two attempts
-    std::chrono::milliseconds handshake{5000};     // a broker that has not said hello by then is left
-    std::chrono::milliseconds linger{500};         // for what was posted to be written, at the end
+    std::chrono::milliseconds handshake{5000};     // a broker that has not introduced itself by then is left
+    std::chrono::milliseconds linger{500};         // for what was posted to be done, at the end
+    std::chrono::milliseconds silence{5000};  // of a broker that owes something, before it is asked, and after that
 };
 
 // How long to wait before each attempt to connect.
@@ -52,8 +55,9 @@ private:
 };
 
 // A process's connection to one pipe, shared by all its clients of that pipe. Connects on an I/O thread of its own,
-// again and again with increasing pauses; what is posted meanwhile waits.
-class Connection final : public PipeChannel::Listener {
+// again and again with increasing pauses; what is posted is kept until it is done, and sent again by the next
+// connection.
+class Connection final : public PipeChannel::Listener, public Receiver::Listener {
 public:
     // The process's connection to that pipe, made if there is none. Throws std::bad_alloc, or std::system_error when
     // the system has no more threads or descriptors.
@@ -64,7 +68,7 @@ public:
 
     explicit Connection(const std::filesystem::path& path, const ConnectionTimes& times = {});
 
-    // Gives what was posted its time to be written, if there is a broker that takes it.
+    // Gives what was posted its time to be done, if there is a broker that takes it.
     ~Connection();
 
     Connection(const Connection&) = delete;
@@ -72,6 +76,7 @@ public:
 
     // As IPCMessageClient::PostIPCMessage.
     bool Post(const TagIPCMessageItem& item);
+    bool PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item);
 
     // From now on `receiver`, which must outlive this, gets the messages of its endpoint with that id. The broker is
     // told of the first receiver of a route, and of the last one's end.
@@ -80,29 +85,48 @@ public:
 
     // A receiver that was full has room again, or goes. While there is a full one, what comes is left in the pipe: the
     // broker, and by it whoever sends so much, waits.
-    void HasRoom(Receiver& receiver);
+    void HasRoom(Receiver& receiver) override;
+    void Handled(std::uint64_t delivery) noexcept override;
 
     bool IsOpen() const;
 
 private:
-    enum class Phase { kConnecting, kOpen, kUnreachable };
+    enum class Phase {
+        kConnecting,  // not tried yet
+        kGreeting,    // introduced to a broker that has not answered yet
+        kOpen,
+        kUnreachable,  // until the next attempt
+    };
 
     // I/O thread.
     void Recover();
     void Connect();
     void ConnectLater(const std::string& reason);
-    void Opened() override;
+    void IntroduceItself();
     void FrameArrived(const FrameView& frame) override;
     void Closed(std::string_view reason, int level) override;
+    void TakeIntroduction(const Introduction& broker);
+    void GoOn(const Introduction& broker) BASE_REQUIRES(m_routesMutex);
+    void TakeDelivery(const DeliveryView& delivery);
+    void DeliverToAll(const MessageView& message, const IpcSender& sender, std::uint64_t delivery);
+    void TakeDone(const std::vector<NumberRange>& done);
+    void TakeWaiting(const std::vector<NumberRange>& waiting);
+    bool IsNew(const Stamp& stamp);
+    void AcknowledgeLater();
+    void Acknowledge();
+    void WatchSilence() BASE_REQUIRES(m_stateMutex);
+    void LookAtSilence();
 
     static void TellOfChange();  // the process's sink, see ipc_diagnostics.h
 
     void SendRoutes(FrameType type, const std::vector<Route>& routes);
-    void WaitUntilWritten();
+    bool Send(std::string_view frame);
+    void WaitUntilDone();
     void ReadAgain();
 
     const std::filesystem::path m_path;
     const ConnectionTimes m_times;
+    const IpcLife m_life;
     asio::io_context m_io{1};
 
     // I/O thread only.
@@ -110,18 +134,30 @@ private:
     ReconnectPauses m_pauses;
     std::chrono::steady_clock::time_point m_openedAt;
     std::string m_lastReason;  // why the pipe could not be reached, as last logged
+    std::string m_refusal;     // what the broker has said, for the line that tells of the end
     std::shared_ptr<PipeChannel> m_channel;
     bool m_isWaiting = false;  // for the next attempt
+    IpcLife m_broker;          // the last one that introduced itself
+    asio::steady_timer m_acknowledgeAt;
+    bool m_isToAcknowledge = false;
+    asio::steady_timer m_silenceEnds;
+    bool m_wasHeard = false;         // since the timer was set
+    bool m_wasAsked = false;         // and has not been heard since
+    bool m_readsOthersOnly = false;  // the broker has said that it does not read this connection for now
 
-    base::Mutex m_routesMutex;  // taken before m_stateMutex where both are
+    base::Mutex m_routesMutex;  // taken before the others
     std::unordered_map<Route, std::vector<Receiver*>> m_receivers BASE_GUARDED_BY(m_routesMutex);  // no list is empty
     std::set<Receiver*> m_full BASE_GUARDED_BY(m_routesMutex);
 
+    DeliveryLedger m_deliveries;
+
     mutable base::Mutex m_stateMutex;
-    base::Condition m_phaseChanged;
+    base::Condition m_changed;  // the phase, or what is done
     Phase m_phase BASE_GUARDED_BY(m_stateMutex) = Phase::kConnecting;
     std::shared_ptr<PipeChannel> m_open BASE_GUARDED_BY(m_stateMutex);  // null while the phase is not kOpen
-    std::string m_unsent BASE_GUARDED_BY(m_stateMutex);  // message frames posted while the phase is not kOpen
+    KeptFrames m_posted BASE_GUARDED_BY(m_stateMutex);
+    bool m_isWatching BASE_GUARDED_BY(m_stateMutex) = false;  // the broker's silence
+    bool m_isEnding BASE_GUARDED_BY(m_stateMutex) = false;    // somebody waits until all is done
 
     std::thread m_thread;  // last: everything it uses is there before it starts
 };

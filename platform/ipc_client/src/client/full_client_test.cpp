@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "ipc/message_frame.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_message_client.h"
@@ -17,13 +18,21 @@ using ::testing::ElementsAre;
 constexpr int kPage = 0x270000, kFirst = 1, kSecond = 2;
 constexpr std::size_t kLarge = 15 * 1024 * 1024;  // [bytes] four of them may wait for callbacks, five may not
 
+struct StartedBroker {
+    StartedBroker() { broker.Start(); }
+    IPCBroker broker{kPipe};
+};
+
 class FullClientTest : public PipeTest {
 protected:
-    FullClientTest() { m_broker.Start(); }
+    FullClientTest() { m_sender.Write(Hello()); }
 
-    IPCBroker m_broker{kPipe};
+    bool Send(std::string data) { return m_sender.Write(MessageFrame(std::move(data), {kPage, kFirst})); }
+
+    const StartedBroker m_broker;
     Inbox m_inbox;
     IPCMessageClient m_client{kPage, true, false, kPipe};
+    RawPeer m_sender{SocketPath()};  // which keeps nothing of what it sends
 };
 
 TEST_F(FullClientTest, BeyondTheBytesThatMayWaitForCallbacksTheRestWaitsInThePipe) {
@@ -33,7 +42,7 @@ TEST_F(FullClientTest, BeyondTheBytesThatMayWaitForCallbacksTheRestWaitsInThePip
         const kernel::UiTurn turn;
         for (const char letter : expected) {
             const std::string data(kLarge, letter);
-            ASSERT_TRUE(WaitUntil([&] { return Post(m_client, kPage, kFirst, data); }));
+            ASSERT_TRUE(Send(data));
         }
     }
     std::string letters;
@@ -48,7 +57,7 @@ TEST_F(FullClientTest, AFullClientThatGoesLetsTheOthersGoOn) {
         full.RegisterMessageCallback(kFirst, [](TagIPCMessageItem&) {});
         const kernel::UiTurn turn;
         for (int i = 0; i < 8; ++i) {
-            ASSERT_TRUE(WaitUntil([&] { return Post(m_client, kPage, kFirst, std::string(kLarge, 'x')); }));
+            ASSERT_TRUE(Send(std::string(kLarge, 'x')));
         }
         full.UnRegisterMessageCallbackAll();
     }

@@ -33,8 +33,7 @@ public:
     bool EnsureReceiver() BASE_REQUIRES(registration) {
         if (receiver) return true;
         try {
-            const auto hasRoom = [shared = connection.get()](Receiver& full) { shared->HasRoom(full); };
-            receiver = std::make_unique<Receiver>(endpointId, hasRoom);
+            receiver = std::make_unique<Receiver>(endpointId, *connection);
             return true;
         } catch (const std::system_error& error) {
             ipc_client::Log(kIpcLogEvent, "no delivery thread for a client: " + base::Reason(error));
@@ -119,4 +118,9 @@ bool IPCMessageClient::UnRegisterMessageCallbackAll() {
 bool IPCMessageClient::PostIPCMessage(const TagIPCMessageItem& item) {
     ipc_client::Trace(IpcTraceEvent::kPosted, item);
     return m_state->connection->Post(item);
+}
+
+bool IPCMessageClient::PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item) {
+    ipc_client::Trace(IpcTraceEvent::kPosted, item);
+    return m_state->connection->PostTo(lives, item);
 }

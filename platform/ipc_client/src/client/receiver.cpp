@@ -9,12 +9,19 @@
 
 namespace ipc_client {
 
-Receiver::Message::Message(const MessageView& view) : item(HeaderOf(view)), data(view.data) {
+namespace {
+
+thread_local IpcSender currentSender;
+
+}  // namespace
+
+Receiver::Message::Message(const MessageView& view, const IpcSender& from, std::uint64_t number)
+    : item(HeaderOf(view)), data(view.data), sender(from), delivery(number) {
     item.dataLen = static_cast<std::int32_t>(data.size());
 }
 
-Receiver::Receiver(int endpointId, HasRoom hasRoom)
-    : m_endpointId(endpointId), m_hasRoom(std::move(hasRoom)), m_thread([this] { DeliverMessages(); }) {}
+Receiver::Receiver(int endpointId, Listener& listener)
+    : m_endpointId(endpointId), m_listener(listener), m_thread([this] { DeliverMessages(); }) {}
 
 Receiver::~Receiver() {
     {
@@ -22,8 +29,12 @@ Receiver::~Receiver() {
         m_stopping = true;
     }
     m_arrived.NotifyOne();
-    const kernel::UiTurnPause pause;  // the thread may be waiting for the turn
-    m_thread.join();
+    {
+        const kernel::UiTurnPause pause;  // the thread may be waiting for the turn
+        m_thread.join();
+    }
+    const base::MutexLock lock(m_mutex);
+    for (const Message& message : m_messages) m_listener.Handled(message.delivery);
 }
 
 Receiver::Held Receiver::Set(int msgId, Callback callback) {
@@ -57,8 +68,8 @@ void Receiver::WaitUntilDone(std::optional<int> msgId) {
     while (m_calling && m_callNumber == callNumber) m_callEnded.Wait(m_mutex);
 }
 
-bool Receiver::Deliver(const MessageView& view) {
-    Message message(view);
+bool Receiver::Deliver(const MessageView& view, const IpcSender& sender, std::uint64_t delivery) {
+    Message message(view, sender, delivery);
     bool isFull = false;
     {
         const base::MutexLock lock(m_mutex);
@@ -72,10 +83,13 @@ bool Receiver::Deliver(const MessageView& view) {
 
 void Receiver::DeliverMessages() {
     while (WaitForMessage()) {
+        std::optional<Message> message;
         {
             const kernel::UiTurn turn;
-            DeliverOne();
+            if (!TakeMessage(message)) return;
+            DeliverOne(*message);
         }
+        m_listener.Handled(message->delivery);
         TellOfRoom();
     }
 }
@@ -86,7 +100,7 @@ void Receiver::TellOfRoom() {
         if (!m_isFull || m_bytes > kMaxUndeliveredBytes / 2) return;
         m_isFull = false;
     }
-    m_hasRoom(*this);
+    m_listener.HasRoom(*this);
 }
 
 bool Receiver::WaitForMessage() {
@@ -95,25 +109,32 @@ bool Receiver::WaitForMessage() {
     return !m_stopping;
 }
 
-void Receiver::DeliverOne() {
-    std::optional<Message> message;
-    Held callback = BeginCall(message);
+// False when the thread is to end: then the message stays.
+bool Receiver::TakeMessage(std::optional<Message>& message) {
+    const base::MutexLock lock(m_mutex);
+    if (m_stopping) return false;
+    message.emplace(std::move(m_messages.front()));
+    m_messages.pop_front();
+    m_bytes -= message->Cost();
+    return true;
+}
+
+void Receiver::DeliverOne(Message& message) {
+    Held callback = BeginCall(message.item.msgId);
     if (!callback) return;
-    Call(*callback, *message);
+    currentSender = message.sender;
+    Call(*callback, message);
+    currentSender = {};
     callback.reset();  // what a removed callback holds goes before whoever removed it goes on
     EndCall();
 }
 
-Receiver::Held Receiver::BeginCall(std::optional<Message>& message) {
+Receiver::Held Receiver::BeginCall(int msgId) {
     const base::MutexLock lock(m_mutex);
-    if (m_stopping) return nullptr;
-    message.emplace(std::move(m_messages.front()));
-    m_messages.pop_front();
-    m_bytes -= message->Cost();
-    const auto entry = m_callbacks.find(message->item.msgId);
-    if (entry == m_callbacks.end()) return nullptr;
+    const auto entry = m_callbacks.find(msgId);
+    if (m_stopping || entry == m_callbacks.end()) return nullptr;
     m_calling = true;
-    m_calledMsgId = message->item.msgId;
+    m_calledMsgId = msgId;
     ++m_callNumber;
     return entry->second;
 }
@@ -138,3 +159,5 @@ void Receiver::Call(const Callback& callback, Message& message) const {
 }
 
 }  // namespace ipc_client
+
+IpcSender CurrentIpcSender() { return ipc_client::currentSender; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -23,14 +24,21 @@ class Receiver {
 public:
     using Callback = std::function<void(TagIPCMessageItem&)>;
 
-    // Told, on the delivery thread and without a lock, that a receiver that was full has room again. It must not call
-    // the receiver.
-    using HasRoom = std::function<void(Receiver&)>;
+    // Told on the delivery thread, or by the destructor, and without a lock. It must not call the receiver.
+    class Listener {
+    public:
+        virtual void HasRoom(Receiver& receiver) = 0;               // which was full
+        virtual void Handled(std::uint64_t delivery) noexcept = 0;  // its callback has returned, or there is none
+
+    protected:
+        ~Listener() = default;
+    };
 
     // Throws std::system_error when the thread cannot be started.
-    Receiver(int endpointId, HasRoom hasRoom);
+    Receiver(int endpointId, Listener& listener);
 
-    // Ends the thread after the callback that it runs, giving up the UI turn meanwhile. Not on that thread.
+    // Ends the thread after the callback that it runs, giving up the UI turn meanwhile; what waits counts as handled.
+    // Not on that thread.
     ~Receiver();
 
     Receiver(const Receiver&) = delete;
@@ -50,29 +58,33 @@ public:
     // the delivery thread.
     void WaitUntilDone(std::optional<int> msgId);
 
-    // Queues a copy of the message. False when it is full by that: whoever delivers waits for HasRoom. Any thread.
-    bool Deliver(const MessageView& message);
+    // Queues a copy of the message, which counts as that delivery. False when it is full by that: whoever delivers
+    // waits for HasRoom. Any thread.
+    bool Deliver(const MessageView& message, const IpcSender& sender, std::uint64_t delivery);
 
 private:
     struct Message {
-        explicit Message(const MessageView& view);
+        Message(const MessageView& view, const IpcSender& from, std::uint64_t number);
         std::size_t Cost() const { return item.text.size() + data.size() + kQueuedMessageOverhead; }
 
         TagIPCMessageItem item;  // `data` is set when the callback is called
         std::string data;        // with the zero byte that a string keeps behind its end
+        IpcSender sender;
+        std::uint64_t delivery;
     };
 
     // Delivery thread.
     void DeliverMessages();
     bool WaitForMessage();  // false when the thread is to end
     void TellOfRoom();
-    void DeliverOne();
-    Held BeginCall(std::optional<Message>& message);  // null when there is nothing to call
+    bool TakeMessage(std::optional<Message>& message);
+    void DeliverOne(Message& message);
+    Held BeginCall(int msgId);  // null when there is nothing to call
     void EndCall();
     void Call(const Callback& callback, Message& message) const;
 
     const int m_endpointId;
-    const HasRoom m_hasRoom;
+    Listener& m_listener;
     base::Mutex m_mutex;  // never held while the UI turn is waited for
     base::Condition m_arrived;
     base::Condition m_callEnded;

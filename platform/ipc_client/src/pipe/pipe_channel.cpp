@@ -4,6 +4,7 @@
 #include <asio/executor_work_guard.hpp>
 #include <asio/post.hpp>
 #include <exception>
+#include <new>
 #include <span>
 #include <thread>
 
@@ -16,7 +17,8 @@ namespace ipc_client {
 void PipeChannel::Start(std::chrono::milliseconds handshake) {
     m_timer.expires_after(handshake);
     m_timer.async_wait([self = shared_from_this()](std::error_code error) {
-        if (!error && !self->m_opened) self->Close("no handshake came in time");
+        if (error || self->m_handshakeEnded) return;
+        self->Close("no handshake came in time", kIpcLogEvent, RefusalCode::kTime);
     });
     std::string hello;
     AppendHello(hello);
@@ -25,6 +27,11 @@ void PipeChannel::Start(std::chrono::milliseconds handshake) {
         m_writable = false;
     }
     Read();
+}
+
+void PipeChannel::HandshakeEnded() {
+    m_handshakeEnded = true;
+    m_timer.cancel();
 }
 
 void PipeChannel::Append(std::string_view frames) {
@@ -57,10 +64,22 @@ void PipeChannel::WaitWritten(std::chrono::steady_clock::time_point until) {
     }
 }
 
-void PipeChannel::Close(std::string_view reason, int level) {
+// Only when nothing stands in the way: whoever is to be waited for is not told.
+void PipeChannel::Refuse(RefusalCode code, std::string_view reason) {
+    if (!m_refusesWithReasons || code == RefusalCode::kNone || !m_writable || m_out.Bytes() != 0) return;
+    try {
+        std::string refusal;
+        AppendRefusal(refusal, code, reason);
+        WriteHello(m_socket, refusal);
+    } catch (const std::bad_alloc&) {  // then it just closes
+    }
+}
+
+void PipeChannel::Close(std::string_view reason, int level, RefusalCode code) {
     {
         const base::MutexLock lock(m_mutex);
         if (m_closed) return;
+        Refuse(code, reason);
         m_closed = true;
         std::error_code ignored;
         m_socket.close(ignored);
@@ -68,11 +87,6 @@ void PipeChannel::Close(std::string_view reason, int level) {
     }
     m_timer.cancel();
     m_listener.Closed(reason, level);
-}
-
-std::string PipeChannel::TakeMessages() {
-    const base::MutexLock lock(m_mutex);
-    return m_out.TakeMessages();
 }
 
 void PipeChannel::Read() {
@@ -104,8 +118,10 @@ void PipeChannel::HandleRead(std::error_code error, std::size_t bytes) {
     try {
         TakeBatch();
         ReadOn();
-    } catch (const std::exception& wrong) {  // ProtocolError, or no memory for what it says
-        Close(wrong.what());
+    } catch (const ProtocolError& wrong) {
+        Close(wrong.what(), kIpcLogEvent, wrong.Code());
+    } catch (const std::exception& failure) {  // no memory for what it says
+        Close(failure.what());
     }
 }
 
@@ -124,7 +140,6 @@ void PipeChannel::TakeFrames() {
     if (!m_reader.TakeHello()) return;
     if (!m_opened) {
         m_opened = true;
-        m_timer.cancel();
         m_listener.Opened();
     }
     while (!m_closed) {

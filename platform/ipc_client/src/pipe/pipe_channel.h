@@ -25,7 +25,7 @@ class PipeChannel : public std::enable_shared_from_this<PipeChannel> {
 public:
     class Listener {
     public:
-        virtual void Opened() = 0;                              // the other side's handshake came and is right
+        virtual void Opened() {}                                // the other side's hello came and is right
         virtual void FrameArrived(const FrameView& frame) = 0;  // may throw ProtocolError
         virtual void BatchEnded() {}  // all frames that one read brought have been handed over
         virtual void Written() {}     // some of what Flush left to the I/O thread is out
@@ -39,10 +39,11 @@ public:
     PipeChannel(PipeSocket socket, Listener& listener)
         : m_socket(std::move(socket)), m_timer(m_socket.get_executor()), m_listener(listener) {}
 
-    // Says hello and begins to read; the other side has so long to say hello. I/O thread.
+    // Says hello and begins to read; the other side has so long until HandshakeEnded. I/O thread.
     void Start(std::chrono::milliseconds handshake);
+    void HandshakeEnded();
 
-    // Queues whole frames, also when the channel has closed: TakeMessages gives them back. Any thread.
+    // Queues whole frames. Any thread.
     void Append(std::string_view frames);
 
     // Writes what the pipe takes at once and leaves the rest to the I/O thread. Any thread.
@@ -61,13 +62,14 @@ public:
     // Waits until everything is written, or nothing more can be, or the time has come. Any thread but the I/O thread.
     void WaitWritten(std::chrono::steady_clock::time_point until);
 
-    // Closes the pipe; tells the listener. I/O thread.
-    void Close(std::string_view reason, int level = kIpcLogEvent);
+    // Closes the pipe; tells the listener, and the other side as well if it takes a refusal of that code. I/O thread.
+    void Close(std::string_view reason, int level = kIpcLogEvent, RefusalCode code = RefusalCode::kNone);
 
-    // After Closed: the messages that were not written (OutQueue::TakeMessages).
-    std::string TakeMessages();
+    // From now on the other side is told why it is refused: it is a client, this side the broker.
+    void RefuseWithReasons() { m_refusesWithReasons = true; }
 
 private:
+    void Refuse(RefusalCode code, std::string_view reason) BASE_REQUIRES(m_mutex);
     void Read();
     void ReadOn();
     void HandleRead(std::error_code error, std::size_t bytes);
@@ -86,6 +88,8 @@ private:
     bool m_opened = false;
     bool m_reading = false;  // a read is under way
     bool m_paused = false;
+    bool m_handshakeEnded = false;
+    bool m_refusesWithReasons = false;
 
     mutable base::Mutex m_mutex;  // also keeps m_socket from being closed during a write
     base::Condition m_written;

@@ -33,6 +33,9 @@ bool IsEndOfPipe(std::error_code error);
 unsigned long PeerProcess(PipeSocket& socket);
 unsigned long OwnProcess();
 
+// The number of this process's user; of the peers' too, as others are refused.
+unsigned long OwnUser();
+
 // How many files, pipes included, the system lets this process have open.
 std::size_t MostOpenFiles();
 

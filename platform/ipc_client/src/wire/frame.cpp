@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <random>
 
 namespace ipc_client {
 namespace {
@@ -13,6 +14,15 @@ void AppendUInt32(std::string& out, std::uint32_t value) {
 }
 
 void AppendInt32(std::string& out, std::int32_t value) { AppendUInt32(out, static_cast<std::uint32_t>(value)); }
+
+void AppendUInt64(std::string& out, std::uint64_t value) {
+    AppendUInt32(out, static_cast<std::uint32_t>(value));
+    AppendUInt32(out, static_cast<std::uint32_t>(value >> 32));
+}
+
+void AppendLife(std::string& out, const IpcLife& life) {
+    out.append(reinterpret_cast<const char*>(life.bytes.data()), life.bytes.size());
+}
 
 void AppendHead(std::string& out, FrameType type, std::size_t bodyBytes) {
     AppendUInt32(out, static_cast<std::uint32_t>(bodyBytes));
@@ -36,6 +46,16 @@ public:
         for (int i = 3; i >= 0; --i) value = value << 8 | static_cast<std::uint8_t>(field[static_cast<std::size_t>(i)]);
         return value;
     }
+    std::uint64_t UInt64() {
+        const std::uint64_t low = UInt32();
+        return low | static_cast<std::uint64_t>(UInt32()) << 32;
+    }
+    IpcLife Life() {
+        IpcLife life;
+        std::memcpy(life.bytes.data(), Bytes(life.bytes.size()).data(), life.bytes.size());
+        return life;
+    }
+    std::string_view Rest() { return Bytes(m_bytes.size()); }
     std::int32_t Int32() { return static_cast<std::int32_t>(UInt32()); }
     std::size_t Left() const { return m_bytes.size(); }
 
@@ -49,9 +69,29 @@ void CheckLength(const char* what, std::size_t length, std::size_t limit) {
                         std::to_string(limit));
 }
 
-constexpr std::size_t kReadBytes = 64 * 1024;  // room offered for one read, at least half of it
+void CheckBodyBytes(const char* what, std::string_view body, std::size_t bytes) {
+    if (body.size() == bytes) return;
+    throw ProtocolError(std::string(what) + " of " + std::to_string(body.size()) + " bytes, not " +
+                        std::to_string(bytes));
+}
+
+void CheckLeastBytes(const char* what, std::string_view body, std::size_t bytes) {
+    if (body.size() >= bytes) return;
+    throw ProtocolError(std::string(what) + " of " + std::to_string(body.size()) + " bytes is too short");
+}
+
+constexpr std::size_t kIntroductionBytes = 4 + 16 + 16 + 8 + 8;  // features, life, known life, first, received
+constexpr std::size_t kStampBytes = 16 + 8 + 4 + 4;              // life, number, process, user
+constexpr std::size_t kRangeBytes = 8 + 8;                       // first, behind
 
 }  // namespace
+
+IpcLife NewLife() {
+    std::random_device random;
+    IpcLife life;
+    for (std::uint8_t& byte : life.bytes) byte = static_cast<std::uint8_t>(random());
+    return life;
+}
 
 std::string Describe(Route route) {
     char text[64];
@@ -84,10 +124,14 @@ void AppendHello(std::string& out, std::uint32_t version) {
     AppendUInt32(out, version);
 }
 
-void AppendMessage(std::string& out, const TagIPCMessageItem& item) {
+namespace {
+
+std::size_t MessageBytes(const TagIPCMessageItem& item) {
+    return kMessageHeadBytes + item.text.size() + static_cast<std::size_t>(item.dataLen);
+}
+
+void AppendMessageBody(std::string& out, const TagIPCMessageItem& item) {
     const auto dataBytes = static_cast<std::size_t>(item.dataLen);
-    const std::size_t bodyBytes = kMessageHeadBytes + item.text.size() + dataBytes;
-    AppendHead(out, FrameType::kMessage, bodyBytes);
     AppendInt32(out, item.destId);
     AppendInt32(out, item.sourceId);
     AppendInt32(out, item.msgId);
@@ -100,6 +144,72 @@ void AppendMessage(std::string& out, const TagIPCMessageItem& item) {
     AppendUInt32(out, static_cast<std::uint32_t>(dataBytes));
     out.append(item.text);
     if (dataBytes != 0) out.append(item.data, dataBytes);
+}
+
+}  // namespace
+
+void AppendMessage(std::string& out, const TagIPCMessageItem& item) {
+    AppendHead(out, FrameType::kMessage, MessageBytes(item));
+    AppendMessageBody(out, item);
+}
+
+void AppendMessage(std::string& out, std::string_view messageBody) {
+    AppendHead(out, FrameType::kMessage, messageBody.size());
+    out.append(messageBody);
+}
+
+void AppendIntroduction(std::string& out, const Introduction& introduction) {
+    constexpr std::uint32_t kFeatures = 0;  // none beyond the version's own
+    AppendHead(out, FrameType::kIntroduction, kIntroductionBytes);
+    AppendUInt32(out, kFeatures);
+    AppendLife(out, introduction.life);
+    AppendLife(out, introduction.known);
+    AppendUInt64(out, introduction.first);
+    AppendUInt64(out, introduction.received);
+}
+
+void AppendDelivery(std::string& out, const Stamp& stamp, std::string_view messageBody) {
+    AppendHead(out, FrameType::kDelivery, kStampBytes + messageBody.size());
+    AppendLife(out, stamp.sender.life);
+    AppendUInt64(out, stamp.number);
+    AppendUInt32(out, stamp.sender.process);
+    AppendUInt32(out, stamp.sender.user);
+    out.append(messageBody);
+}
+
+void AppendAddressed(std::string& out, std::span<const IpcLife> lives, const TagIPCMessageItem& item) {
+    AppendHead(out, FrameType::kAddressed, 4 + lives.size() * sizeof(IpcLife) + MessageBytes(item));
+    AppendUInt32(out, static_cast<std::uint32_t>(lives.size()));
+    for (const IpcLife& life : lives) AppendLife(out, life);
+    AppendMessageBody(out, item);
+}
+
+void AppendNumbers(std::string& out, FrameType type, std::span<const NumberRange> numbers) {
+    AppendHead(out, type, numbers.size() * kRangeBytes);
+    for (const NumberRange& range : numbers) {
+        AppendUInt64(out, range.first);
+        AppendUInt64(out, range.behind);
+    }
+}
+
+void AppendRefusal(std::string& out, RefusalCode code, std::string_view text) {
+    AppendHead(out, FrameType::kRefusal, 4 + text.size());
+    AppendUInt32(out, static_cast<std::uint32_t>(code));
+    out.append(text);
+}
+
+void AppendQuestion(std::string& out) { AppendHead(out, FrameType::kQuestion, 0); }
+
+void AppendAnswer(std::string& out, bool isRead) {
+    AppendHead(out, FrameType::kAnswer, 1);
+    out.push_back(isRead ? '\1' : '\0');
+}
+
+void AppendFarewell(std::string& out) { AppendHead(out, FrameType::kFarewell, 0); }
+
+void AppendSkip(std::string& out, std::uint64_t count) {
+    AppendHead(out, FrameType::kSkip, 8);
+    AppendUInt64(out, count);
 }
 
 void AppendRoutes(std::string& out, FrameType type, std::span<const Route> routes) {
@@ -118,7 +228,8 @@ void CheckHello(std::string_view hello) {
     const std::uint32_t version = reader.UInt32();
     if (version == kProtocolVersion) return;
     throw ProtocolError("the other side speaks protocol version " + std::to_string(version) + ", this one " +
-                        std::to_string(kProtocolVersion));
+                            std::to_string(kProtocolVersion),
+                        RefusalCode::kVersion);
 }
 
 FrameHead DecodeHead(std::string_view head) {
@@ -126,10 +237,11 @@ FrameHead DecodeHead(std::string_view head) {
     const std::size_t bodyBytes = reader.UInt32();
     const std::uint8_t type = reader.UInt8();
     if (type < static_cast<std::uint8_t>(FrameType::kMessage) ||
-        type > static_cast<std::uint8_t>(FrameType::kWithdraw)) {
+        type > static_cast<std::uint8_t>(FrameType::kWaiting)) {
         throw ProtocolError("unknown frame type " + std::to_string(type));
     }
-    CheckLength("a frame", bodyBytes, kMaxBodyBytes);
+    const bool isMessage = type == static_cast<std::uint8_t>(FrameType::kMessage);
+    CheckLength("a frame", bodyBytes, isMessage ? kMaxMessageBytes : kMaxBodyBytes);
     return {static_cast<FrameType>(type), bodyBytes};
 }
 
@@ -161,7 +273,7 @@ MessageView DecodeMessage(std::string_view body) {
 }
 
 std::vector<Route> DecodeRoutes(std::string_view body) {
-    if (body.empty() || body.size() % kRouteBytes != 0) {
+    if (body.size() % kRouteBytes != 0) {
         throw ProtocolError("a list of routes of " + std::to_string(body.size()) + " bytes");
     }
     FieldReader reader(body);
@@ -174,43 +286,74 @@ std::vector<Route> DecodeRoutes(std::string_view body) {
     return routes;
 }
 
-FrameReader::FrameReader() : m_buffer(kReadBytes) {}
-
-std::span<char> FrameReader::Space() {
-    if (m_begin == m_end) {
-        m_begin = m_end = 0;
-        if (m_buffer.size() > 16 * kReadBytes) m_buffer = std::vector<char>(kReadBytes);
-    }
-    if (m_buffer.size() - m_end < kReadBytes / 2 && m_begin != 0) {
-        std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
-        m_end -= m_begin;
-        m_begin = 0;
-    }
-    if (m_buffer.size() - m_end < kReadBytes / 2) m_buffer.resize(m_buffer.size() * 2);
-    return std::span(m_buffer).subspan(m_end);
+Introduction DecodeIntroduction(std::string_view body) {
+    CheckBodyBytes("an introduction", body, kIntroductionBytes);
+    FieldReader reader(body);
+    reader.UInt32();  // features: what this version does not know, it does not use
+    Introduction introduction;
+    introduction.life = reader.Life();
+    introduction.known = reader.Life();
+    introduction.first = reader.UInt64();
+    introduction.received = reader.UInt64();
+    if (introduction.life == IpcLife()) throw ProtocolError("an introduction of nobody");
+    return introduction;
 }
 
-void FrameReader::Commit(std::size_t bytes) { m_end += bytes; }
-
-std::size_t FrameReader::GrownBytes() const { return m_buffer.size() - kReadBytes; }
-
-bool FrameReader::TakeHello() {
-    if (m_helloTaken) return true;
-    if (Unread().size() < kHelloBytes) return false;
-    CheckHello(Unread().substr(0, kHelloBytes));
-    m_begin += kHelloBytes;
-    m_helloTaken = true;
-    return true;
+DeliveryView DecodeDelivery(std::string_view body) {
+    CheckLeastBytes("a delivery", body, kStampBytes);
+    FieldReader reader(body);
+    DeliveryView delivery;
+    delivery.stamp.sender.life = reader.Life();
+    delivery.stamp.number = reader.UInt64();
+    delivery.stamp.sender.process = reader.UInt32();
+    delivery.stamp.sender.user = reader.UInt32();
+    delivery.messageBody = reader.Rest();
+    return delivery;
 }
 
-std::optional<FrameView> FrameReader::Next() {
-    const std::string_view unread = Unread();
-    if (unread.size() < kFrameHeadBytes) return std::nullopt;
-    const FrameHead head = DecodeHead(unread.substr(0, kFrameHeadBytes));
-    const std::size_t wholeBytes = kFrameHeadBytes + head.bodyBytes;
-    if (unread.size() < wholeBytes) return std::nullopt;
-    m_begin += wholeBytes;
-    return FrameView{head.type, unread.substr(kFrameHeadBytes, head.bodyBytes), unread.substr(0, wholeBytes)};
+AddressedView DecodeAddressed(std::string_view body) {
+    CheckLeastBytes("an addressed message", body, 4);
+    FieldReader reader(body);
+    const std::size_t count = reader.UInt32();
+    CheckLength("a list of addressees", count, kMaxAddressees);
+    CheckLeastBytes("an addressed message", body, 4 + count * sizeof(IpcLife));
+    AddressedView addressed;
+    addressed.lives.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) addressed.lives.push_back(reader.Life());
+    addressed.messageBody = reader.Rest();
+    return addressed;
+}
+
+std::vector<NumberRange> DecodeNumbers(std::string_view body) {
+    if (body.empty() || body.size() % kRangeBytes != 0) {
+        throw ProtocolError("a list of numbers of " + std::to_string(body.size()) + " bytes");
+    }
+    FieldReader reader(body);
+    std::vector<NumberRange> numbers;
+    numbers.reserve(body.size() / kRangeBytes);
+    while (reader.Left() != 0) {
+        const std::uint64_t first = reader.UInt64();
+        numbers.push_back({first, reader.UInt64()});
+        if (numbers.back().first >= numbers.back().behind) throw ProtocolError("a list of numbers with an empty range");
+    }
+    return numbers;
+}
+
+Refusal DecodeRefusal(std::string_view body) {
+    CheckLeastBytes("a refusal", body, 4);
+    FieldReader reader(body);
+    const std::uint32_t code = reader.UInt32();
+    return {code, reader.Rest()};
+}
+
+std::uint64_t DecodeSkip(std::string_view body) {
+    CheckBodyBytes("a skip", body, 8);
+    return FieldReader(body).UInt64();
+}
+
+bool DecodeAnswer(std::string_view body) {
+    CheckBodyBytes("an answer", body, 1);
+    return body[0] != 0;
 }
 
 }  // namespace ipc_client

@@ -3,6 +3,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <span>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "ipc_client/ipc_message_item.h"
+#include "ipc_client/ipc_sender.h"
 
 // Frames as bytes (docs/protocol.md). Integers are little-endian. Encoders append to a string; decoders take one whole
 // frame body and throw ProtocolError, with a text for the log, when it is not what its type promises.
@@ -19,16 +21,26 @@ namespace ipc_client {
 
 // Handshake: the first bytes in either direction, before any frame.
 inline constexpr char kMagic[4] = {'B', 'P', 'I', 'P'};
-inline constexpr std::uint32_t kProtocolVersion = 1;
+inline constexpr std::uint32_t kProtocolVersion = 2;
 inline constexpr std::size_t kHelloBytes = 4 + 4;  // magic, version
 
 // A frame is a head, which says how long the body is and what it holds, and the body.
 inline constexpr std::size_t kFrameHeadBytes = 4 + 1;  // body length, type
 
 enum class FrameType : std::uint8_t {
-    kMessage = 1,   // both directions: one message
-    kAnnounce = 2,  // to the broker: this connection takes these routes
-    kWithdraw = 3,  // to the broker: it takes them no longer
+    kMessage = 1,       // both directions: one message; to clients that have not introduced themselves only
+    kAnnounce = 2,      // to the broker: this connection takes these routes
+    kWithdraw = 3,      // to the broker: it takes them no longer
+    kIntroduction = 4,  // both directions, a client's first frame: who I am, and what I have of you
+    kDelivery = 5,      // to a client: one message and who sent it
+    kAcknowledge = 6,   // both directions: these messages are done
+    kRefusal = 7,       // to a client, the last frame: why the broker closes
+    kAddressed = 8,     // to the broker, from its own process: one message for those who are there now
+    kQuestion = 9,      // to the broker: is anybody alive there?
+    kAnswer = 10,       // to a client: yes, and whether it is read
+    kFarewell = 11,     // to the broker, the last frame: this life ends
+    kSkip = 12,         // to the broker: so many messages that would come now are done already
+    kWaiting = 13,      // to a client: nobody has announced these messages yet
 };
 
 // destination, source, message id, header words 1 to 4, flag, length of the text, length of the payload; then the text
@@ -39,19 +51,16 @@ inline constexpr std::size_t kRouteBytes = 4 + 4;  // endpoint, message id
 // Limits. A frame beyond them ends the connection that it came from.
 inline constexpr std::size_t kMaxTextBytes = 64 * 1024;
 inline constexpr std::size_t kMaxDataBytes = 16 * 1024 * 1024;
-inline constexpr std::size_t kMaxBodyBytes = kMessageHeadBytes + kMaxTextBytes + kMaxDataBytes;
+inline constexpr std::size_t kMaxMessageBytes = kMessageHeadBytes + kMaxTextBytes + kMaxDataBytes;
+inline constexpr std::size_t kMaxAddressees = 1024;
+inline constexpr std::size_t kMaxBodyBytes = 4 + kMaxAddressees * sizeof(IpcLife) + kMaxMessageBytes;
 
-// Queues of a process [bytes]: frames not yet written to the pipe, and messages that a client has not yet delivered.
-inline constexpr std::size_t kMaxUnsentBytes = 64 * 1024 * 1024;
+// Queues of a process [bytes]: messages posted and not yet done, and messages that a client has not yet delivered.
+inline constexpr std::size_t kMaxPostedBytes = 64 * 1024 * 1024;
 inline constexpr std::size_t kMaxUndeliveredBytes = 64 * 1024 * 1024;
 
 // What a queued message counts for beyond its own bytes.
 inline constexpr std::size_t kQueuedMessageOverhead = 128;
-
-// The peer does not speak the protocol; its connection is to be closed.
-class ProtocolError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 // What messages are routed by.
 struct Route {
@@ -59,6 +68,9 @@ struct Route {
     std::int32_t msgId = 0;
     auto operator<=>(const Route&) const = default;
 };
+
+// A life that nobody has had.
+IpcLife NewLife();
 
 // "message 0xB20027 to endpoint 0x270000", for log lines.
 std::string Describe(Route route);
@@ -85,9 +97,67 @@ TagIPCMessageItem HeaderOf(const MessageView& message);
 // Whether the item can be a message at all: lengths within the limits, and a payload where one is announced.
 bool IsPostable(const TagIPCMessageItem& item);
 
+// What a side that has a life says of itself and of the other one.
+struct Introduction {
+    IpcLife life;
+    IpcLife known;               // whom it has messages or counts of; zero: nobody
+    std::uint64_t first = 0;     // the oldest of its own messages that is not done
+    std::uint64_t received = 0;  // the number of the next message that it expects of `known`
+};
+
+// Messages by their numbers: [first, behind).
+struct NumberRange {
+    std::uint64_t first = 0;
+    std::uint64_t behind = 0;
+    bool operator==(const NumberRange&) const = default;
+};
+
+// Where a delivered message comes from: its sender, and its number among all that it has sent.
+struct Stamp {
+    IpcSender sender;
+    std::uint64_t number = 0;
+};
+
+// Why a broker closes a connection. The numbers stand on the wire.
+enum class RefusalCode : std::uint32_t {
+    kNone = 0,      // it just closes
+    kVersion = 1,   // another protocol version
+    kProtocol = 2,  // bytes that are no frame, or a frame that is wrong
+    kLimit = 3,     // too many connections, or routes, or bytes
+    kTime = 4,      // no handshake came in time
+    kReplaced = 5,  // the same life has another connection
+};
+
+// The peer does not speak the protocol; its connection is to be closed.
+class ProtocolError : public std::runtime_error {
+public:
+    explicit ProtocolError(const std::string& reason, RefusalCode code = RefusalCode::kProtocol)
+        : std::runtime_error(reason), m_code(code) {}
+
+    RefusalCode Code() const { return m_code; }
+
+private:
+    RefusalCode m_code;
+};
+
+struct Refusal {
+    std::uint32_t code = 0;  // a newer broker's may have no name here
+    std::string_view text;   // UTF-8
+};
+
 void AppendHello(std::string& out, std::uint32_t version = kProtocolVersion);
 void AppendMessage(std::string& out, const TagIPCMessageItem& item);  // the item must be postable
+void AppendMessage(std::string& out, std::string_view messageBody);
 void AppendRoutes(std::string& out, FrameType type, std::span<const Route> routes);
+void AppendIntroduction(std::string& out, const Introduction& introduction);
+void AppendDelivery(std::string& out, const Stamp& stamp, std::string_view messageBody);
+void AppendAddressed(std::string& out, std::span<const IpcLife> lives, const TagIPCMessageItem& item);  // postable
+void AppendNumbers(std::string& out, FrameType type, std::span<const NumberRange> numbers);
+void AppendRefusal(std::string& out, RefusalCode code, std::string_view text);
+void AppendQuestion(std::string& out);
+void AppendAnswer(std::string& out, bool isRead);
+void AppendFarewell(std::string& out);
+void AppendSkip(std::string& out, std::uint64_t count);
 
 // `hello` has kHelloBytes bytes.
 void CheckHello(std::string_view hello);
@@ -100,6 +170,24 @@ FrameHead DecodeHead(std::string_view head);  // `head` has kFrameHeadBytes byte
 
 MessageView DecodeMessage(std::string_view body);
 std::vector<Route> DecodeRoutes(std::string_view body);
+Introduction DecodeIntroduction(std::string_view body);
+std::vector<NumberRange> DecodeNumbers(std::string_view body);
+Refusal DecodeRefusal(std::string_view body);
+std::uint64_t DecodeSkip(std::string_view body);
+bool DecodeAnswer(std::string_view body);  // whether it is read
+
+// `messageBody` is a view into the frame; DecodeMessage takes it.
+struct DeliveryView {
+    Stamp stamp;
+    std::string_view messageBody;
+};
+DeliveryView DecodeDelivery(std::string_view body);
+
+struct AddressedView {
+    std::vector<IpcLife> lives;  // none: everybody
+    std::string_view messageBody;
+};
+AddressedView DecodeAddressed(std::string_view body);
 
 // A frame in a FrameReader's buffer; its views live until the next call of Space().
 struct FrameView {
@@ -150,5 +238,14 @@ struct std::hash<ipc_client::Route> {
         const auto both = static_cast<std::uint64_t>(static_cast<std::uint32_t>(route.endpointId)) << 32 |
                           static_cast<std::uint32_t>(route.msgId);
         return std::hash<std::uint64_t>()(both);
+    }
+};
+
+template <>
+struct std::hash<IpcLife> {
+    std::size_t operator()(const IpcLife& life) const noexcept {  // random bytes are their own hash
+        std::size_t bytes = 0;
+        std::memcpy(&bytes, life.bytes.data(), sizeof bytes);
+        return bytes;
     }
 };

@@ -36,7 +36,7 @@ std::string Body(const std::string& frame) { return frame.substr(kFrameHeadBytes
 TEST(Frame, HelloIsMagicAndVersion) {
     std::string bytes;
     AppendHello(bytes);
-    EXPECT_EQ(bytes, Bytes({0x42, 0x50, 0x49, 0x50, 0x01, 0x00, 0x00, 0x00}));
+    EXPECT_EQ(bytes, Bytes({0x42, 0x50, 0x49, 0x50, 0x02, 0x00, 0x00, 0x00}));
     EXPECT_NO_THROW(CheckHello(bytes));
 }
 
@@ -149,7 +149,7 @@ TEST(Frame, AListOfRoutesCutAtAnyLengthIsRefusedUnlessWholeRoutesAreLeft) {
     AppendRoutes(frame, FrameType::kWithdraw, routes);
     const std::string body = Body(frame);
     for (std::size_t length = 0; length < body.size(); ++length) {
-        if (length != 0 && length % kRouteBytes == 0) {
+        if (length % kRouteBytes == 0) {
             EXPECT_EQ(DecodeRoutes(body.substr(0, length)).size(), length / kRouteBytes);
         } else {
             EXPECT_THROW(DecodeRoutes(body.substr(0, length)), ProtocolError) << length;
@@ -171,7 +171,7 @@ TEST(Frame, AHeadIsRefusedForWhatIsWrongWithIt) {
         const char* reason;
     } cases[] = {
         {Bytes({0x01, 0x00, 0x00, 0x00, 0x00}), "unknown frame type 0"},
-        {Bytes({0x01, 0x00, 0x00, 0x00, 0x04}), "unknown frame type 4"},
+        {Bytes({0x01, 0x00, 0x00, 0x00, 0x0E}), "unknown frame type 14"},
         {Bytes({0x01, 0x00, 0x00, 0x00, 0xFF}), "unknown frame type 255"},
         {Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x01}), "a frame of 4294967295 bytes is over the limit"},
         {Bytes({0x26, 0x00, 0x01, 0x01, 0x01}), "a frame of 16842790 bytes is over the limit of 16842789"},
@@ -179,15 +179,15 @@ TEST(Frame, AHeadIsRefusedForWhatIsWrongWithIt) {
     for (const auto& wrong : cases) {
         EXPECT_THAT([&] { DecodeHead(wrong.head); }, ThrowsMessage<ProtocolError>(HasSubstr(wrong.reason)));
     }
-    EXPECT_EQ(DecodeHead(Bytes({0x25, 0x00, 0x01, 0x01, 0x01})).bodyBytes, kMaxBodyBytes);
+    EXPECT_EQ(DecodeHead(Bytes({0x25, 0x00, 0x01, 0x01, 0x01})).bodyBytes, kMaxMessageBytes);
 }
 
 TEST(Frame, AHandshakeIsRefusedForWhatIsWrongWithIt) {
     EXPECT_THAT([] { CheckHello("GET / HT"); }, ThrowsMessage<ProtocolError>(HasSubstr("magic")));
     std::string later;
-    AppendHello(later, 2);
+    AppendHello(later, 3);
     EXPECT_THAT([&] { CheckHello(later); },
-                ThrowsMessage<ProtocolError>(HasSubstr("speaks protocol version 2, this one 1")));
+                ThrowsMessage<ProtocolError>(HasSubstr("speaks protocol version 3, this one 2")));
 }
 
 TEST(Frame, AnItemThatCannotBeAMessageIsNotPostable) {

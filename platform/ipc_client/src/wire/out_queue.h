@@ -19,10 +19,6 @@ public:
     // Bytes not yet written.
     std::size_t Bytes() const { return m_inFlight.size() - m_written + m_queued.size(); }
 
-    // Empties the queue. Gives back the message frames that were not written to their end, in order, from their first
-    // byte on: what another connection should send. Announcements are left out, they belong to one connection.
-    std::string TakeMessages();
-
 private:
     std::string m_inFlight;     // whole frames
     std::size_t m_written = 0;  // bytes at the front of m_inFlight that are out

@@ -10,13 +10,6 @@ namespace {
 
 using ipc_test::MessageFrame;
 
-std::string Announcement() {
-    const Route route{1, 2};
-    std::string frame;
-    AppendRoutes(frame, FrameType::kAnnounce, {&route, 1});
-    return frame;
-}
-
 TEST(OutQueue, WhatIsAppendedComesOutInOrderWhateverIsTaken) {
     OutQueue queue;
     std::string expected, written;
@@ -44,30 +37,6 @@ TEST(OutQueue, AChunkStaysWhereItIsWhileMoreIsAppended) {
     for (int i = 0; i < 1000; ++i) queue.Append(MessageFrame("more"));
     EXPECT_EQ(chunk, MessageFrame("one"));
     EXPECT_EQ(queue.Chunk().data(), chunk.data());
-}
-
-TEST(OutQueue, MessagesNotWrittenToTheirEndAreGivenBackWhole) {
-    const std::string one = MessageFrame("one"), two = MessageFrame("two"), three = MessageFrame("three");
-    for (std::size_t written = 0; written <= one.size() + two.size(); ++written) {
-        OutQueue queue;
-        queue.Append(one + two);
-        queue.Chunk();
-        queue.Written(written);
-        queue.Append(three);
-        const std::string expected = written < one.size()                ? one + two + three
-                                     : written < one.size() + two.size() ? two + three
-                                                                         : three;
-        EXPECT_EQ(queue.TakeMessages(), expected) << written;
-        EXPECT_EQ(queue.Bytes(), 0u);
-    }
-}
-
-TEST(OutQueue, AnnouncementsAreNotGivenBack) {
-    OutQueue queue;
-    queue.Append(Announcement() + MessageFrame("one"));
-    queue.Chunk();
-    queue.Append(Announcement() + MessageFrame("two"));
-    EXPECT_EQ(queue.TakeMessages(), MessageFrame("one") + MessageFrame("two"));
 }
 
 }  // namespace

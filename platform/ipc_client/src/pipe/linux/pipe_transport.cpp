@@ -152,6 +152,8 @@ unsigned long PeerProcess(PipeSocket& socket) { return static_cast<unsigned long
 
 unsigned long OwnProcess() { return static_cast<unsigned long>(getpid()); }
 
+unsigned long OwnUser() { return geteuid(); }
+
 std::size_t MostOpenFiles() {
     rlimit limit{};
     const bool isKnown = getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY;

@@ -177,6 +177,11 @@ unsigned long PeerProcess(PipeSocket& socket) {
 
 unsigned long OwnProcess() { return GetCurrentProcessId(); }
 
+unsigned long OwnUser() {
+    const std::wstring user = UserOf(GetCurrentProcess());
+    return std::stoul(user.substr(user.rfind(L'-') + 1));
+}
+
 std::size_t MostOpenFiles() { return std::numeric_limits<std::size_t>::max(); }
 
 // Some instances listen at any time, so that peers who come at once all find one. I/O thread; lives until the last of

@@ -1,0 +1,51 @@
+#include <cstring>
+
+#include "wire/frame.h"
+
+namespace ipc_client {
+namespace {
+
+constexpr std::size_t kReadBytes = 64 * 1024;  // room offered for one read, at least half of it
+
+}  // namespace
+
+FrameReader::FrameReader() : m_buffer(kReadBytes) {}
+
+std::span<char> FrameReader::Space() {
+    if (m_begin == m_end) {
+        m_begin = m_end = 0;
+        if (m_buffer.size() > 16 * kReadBytes) m_buffer = std::vector<char>(kReadBytes);
+    }
+    if (m_buffer.size() - m_end < kReadBytes / 2 && m_begin != 0) {
+        std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
+        m_end -= m_begin;
+        m_begin = 0;
+    }
+    if (m_buffer.size() - m_end < kReadBytes / 2) m_buffer.resize(m_buffer.size() * 2);
+    return std::span(m_buffer).subspan(m_end);
+}
+
+void FrameReader::Commit(std::size_t bytes) { m_end += bytes; }
+
+std::size_t FrameReader::GrownBytes() const { return m_buffer.size() - kReadBytes; }
+
+bool FrameReader::TakeHello() {
+    if (m_helloTaken) return true;
+    if (Unread().size() < kHelloBytes) return false;
+    CheckHello(Unread().substr(0, kHelloBytes));
+    m_begin += kHelloBytes;
+    m_helloTaken = true;
+    return true;
+}
+
+std::optional<FrameView> FrameReader::Next() {
+    const std::string_view unread = Unread();
+    if (unread.size() < kFrameHeadBytes) return std::nullopt;
+    const FrameHead head = DecodeHead(unread.substr(0, kFrameHeadBytes));
+    const std::size_t wholeBytes = kFrameHeadBytes + head.bodyBytes;
+    if (unread.size() < wholeBytes) return std::nullopt;
+    m_begin += wholeBytes;
+    return FrameView{head.type, unread.substr(kFrameHeadBytes, head.bodyBytes), unread.substr(0, wholeBytes)};
+}
+
+}  // namespace ipc_client

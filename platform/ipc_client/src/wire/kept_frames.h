@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+
+#include "wire/frame.h"
+
+namespace ipc_client {
+
+// Messages that were sent and are kept until they are done, to be sent again when a connection breaks. Each has a
+// number, in the order in which they were added. Not synchronised.
+class KeptFrames {
+public:
+    std::uint64_t First() const { return m_first; }  // the oldest that is not done, or Next()
+    std::uint64_t Next() const { return m_first + m_entries.size(); }
+    std::size_t Bytes() const { return m_keptBytes; }  // of those that are not done
+    std::size_t FrontBytes() const { return m_entries.front().bytes; }
+
+    // Keeps one whole frame.
+    void Add(std::string_view frame) { Add(frame, frame.size()); }
+
+    // Counts a frame that cannot be sent again.
+    void Count(std::size_t bytes) { Add({}, bytes); }
+
+    // Calls `done` with the number and the bytes of each message of the range that was not done, in their order.
+    template <typename F>
+    void Done(NumberRange range, const F& done) {
+        const std::uint64_t behind = range.behind < Next() ? range.behind : Next();
+        for (std::uint64_t number = range.first < m_first ? m_first : range.first; number < behind; ++number) {
+            Entry& entry = m_entries[number - m_first];
+            if (entry.isDone) continue;
+            entry.isDone = true;
+            m_keptBytes -= entry.bytes;
+            done(number, entry.bytes);
+        }
+        DropDone();
+    }
+
+    // Marks a message as taken; false when it has been, or is done: what comes again must not be taken twice.
+    bool Take(std::uint64_t number);
+
+    // Marks messages of which the broker says that they wait for somebody.
+    void Wait(NumberRange range);
+
+    // Whether all are done, or wait for somebody.
+    bool IsSettled() const;
+
+    // What is to be sent from that number on: the frames that are not done, with skips in the place of the others.
+    std::string From(std::uint64_t number) const;
+
+private:
+    struct Entry {
+        std::uint32_t bytes;   // of the frame
+        std::uint32_t stored;  // of it in m_frames
+        bool isDone = false;
+        bool isTaken = false;
+        bool isWaiting = false;
+    };
+
+    void Add(std::string_view stored, std::size_t bytes);
+    void DropDone();
+    void Compact();
+
+    std::uint64_t m_first = 0;
+    std::deque<Entry> m_entries;
+    std::string m_frames;
+    std::size_t m_begin = 0;  // where the first entry's frame is in m_frames
+    std::size_t m_keptBytes = 0;
+};
+
+}  // namespace ipc_client
