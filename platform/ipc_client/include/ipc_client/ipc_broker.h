@@ -27,8 +27,8 @@ struct IPCBrokerLimits {
     std::size_t connections = 1024;                  // of all; also at most half of what the system lets a process open
     std::size_t connectionsPerProcess = 64;          // of one that is not the broker's own
 
-    // For how long a process that was connected, and has not said farewell, counts as there: what is for it waits.
-    std::chrono::milliseconds absence{30000};
+    // For how long a process that lives, was connected and has not said farewell counts as there: what is for it waits.
+    std::chrono::milliseconds absence{600000};
 
     std::chrono::milliseconds handshake{5000};  // after that a silent connection is closed
     std::chrono::milliseconds linger{500};      // at the end, for what was posted to be read and written

@@ -12,6 +12,12 @@ namespace ipc_client {
 
 using std::chrono::steady_clock;
 
+namespace {
+
+constexpr std::chrono::milliseconds kLookAfter{1000};  // between two looks at the process of somebody who is absent
+
+}  // namespace
+
 BrokerLoop::BrokerLoop(asio::io_context& io, const std::filesystem::path& path, const IPCBrokerLimits& limits)
     : m_io(io), m_limits(limits), m_life(NewLife()), m_listener(io, path), m_acceptAgain(io), m_pending(limits) {}
 
@@ -211,35 +217,44 @@ BrokerPeer* BrokerLoop::FindLife(const IpcLife& life, const BrokerSession& sessi
 }
 
 void BrokerLoop::Introduce(BrokerSession& session, const Introduction& introduction) {
-    BrokerPeer* const known = FindLife(introduction.life, session);
-    if (known != nullptr) {
-        TakeOver(*known, session, introduction);
-    } else {
+    const bool isKnown = TakeOver(session, introduction);
+    if (!isKnown) {
         m_lives.emplace(introduction.life, session.Peer());
-        session.Peer()->Introduce(introduction.life, introduction.first);
-        if (introduction.known != IpcLife()) session.Peer()->SetMayHaveMissed();
+        session.Peer()->Introduce(introduction);
     }
-    Greet(*session.Peer(), introduction, known != nullptr);
+    Greet(*session.Peer(), introduction, isKnown);
 }
 
-// It has come back, perhaps before its earlier connection was seen to end.
-void BrokerLoop::TakeOver(BrokerPeer& peer, BrokerSession& session, const Introduction& introduction) {
-    const bool isKnown = introduction.known == IpcLife() || introduction.known == m_life;
-    if (!isKnown || introduction.first > peer.Posted().Next() || introduction.received < peer.FirstDelivery() ||
-        introduction.received > peer.NextDelivery()) {
-        throw ProtocolError("its numbers are not those of the connection that it had");
+// Gives the session the peer of that life, if it is known: it has come back, perhaps before its earlier connection was
+// seen to end. What is known of it may be older than what it says: an earlier introduction of its that came late.
+bool BrokerLoop::TakeOver(BrokerSession& session, const Introduction& introduction) {
+    BrokerPeer* peer = FindLife(introduction.life, session);
+    if (peer == nullptr) return false;
+    if (peer->HasSeen(introduction.connection)) throw ProtocolError("its life has had a later connection");
+    if (introduction.received < peer->FirstDelivery()) throw ProtocolError("it has handled more than it received");
+    if (peer->Session() != nullptr) peer->Session()->Close("its process has connected anew", RefusalCode::kReplaced);
+    peer = FindLife(introduction.life, session);
+    if (peer == nullptr) return false;
+    if (introduction.received > peer->NextDelivery()) {
+        Forget(*peer);
+        return false;
     }
-    if (peer.Session() != nullptr) peer.Session()->Close("its process has connected anew", RefusalCode::kReplaced);
-    std::erase(m_paused, peer.Number());
+    std::erase(m_paused, peer->Number());
     Forget(*session.Peer());
-    session.SetPeer(&peer);
-    peer.Attach(session);
+    session.SetPeer(peer);
+    peer->Attach(session, introduction.connection);
+    if (introduction.first > peer->Posted().Next()) Skip(*peer, introduction.first - peer->Posted().Next());
+    return true;
 }
 
 void BrokerLoop::Greet(BrokerPeer& peer, const Introduction& introduction, bool isKnown) {
     std::string frames;
-    AppendIntroduction(frames,
-                       {m_life, isKnown ? introduction.life : IpcLife(), peer.FirstDelivery(), peer.Posted().Next()});
+    Introduction own;
+    own.life = m_life;
+    if (isKnown) own.known = introduction.life;
+    own.first = peer.FirstDelivery();
+    own.received = peer.Posted().Next();
+    AppendIntroduction(frames, own);
     peer.Posted().TakeDone();  // all of it is told anew
     const std::vector<NumberRange> done = peer.Posted().DoneFrom(introduction.first);
     if (!done.empty()) AppendNumbers(frames, FrameType::kAcknowledge, done);
@@ -249,11 +264,20 @@ void BrokerLoop::Greet(BrokerPeer& peer, const Introduction& introduction, bool 
 }
 
 void BrokerLoop::WaitForReturn(BrokerPeer& peer) {
+    peer.SetGraceEnds(steady_clock::now() + m_limits.absence);
+    LookAfter(peer);
+}
+
+// Its process may be gone already: then it does not come back.
+void BrokerLoop::LookAfter(BrokerPeer& peer) {
     try {
-        peer.Grace().expires_after(m_limits.absence);
+        peer.Grace().expires_after(std::min(kLookAfter, m_limits.absence));
         peer.Grace().async_wait([this, number = peer.Number()](std::error_code cancelled) {
             BrokerPeer* const absent = cancelled ? nullptr : FindPeer(number);
             if (absent == nullptr || absent->Session() != nullptr) return;
+            if (steady_clock::now() < absent->GraceEnds() && ProcessExists(absent->Identity().process)) {
+                return LookAfter(*absent);
+            }
             Forget(*absent);
             FlushTouched();
             ResumeSettled();

@@ -66,9 +66,10 @@ private:
     // Peers.
     BrokerPeer* FindPeer(unsigned number);  // null when it was forgotten
     BrokerPeer* FindLife(const IpcLife& life, const BrokerSession& session);
-    void TakeOver(BrokerPeer& peer, BrokerSession& session, const Introduction& introduction);
+    bool TakeOver(BrokerSession& session, const Introduction& introduction);
     void Greet(BrokerPeer& peer, const Introduction& introduction, bool isKnown);
     void WaitForReturn(BrokerPeer& peer);
+    void LookAfter(BrokerPeer& peer);
     void Forget(BrokerPeer& peer);
     void ForgetAndClose(BrokerPeer& peer, const std::string& reason, RefusalCode code);
     void ForgetHeaviest();
@@ -81,6 +82,8 @@ private:
     void Queue(BrokerPeer* sender, BrokerPeer& receiver, Origin origin, std::string_view messageBody);
     void Keep(BrokerPeer& sender, Route route, const Origin& origin, std::string_view messageBody);
     void HandOver(BrokerPeer& peer, const std::vector<Route>& routes);
+    void TellOfAll();
+    void TellOfArrival(const BrokerPeer& peer);
     void TellService(const BrokerPeer& about, int msgId, std::string_view payload);
     void TakeOutWritten(BrokerPeer& receiver);
     void Handled(const BrokerPeer& receiver, const BrokerPeer::Handled& message);

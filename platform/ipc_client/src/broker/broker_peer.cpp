@@ -11,13 +11,17 @@ BrokerPeer::BrokerPeer(unsigned number, asio::io_context& io, BrokerSession& ses
     m_identity.user = static_cast<std::uint32_t>(OwnUser());
 }
 
-void BrokerPeer::Introduce(const IpcLife& life, std::uint64_t firstMessage) {
-    m_identity.life = life;
-    m_posted.StartAt(firstMessage);
+void BrokerPeer::Introduce(const Introduction& introduction) {
+    m_identity.life = introduction.life;
+    m_connection = introduction.connection;
+    m_mayHaveMissed = introduction.known != IpcLife();
+    m_posted.StartAt(introduction.first);
+    m_deliveries.StartAt(introduction.received);
     m_phase = Phase::kOpen;
 }
 
-void BrokerPeer::Attach(BrokerSession& session) {
+void BrokerPeer::Attach(BrokerSession& session, std::uint32_t connection) {
+    m_connection = connection;
     m_session = &session;
     m_phase = Phase::kOpen;
     m_replacesRoutes = true;

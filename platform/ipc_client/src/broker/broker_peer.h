@@ -2,6 +2,7 @@
 
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -50,10 +51,13 @@ public:
     bool MayTalkTo(const BrokerPeer& other) const { return m_isOwn || other.m_isOwn || &other == this; }
 
     BrokerSession* Session() const { return m_session; }  // null while it is absent
-    void Introduce(const IpcLife& life, std::uint64_t firstMessage);
-    void Attach(BrokerSession& session);
+    void Introduce(const Introduction& introduction);
+    bool HasSeen(std::uint32_t connection) const { return connection <= m_connection; }  // of this life, or a later one
+    void Attach(BrokerSession& session, std::uint32_t connection);
     void Detach();
     asio::steady_timer& Grace() { return m_grace; }
+    void SetGraceEnds(std::chrono::steady_clock::time_point ends) { m_graceEnds = ends; }
+    std::chrono::steady_clock::time_point GraceEnds() const { return m_graceEnds; }
 
     // As a receiver. Queues a message for it; returns what that takes, or 0 when there is no memory for it. One that
     // has lacked memory has to be forgotten: something is missing in its queue.
@@ -95,7 +99,6 @@ public:
     bool Arrives() { return IsNamed() && !std::exchange(m_hasArrived, true); }  // with its first announcement
     bool HasArrived() const { return m_hasArrived; }
     bool MayHaveMissed() const { return m_mayHaveMissed; }
-    void SetMayHaveMissed() { m_mayHaveMissed = true; }
 
     // As a sender.
     Outstanding& Posted() { return m_posted; }
@@ -125,7 +128,9 @@ private:
     IpcSender m_identity;
     Phase m_phase = Phase::kGreeting;
     BrokerSession* m_session;
+    std::uint32_t m_connection = 0;  // the last of this life
     asio::steady_timer m_grace;
+    std::chrono::steady_clock::time_point m_graceEnds;
 
     KeptFrames m_deliveries;
     std::deque<Source> m_sources;  // of the deliveries, the last of them; one each

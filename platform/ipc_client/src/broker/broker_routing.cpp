@@ -9,6 +9,7 @@
 namespace ipc_client {
 namespace {
 
+constexpr Route kArrivals{kIpcBrokerEndpoint, kIpcPeerArrived};
 constexpr PendingMessages::Sender kService = 0;  // whatever connection it has; no peer has this number
 
 }  // namespace
@@ -106,9 +107,21 @@ void BrokerLoop::Announce(BrokerPeer& peer, const std::vector<Route>& routes) {
         m_receivers[route].push_back(&peer);
     }
     if (!peer.IsOwn() && !routes.empty() && peer.Arrives()) {
-        TellService(peer, kIpcPeerArrived, std::string_view(peer.MayHaveMissed() ? "\1" : "\0", 1));
+        TellOfArrival(peer);
     }
+    if (peer.IsOwn() && std::find(routes.begin(), routes.end(), kArrivals) != routes.end()) TellOfAll();
     HandOver(peer, routes);
+}
+
+// A service that begins to listen hears of those who came before it, too.
+void BrokerLoop::TellOfAll() {
+    for (const auto& [number, peer] : m_peers) {
+        if (peer->HasArrived()) TellOfArrival(*peer);
+    }
+}
+
+void BrokerLoop::TellOfArrival(const BrokerPeer& peer) {
+    TellService(peer, kIpcPeerArrived, std::string_view(peer.MayHaveMissed() ? "\1" : "\0", 1));
 }
 
 // What waits for these routes and may go to the one that has announced them.

@@ -122,8 +122,7 @@ void Connection::Connect() {
 }
 
 void Connection::IntroduceItself() {
-    Introduction introduction{m_life, m_broker};
-    if (m_broker != IpcLife()) introduction.received = m_deliveries.Received();
+    Introduction introduction{++m_connections, m_life, m_broker, 0, m_deliveries.Received()};
     {
         const base::MutexLock lock(m_stateMutex);
         introduction.first = m_posted.First();
@@ -182,7 +181,6 @@ void Connection::TakeIntroduction(const Introduction& broker) {
     m_openedAt = steady_clock::now();
     m_lastReason.clear();
     m_wasAsked = m_readsOthersOnly = false;
-    if (broker.life != m_broker || broker.known != m_life) m_deliveries.BeginBroker();
     m_broker = broker.life;
     {
         const base::MutexLock lock(m_routesMutex);
@@ -206,6 +204,7 @@ void Connection::GoOn(const Introduction& broker) {
         throw ProtocolError("it expects message " + std::to_string(broker.received) + ", this side has " +
                             std::to_string(m_posted.First()) + " to " + std::to_string(m_posted.Next()));
     }
+    m_posted.WaitAnew();
     frames += m_posted.From(broker.received);
     m_channel->Append(frames);
     m_open = m_channel;
@@ -306,6 +305,7 @@ void Connection::WatchSilence() {
 
 void Connection::LookAtSilence() {
     std::shared_ptr<PipeChannel> open;
+    if (IsFull()) m_wasHeard = true;  // what it says lies in the pipe
     {
         const base::MutexLock lock(m_stateMutex);
         m_isWatching = !m_posted.IsSettled();
@@ -335,12 +335,13 @@ void Connection::HasRoom(Receiver& receiver) {
     if (m_full.erase(&receiver) != 0 && m_full.empty()) asio::post(m_io, [this] { ReadAgain(); });
 }
 
+bool Connection::IsFull() {
+    const base::MutexLock lock(m_routesMutex);
+    return !m_full.empty();
+}
+
 void Connection::ReadAgain() {
-    {
-        const base::MutexLock lock(m_routesMutex);
-        if (!m_full.empty()) return;
-    }
-    if (m_channel) m_channel->Resume();
+    if (m_channel && !IsFull()) m_channel->Resume();
 }
 
 void Connection::Closed(std::string_view reason, int) {

@@ -122,6 +122,7 @@ private:
     void SendRoutes(FrameType type, const std::vector<Route>& routes);
     bool Send(std::string_view frame);
     void WaitUntilDone();
+    bool IsFull();
     void ReadAgain();
 
     const std::filesystem::path m_path;
@@ -136,8 +137,9 @@ private:
     std::string m_lastReason;  // why the pipe could not be reached, as last logged
     std::string m_refusal;     // what the broker has said, for the line that tells of the end
     std::shared_ptr<PipeChannel> m_channel;
-    bool m_isWaiting = false;  // for the next attempt
-    IpcLife m_broker;          // the last one that introduced itself
+    bool m_isWaiting = false;         // for the next attempt
+    IpcLife m_broker;                 // the last one that introduced itself
+    std::uint32_t m_connections = 0;  // of this life
     asio::steady_timer m_acknowledgeAt;
     bool m_isToAcknowledge = false;
     asio::steady_timer m_silenceEnds;

@@ -1,18 +1,12 @@
 #include "client/delivery_ledger.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace ipc_client {
 
-void DeliveryLedger::BeginBroker() {
-    const base::MutexLock lock(m_mutex);
-    m_firstOfBroker = m_deliveries.Next();
-}
-
 std::uint64_t DeliveryLedger::Received() const {
     const base::MutexLock lock(m_mutex);
-    return m_deliveries.Next() - m_firstOfBroker;
+    return m_deliveries.Next();
 }
 
 std::uint64_t DeliveryLedger::Begin() {
@@ -39,21 +33,12 @@ void DeliveryLedger::WaitOn() noexcept {
 std::vector<NumberRange> DeliveryLedger::Handled() {
     const base::MutexLock lock(m_mutex);
     m_isAwaited = !m_deliveries.Empty();
-    return InBrokersNumbers(m_deliveries.TakeDone());
+    return m_deliveries.TakeDone();
 }
 
 std::vector<NumberRange> DeliveryLedger::HandledFrom(std::uint64_t number) const {
     const base::MutexLock lock(m_mutex);
-    return InBrokersNumbers(m_deliveries.DoneFrom(m_firstOfBroker + number));
-}
-
-std::vector<NumberRange> DeliveryLedger::InBrokersNumbers(const std::vector<NumberRange>& ranges) const {
-    std::vector<NumberRange> numbers;
-    for (const NumberRange& range : ranges) {
-        if (range.behind <= m_firstOfBroker) continue;  // an earlier broker's
-        numbers.push_back({std::max(range.first, m_firstOfBroker) - m_firstOfBroker, range.behind - m_firstOfBroker});
-    }
-    return numbers;
+    return m_deliveries.DoneFrom(number);
 }
 
 }  // namespace ipc_client

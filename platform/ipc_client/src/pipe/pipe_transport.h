@@ -33,6 +33,9 @@ bool IsEndOfPipe(std::error_code error);
 unsigned long PeerProcess(PipeSocket& socket);
 unsigned long OwnProcess();
 
+// Whether there is a process of that id.
+bool ProcessExists(unsigned long process);
+
 // The number of this process's user; of the peers' too, as others are refused.
 unsigned long OwnUser();
 

@@ -80,9 +80,9 @@ void CheckLeastBytes(const char* what, std::string_view body, std::size_t bytes)
     throw ProtocolError(std::string(what) + " of " + std::to_string(body.size()) + " bytes is too short");
 }
 
-constexpr std::size_t kIntroductionBytes = 4 + 16 + 16 + 8 + 8;  // features, life, known life, first, received
-constexpr std::size_t kStampBytes = 16 + 8 + 4 + 4;              // life, number, process, user
-constexpr std::size_t kRangeBytes = 8 + 8;                       // first, behind
+constexpr std::size_t kIntroductionBytes = 4 + 4 + 16 + 16 + 8 + 8;  // features, connection, lives, first, received
+constexpr std::size_t kStampBytes = 16 + 8 + 4 + 4;                  // life, number, process, user
+constexpr std::size_t kRangeBytes = 8 + 8;                           // first, behind
 
 }  // namespace
 
@@ -162,6 +162,7 @@ void AppendIntroduction(std::string& out, const Introduction& introduction) {
     constexpr std::uint32_t kFeatures = 0;  // none beyond the version's own
     AppendHead(out, FrameType::kIntroduction, kIntroductionBytes);
     AppendUInt32(out, kFeatures);
+    AppendUInt32(out, introduction.connection);
     AppendLife(out, introduction.life);
     AppendLife(out, introduction.known);
     AppendUInt64(out, introduction.first);
@@ -291,6 +292,7 @@ Introduction DecodeIntroduction(std::string_view body) {
     FieldReader reader(body);
     reader.UInt32();  // features: what this version does not know, it does not use
     Introduction introduction;
+    introduction.connection = reader.UInt32();
     introduction.life = reader.Life();
     introduction.known = reader.Life();
     introduction.first = reader.UInt64();

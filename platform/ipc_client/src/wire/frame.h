@@ -99,6 +99,7 @@ bool IsPostable(const TagIPCMessageItem& item);
 
 // What a side that has a life says of itself and of the other one.
 struct Introduction {
+    std::uint32_t connection = 0;  // a client's: which of its life this is, from 1
     IpcLife life;
     IpcLife known;               // whom it has messages or counts of; zero: nobody
     std::uint64_t first = 0;     // the oldest of its own messages that is not done

@@ -66,6 +66,10 @@ void KeptFrames::Wait(NumberRange range) {
     }
 }
 
+void KeptFrames::WaitAnew() {
+    for (Entry& entry : m_entries) entry.isWaiting = false;
+}
+
 bool KeptFrames::IsSettled() const {
     return std::all_of(m_entries.begin(), m_entries.end(),
                        [](const Entry& entry) { return entry.isDone || entry.isWaiting; });

@@ -19,6 +19,9 @@ public:
     std::size_t Bytes() const { return m_keptBytes; }  // of those that are not done
     std::size_t FrontBytes() const { return m_entries.front().bytes; }
 
+    // The number of the first message to come. Nothing may be kept.
+    void StartAt(std::uint64_t number) { m_first = number; }
+
     // Keeps one whole frame.
     void Add(std::string_view frame) { Add(frame, frame.size()); }
 
@@ -44,6 +47,7 @@ public:
 
     // Marks messages of which the broker says that they wait for somebody.
     void Wait(NumberRange range);
+    void WaitAnew();  // none of them waits, as far as another broker has said
 
     // Whether all are done, or wait for somebody.
     bool IsSettled() const;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <limits>
 #include <system_error>
 #include <utility>
@@ -151,6 +152,8 @@ bool IsEndOfPipe(std::error_code error) { return error == asio::error::eof || er
 unsigned long PeerProcess(PipeSocket& socket) { return static_cast<unsigned long>(Peer(socket.native_handle()).pid); }
 
 unsigned long OwnProcess() { return static_cast<unsigned long>(getpid()); }
+
+bool ProcessExists(unsigned long process) { return kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH; }
 
 unsigned long OwnUser() { return geteuid(); }
 

@@ -177,6 +177,11 @@ unsigned long PeerProcess(PipeSocket& socket) {
 
 unsigned long OwnProcess() { return GetCurrentProcessId(); }
 
+bool ProcessExists(unsigned long process) {
+    const base::OwnedHandle handle(OpenProcess(SYNCHRONIZE, FALSE, process));
+    return handle && WaitForSingleObject(handle.Handle(), 0) == WAIT_TIMEOUT;
+}
+
 unsigned long OwnUser() {
     const std::wstring user = UserOf(GetCurrentProcess());
     return std::stoul(user.substr(user.rfind(L'-') + 1));
