@@ -16,23 +16,28 @@ inline Queue(number) {
     deliveryNext++;
 }
 
-/* The client's hello: first, received in a, b. */
-inline Greet(who) {
+/* The client's introduction: first, received in a, b. Goes on with what the broker keeps of that life, if it keeps anything, and
+   what that is may be older than what the client says. */
+inline Greet(who, isLatest) {
     c = (record[who] != kNobody); /* known */
     if
-    :: !c && who == SENDER -> counted = a
+#ifdef OLD_INTRODUCTION_BELIEVED
+    :: who == RECEIVER && !c -> deliveryNext = b
+#else
+    :: who == RECEIVER && (!c || b > deliveryNext) -> c = false; ForgetReceiver(); deliveryNext = b
+#endif
     :: else
     fi;
     if
-    :: who == RECEIVER ->
-#ifdef OLD_HELLO_BELIEVED
-        deliveryNext = (c -> deliveryNext : b);
+#ifdef LOST_SKIP_NOT_MADE_UP
+    :: who == SENDER && !c -> counted = a
 #else
-        deliveryNext = (b > deliveryNext -> b : deliveryNext);
+    :: who == SENDER && (!c || a > counted) -> counted = a
 #endif
-        deliveryToWrite = b
     :: else
     fi;
+    deliveryToWrite = (who == RECEIVER -> b : deliveryToWrite);
+    isOfLatest[who] = isLatest;
 #ifndef ACKNOWLEDGED_ONCE
     if
     :: who == SENDER -> /* all that is neither outstanding nor waits */
@@ -106,12 +111,12 @@ inline Acknowledge() {
     od;
 }
 
-/* A frame that is no hello. */
+/* A frame that is no introduction. */
 inline Obey() {
     if
     :: frame == kAnnounce -> Announce()
     :: frame == kMessage -> TakeMessage()
-    :: frame == kSkip -> Expect(miscounted, a == counted); counted = b
+    :: frame == kSkip -> counted = counted + a
     :: else ->
         Acknowledge();
 #ifdef SKIP_IS_ACKNOWLEDGEMENT
@@ -127,7 +132,7 @@ inline ReadUp(who) {
     up[who]?frame, a, b, c;
     printf("broker reads from %d %e %d %d %d\n", who, frame, a, b, c);
     if
-    :: frame == kHello ->
+    :: frame == kIntroduction ->
 #ifndef OLD_CONNECTION_READ_ON
         if
         :: oldPeer[who] == kOpen -> CloseOld(who) /* whatever lies in it */
@@ -135,29 +140,29 @@ inline ReadUp(who) {
         fi;
 #endif
         FirstDelivery(who);
-        Greet(who);
+        Greet(who, true);
         peer[who] = kOpen;
         if
-        :: connected[who] && whole[who] -> down[who]!kHello, (who == RECEIVER -> b : 0), (who == SENDER -> counted : 0), c
+        :: connected[who] && whole[who] -> down[who]!kIntroduction, (who == RECEIVER -> b : 0), (who == SENDER -> counted : 0), c
         :: else
         fi
     :: else -> peer[who] = kOpen; Obey()
     fi;
 }
 
-/* A hello that lay in the connection that the client has left: it seems to be the newer one. */
+/* An introduction from the connection that the client has left counts, if the broker does not know the life better. */
 inline ReadOld(who) {
     old[who]?frame, a, b, c;
     printf("broker reads from the old connection of %d %e %d %d %d\n", who, frame, a, b, c);
     if
-    :: frame == kHello ->
+    :: frame == kIntroduction ->
         if
-        :: peer[who] == kOpen -> ClosePeer(who)
-        :: else
-        fi;
-        FirstDelivery(who);
-        Greet(who);
-        oldPeer[who] = kOpen
+        :: record[who] != kNobody && isOfLatest[who] -> CloseOld(who)
+        :: else ->
+            FirstDelivery(who);
+            Greet(who, false);
+            oldPeer[who] = kOpen
+        fi
     :: else -> oldPeer[who] = kOpen; Obey()
     fi;
 }

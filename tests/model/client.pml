@@ -14,18 +14,19 @@ inline Connect(who) {
     printf("client %d connects\n", who);
     connected[who] = true;
     whole[who] = true;
+    isOfLatest[who] = false;
     peer[who] = kGreeting;
 #ifdef ANONYMOUS
     if
     :: who == SENDER -> state[who] = kOpen
-    :: else -> SendHello(who)
+    :: else -> IntroduceItself(who)
     fi;
 #else
-    SendHello(who);
+    IntroduceItself(who);
 #endif
 }
 
-inline SendHello(who) {
+inline IntroduceItself(who) {
     first = 0;
     if
     :: who == SENDER ->
@@ -40,9 +41,9 @@ inline SendHello(who) {
     :: else
     fi;
 #ifdef DELIVERIES_COUNTED_PER_BROKER
-    up[who]!kHello, first, received, known;
+    up[who]!kIntroduction, first, received, known;
 #else
-    up[who]!kHello, first, (who == RECEIVER -> received : 0), 0;
+    up[who]!kIntroduction, first, (who == RECEIVER -> received : 0), 0;
 #endif
     state[who] = kGreeting;
 }
@@ -69,7 +70,7 @@ inline LoseConnection(who) {
     fi;
 }
 
-/* The broker's hello: first, received, known in a, b, c. */
+/* The broker's introduction: first, received in a, b; with DELIVERIES_COUNTED_PER_BROKER whether it knows the client in c. */
 inline Open(who) {
     if
     :: who == RECEIVER ->
@@ -101,6 +102,7 @@ inline Open(who) {
     if
     :: who == SENDER ->
 #ifndef WITHOUT_SENDING_AGAIN
+        Expect(miscounted, b >= MESSAGES || (Below(b + 1) & ~done) != 0); /* not before the oldest that is not done */
         next = b
 #endif
     :: else
@@ -117,7 +119,7 @@ inline Take() {
     if
 #if !defined(WITHOUT_DEDUPLICATION) && !defined(ANONYMOUS)
     :: taken & Bit(b) ->
-#ifdef COPY_ACKNOWLEDGED_AT_ONCE
+#if defined(COPY_ACKNOWLEDGED_AT_ONCE) || defined(RECEIVER_IN_SENDER) /* here sender and receiver die together */
         toAcknowledge = toAcknowledge | Bit(a)
 #else
         if
@@ -183,7 +185,7 @@ inline SendNext() {
 #ifdef SKIP_IS_ACKNOWLEDGEMENT
         up[SENDER]!kAcknowledge, Bit(next), 0, 0
 #else
-        up[SENDER]!kSkip, next, next + 1, 0
+        up[SENDER]!kSkip, 1, 0, 0
 #endif
     :: else -> up[SENDER]!kMessage, next, 0, 0
     fi;
@@ -194,10 +196,14 @@ inline ReadDown(who) {
     down[who]?frame, a, b, c;
     printf("client %d reads %e %d %d %d\n", who, frame, a, b, c);
     if
-    :: frame == kHello -> Expect(disorder, state[who] == kGreeting); Open(who)
+    :: frame == kIntroduction -> Expect(disorder, state[who] == kGreeting); Open(who)
     :: frame == kAcknowledge ->
         Expect(disorder, who == SENDER && state[who] == kOpen);
+#if defined(RECEIVER_IN_SENDER) && !defined(SKIP_IS_ACKNOWLEDGEMENT) && !defined(DELIVERIES_COUNTED_PER_BROKER)
+        Expect(doneUnhandled, (a & ~taken) == 0);
+#else
         Expect(doneUnhandled, (a & ~everHandled) == 0);
+#endif
         done = done | a
     :: else -> Expect(disorder, frame == kDelivery && who == RECEIVER && state[who] == kOpen); Take()
     fi;

@@ -2,7 +2,7 @@
    broker, one receiver. `./test model` runs the variants of variants.txt.
 
    The names of the states are those of the code:
-   client         kConnecting, kGreeting (8 bytes and hello sent, the broker's hello awaited), kOpen, kUnreachable
+   client         kConnecting, kGreeting (introduced, the broker's introduction awaited), kOpen, kUnreachable
    broker's peer  kGreeting, kOpen, kAbsent (its connection broke; the life is kept for the grace time)
 
    What goes wrong, at any point: the broker is killed and started anew with a new life (MAX_DEATHS times at most); a connection
@@ -12,7 +12,7 @@
    Where the receiver lives:
    RECEIVER_IN_BROKER  in the broker's process, as the service: it dies with its broker, and its life with it
    RECEIVER_IN_SENDER  in the sender's process, as the host: one client on one connection, which outlives every broker
-   ANONYMOUS           as RECEIVER_IN_BROKER, but the sender sends no hello: at most once
+   ANONYMOUS           as RECEIVER_IN_BROKER, but the sender does not introduce itself: at most once
 
    What holds: nobody handles a message twice in one life; the messages of a route are handled in their order; a message is done
    only when it was handled; a number means one thing to both sides; and where nobody can do anything more, every message is
@@ -21,7 +21,7 @@
    The flaws that can be compiled in, as WITHOUT_DEDUPLICATION, must be found: variants.txt says what each leads to.
 
    Not in the model: withdrawals, farewells, refusals, addressed messages, questions (a client that closes a connection on
-   which nothing comes is a cut), dropping where queues are full. The 8 bytes stand with the hello behind them. */
+   which nothing comes is a cut), dropping where queues are full. The 8 bytes stand with the introduction behind them. */
 
 #ifndef MESSAGES
 #define MESSAGES 3
@@ -58,10 +58,10 @@
 #define BOTH_ROUTES 3
 
 mtype = {kConnecting, kGreeting, kOpen, kUnreachable, kAbsent, kNobody};
-mtype = {kHello, kAnnounce, kMessage, kSkip, kAcknowledge, kDelivery};
+mtype = {kIntroduction, kAnnounce, kMessage, kSkip, kAcknowledge, kDelivery};
 
-/* kHello up: first, received; down: first, received, known      kAnnounce: routes
-   kMessage: its number, which is not on the wire                kSkip: first, behind
+/* kIntroduction: first, received                                kAnnounce: routes
+   kMessage: its number, which is not on the wire                kSkip: how many
    kAcknowledge: the set of the numbers                          kDelivery: its number, the sender's message */
 chan up[CLIENTS] = [CAPACITY] of {mtype, short, byte, byte};
 chan down[CLIENTS] = [CAPACITY] of {mtype, short, byte, byte};
@@ -86,6 +86,7 @@ bool brokerLives = true;
 mtype peer[CLIENTS] = kNobody;    /* its end of a connection */
 mtype oldPeer[CLIENTS] = kNobody; /* its end of the connection that the client has left */
 mtype record[CLIENTS] = kNobody;  /* what it keeps of a life */
+bool isOfLatest[CLIENTS];         /* with the client's latest connection: it says which one each is */
 byte counted;                     /* messages of the sender, with those that were skipped */
 byte announced;                   /* routes of the receiver */
 byte waiting;                     /* set of messages that nobody has announced */
@@ -106,7 +107,7 @@ hidden byte handledTwice, outOfOrder, doneUnhandled, miscounted, neverHandled, n
 
 #ifdef DELIVERIES_COUNTED_PER_BROKER
 byte life = 1;
-byte known; /* receiver: life of the broker it last talked to */
+byte known; /* receiver: life of the broker that introduced itself last */
 #endif
 
 /* For one step. */
