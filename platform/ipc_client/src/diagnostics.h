@@ -23,16 +23,17 @@ void LogIfPossible(int level, const MakeLine& makeLine) noexcept {
 }
 
 // Lines about what other processes do at the broker: each process has a budget of its own, so that none can drown what
-// is said of the others. Any thread.
+// is said of the others. Those about `trusted`, the broker's own process, are all written. Any thread.
 class PeerLog {
 public:
-    explicit PeerLog(const base::LineBudget::Limits& limits = {}) : m_budget(limits, TellLeftOut) {}
+    explicit PeerLog(unsigned long trusted, const base::LineBudget::Limits& limits = {})
+        : m_trusted(trusted), m_budget(limits, TellLeftOut) {}
 
     // As LogIfPossible. A line beyond the budget of that process is not made, but counted.
     template <typename MakeLine>
     void Write(int level, unsigned long process, const MakeLine& makeLine) noexcept {
         try {
-            if (m_budget.Spend(std::to_string(process))) Log(level, makeLine());
+            if (process == m_trusted || m_budget.Spend(std::to_string(process))) Log(level, makeLine());
         } catch (const std::bad_alloc&) {
         }
     }
@@ -40,6 +41,7 @@ public:
 private:
     static void TellLeftOut(const std::string& process, std::size_t count) noexcept;
 
+    const unsigned long m_trusted;
     base::LineBudget m_budget;
 };
 

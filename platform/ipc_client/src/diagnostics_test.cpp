@@ -15,7 +15,8 @@ protected:
         }
     }
 
-    std::optional<PeerLog> m_log{std::in_place, base::LineBudget::Limits{.lines = 10, .subjects = 2}};
+    static constexpr unsigned long kOwn = 1000;
+    std::optional<PeerLog> m_log{std::in_place, kOwn, base::LineBudget::Limits{.lines = 10, .subjects = 2}};
 };
 
 TEST_F(PeerLogTest, AProcessThatCausesMoreLinesThanItHasDrownsNobodys) {
@@ -33,6 +34,11 @@ TEST_F(PeerLogTest, ProcessesBeyondCountingAreToldTogether) {
     EXPECT_EQ(CountLogged("a line about"), 12);
     m_log.reset();
     EXPECT_EQ(CountLogged("broker: 10 lines about many other processes were left out"), 1);
+}
+
+TEST_F(PeerLogTest, AllLinesAboutTheBrokersOwnProcessAreWritten) {
+    Write(kOwn, 100);
+    EXPECT_EQ(CountLogged("a line about"), 100);
 }
 
 TEST_F(PeerLogTest, ALineForWhichThereIsNoMemoryIsDropped) {

@@ -33,6 +33,11 @@ bool ForeignPeer::IsClosedByPeer() {
     return NextAnswer() == "closed";
 }
 
+bool ForeignPeer::Visit(std::size_t count) {
+    m_process.Write("visit " + std::to_string(count) + "\n");
+    return NextAnswer() == "visited";
+}
+
 // Its end may not have come yet, so the last line counts when its end has.
 std::string ForeignPeer::NextAnswer() {
     const std::size_t number = m_answers++;

@@ -24,6 +24,9 @@ public:
     // Reads on until the other side closes; false when it does not in time.
     bool IsClosedByPeer();
 
+    // Connects so often for a moment more; false when that does not end in time.
+    bool Visit(std::size_t count);
+
     int Process() const { return m_process.Id(); }
     void Kill() { m_process.Kill(); }
 

@@ -2,8 +2,10 @@
 // each, and answers each with a line. Bytes are written as hexadecimal digits.
 //
 //     write COUNT BYTES   writes the bytes so often                "written", or "closed" when the other side has
-//     closed read COUNT          reads so many bytes                      the bytes, fewer when the other side closed
+//                                                                  closed
+//     read COUNT          reads so many bytes                      the bytes, fewer when the other side closed
 //     end                 waits until the other side closes        "closed", or "open" when it does not in time
+//     visit COUNT         connects so often for a moment more      "visited"
 
 #include <iostream>
 #include <sstream>
@@ -14,7 +16,8 @@
 #include "ipc/pipe_test.h"
 
 int main(int, char** argv) {
-    ipc_test::RawPeer peer(base::PathFromUtf8(argv[1]));
+    const std::filesystem::path path = base::PathFromUtf8(argv[1]);
+    ipc_test::RawPeer peer(path);
     for (std::string line; std::getline(std::cin, line);) {
         std::istringstream words(line);
         std::string what, bytes;
@@ -24,6 +27,9 @@ int main(int, char** argv) {
             std::cout << "read " << ipc_test::Hexadecimal(peer.Read(count)) << std::endl;
         } else if (what == "end") {
             std::cout << (peer.IsClosedByPeer() ? "closed" : "open") << std::endl;
+        } else if (what == "visit") {
+            for (std::size_t i = 0; i < count; ++i) ipc_test::RawPeer(path).Read(1);
+            std::cout << "visited" << std::endl;
         } else {
             bool written = true;
             const std::string unit = ipc_test::BytesOf(bytes);

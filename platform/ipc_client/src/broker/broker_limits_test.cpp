@@ -173,5 +173,23 @@ TEST_F(BrokerLimits, APeerThatClosesBeforeItHasReadIsHeard) {
     EXPECT_EQ(requests.WaitFor(kPeers).size(), kPeers);
 }
 
+class LinesOfTheLogTest : public PipeTest {};
+
+TEST_F(LinesOfTheLogTest, AProcessThatComesAndGoesWithoutEndMakesNoLinesWithoutEnd) {
+    std::string process;
+    {
+        IPCBroker broker(kPipe);
+        broker.Start();
+        ForeignPeer loud(SocketPath()), quiet(SocketPath());
+        process = "process " + std::to_string(loud.Process());
+        ASSERT_TRUE(loud.Visit(100));
+        EXPECT_LE(CountLogged("(" + process + ")"), 60);
+        EXPECT_TRUE(quiet.Write("wrong"));
+        EXPECT_TRUE(quiet.IsClosedByPeer());
+        EXPECT_TRUE(Logged("(process " + std::to_string(quiet.Process()) + ") closed: "));
+    }
+    EXPECT_TRUE(Logged(" lines about " + process + " were left out"));
+}
+
 }  // namespace
 }  // namespace ipc_test

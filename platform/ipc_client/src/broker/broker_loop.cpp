@@ -19,7 +19,13 @@ constexpr std::chrono::milliseconds kLookAfter{1000};  // between two looks at t
 }  // namespace
 
 BrokerLoop::BrokerLoop(asio::io_context& io, const std::filesystem::path& path, const IPCBrokerLimits& limits)
-    : m_io(io), m_limits(limits), m_life(NewLife()), m_listener(io, path), m_acceptAgain(io), m_pending(limits) {}
+    : m_io(io),
+      m_limits(limits),
+      m_life(NewLife()),
+      m_lines(OwnProcess()),
+      m_listener(io, path),
+      m_acceptAgain(io),
+      m_pending(limits) {}
 
 void BrokerLoop::Recover() {
     Accept();
@@ -75,10 +81,12 @@ void BrokerLoop::Open(PipeSocket socket) {
 }
 
 void BrokerLoop::Refuse(PipeSocket& socket, const std::string& why) {
-    if (IsWorthALine(++m_refused)) {
-        Log(kIpcLogEvent, "broker: a connection of process " + std::to_string(PeerProcess(socket)) +
-                              " was refused: " + why + " (" + std::to_string(m_refused) + " so far)");
-    }
+    ++m_refused;
+    const unsigned long process = PeerProcess(socket);
+    m_lines.Write(kIpcLogEvent, process, [&] {
+        return "broker: a connection of process " + std::to_string(process) + " was refused: " + why + " (" +
+               std::to_string(m_refused) + " so far)";
+    });
     std::string frames;
     AppendHello(frames);
     AppendRefusal(frames, RefusalCode::kLimit, why);
@@ -296,7 +304,7 @@ void BrokerLoop::Forget(BrokerPeer& peer) {
         ++lost;
     });
     if (lost != 0) {
-        LogIfPossible(kIpcLogEvent,
+        m_lines.Write(kIpcLogEvent, peer.Identity().process,
                       [&] { return peer.Name() + " has gone: " + std::to_string(lost) + " messages for it are lost"; });
     }
     if (peer.IsNamed()) m_lives.erase(peer.Identity().life);

@@ -15,6 +15,7 @@
 #include "broker/broker_peer.h"
 #include "broker/broker_session.h"
 #include "broker/pending_messages.h"
+#include "diagnostics.h"
 #include "ipc_client/ipc_broker.h"
 #include "pipe/pipe_transport.h"
 #include "wire/frame.h"
@@ -51,6 +52,8 @@ public:
     void BatchEnded(BrokerSession& session);  // after each batch of frames
     void Written(BrokerSession& session);
     void Ended(BrokerSession& session);  // its last call; destroys the session
+
+    PeerLog& Lines() { return m_lines; }  // about what other processes do
 
 private:
     // Connections.
@@ -102,6 +105,7 @@ private:
     asio::io_context& m_io;
     const IPCBrokerLimits m_limits;
     const IpcLife m_life;
+    PeerLog m_lines;
     PipeListener m_listener;
     asio::steady_timer m_acceptAgain;
     bool m_isAccepting = false;

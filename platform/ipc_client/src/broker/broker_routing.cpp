@@ -38,7 +38,7 @@ void BrokerLoop::Dispatch(BrokerPeer& sender, Route route, std::string_view mess
     try {
         send(origin);
     } catch (const std::bad_alloc&) {
-        LogIfPossible(kIpcLogEvent, [&] {
+        m_lines.Write(kIpcLogEvent, sender.Identity().process, [&] {
             return sender.Name() + ": no memory, lost " + Describe(route) + " of " +
                    std::to_string(messageBody.size()) + " bytes";
         });
@@ -84,9 +84,10 @@ void BrokerLoop::Keep(BrokerPeer& sender, Route route, const Origin& origin, std
     for (const PendingMessages::Dropped& message : dropped) {
         Done(message.origin);
         if (!IsWorthALine(message.soFar)) continue;
-        Log(kIpcLogEvent, "broker: nobody takes " + Describe(message.route) +
-                              ", its sender's queue is full: the oldest dropped (" + std::to_string(message.soFar) +
-                              " so far)");
+        m_lines.Write(kIpcLogEvent, message.origin.stamp.sender.process, [&] {
+            return "broker: nobody takes " + Describe(message.route) +
+                   ", its sender's queue is full: the oldest dropped (" + std::to_string(message.soFar) + " so far)";
+        });
     }
 }
 

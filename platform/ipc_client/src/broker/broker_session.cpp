@@ -36,7 +36,7 @@ void BrokerSession::Flush() {
 
 void BrokerSession::Opened() {
     m_channel->HandshakeEnded();
-    Log(kIpcLogDetail, m_name + " opened");
+    m_broker.Lines().Write(kIpcLogDetail, m_process, [&] { return m_name + " opened"; });
 }
 
 void BrokerSession::FrameArrived(const FrameView& frame) {
@@ -71,7 +71,7 @@ void BrokerSession::BatchEnded() { m_broker.BatchEnded(*this); }
 void BrokerSession::Written() { m_broker.Written(*this); }
 
 void BrokerSession::Closed(std::string_view reason, int level) {
-    LogIfPossible(level, [&] { return m_name + " closed: " + std::string(reason); });
+    m_broker.Lines().Write(level, m_process, [&] { return m_name + " closed: " + std::string(reason); });
     m_broker.Ended(*this);
 }
 
