@@ -13,19 +13,13 @@
 #include <vector>
 
 #include "broker/broker_session.h"
+#include "broker/origin.h"
 #include "ipc_client/ipc_sender.h"
 #include "wire/frame.h"
 #include "wire/kept_frames.h"
 #include "wire/outstanding.h"
 
 namespace ipc_client {
-
-// Where a message comes from that is on its way to somebody.
-struct Origin {
-    unsigned peer = 0;       // its number; 0: the broker itself
-    bool isCharged = false;  // against what its sender may have on its way
-    Stamp stamp;
-};
 
 // Somebody that the broker knows: what it listens to, what is on its way to it, and what it has sent that others have
 // not handled. One that has introduced itself outlives its connections, for a while. Broker thread only.

@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "broker/broker_peer.h"
+#include "broker/origin.h"
 #include "ipc_client/ipc_broker.h"
 #include "wire/frame.h"
 
