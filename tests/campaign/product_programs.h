@@ -55,6 +55,7 @@ public:
 
     std::string Transcript() const { return m_process.Output().Text(); }
     std::string Log() const { return m_process.Errors().Text(); }
+    void Kill() { m_process.Kill(); }
     void End(Tally& tally);  // leaves the page; it must end well
 
 private:

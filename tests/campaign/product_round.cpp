@@ -4,7 +4,9 @@
 #include <array>
 #include <atomic>
 #include <fstream>
+#include <functional>
 #include <optional>
+#include <set>
 #include <sstream>
 
 #include "base/file.h"
@@ -21,6 +23,7 @@ using test_support::WaitUntil;
 namespace {
 
 constexpr char kSocket[] = "iKorvelAssistant.sock";
+constexpr std::size_t kRowHeight = 77;       // [design px] as the page first reports it
 constexpr std::chrono::minutes kLongest{3};  // of a tour
 
 class Tour {
@@ -40,12 +43,9 @@ public:
         if (serviceFirst) m_service.Start();
         m_host.emplace(m_options.folder);
         if (!serviceFirst) m_service.Start();
-        if (m_host->Play("wait height " + std::to_string(77 * m_keys.size()) +
-                         " within 20\nwait shown accessoriesView\n" + "wait hidden " + m_keys.back() + "devInfo")) {
+        if (SeesItsRows()) {
             ActAtRandom();
             FollowToTheEnd();
-        } else {
-            m_tally.Find(Wrong::kStuck, "the list does not come");
         }
         Judge();
         m_host->End(m_tally);
@@ -67,28 +67,60 @@ private:
             options.insert(options.end(), {"--fail", m_keys[0] + ":" + std::to_string(m_random.Between(1, 99))});
         }
         m_service.SetOptions(options);
+        m_idle.insert(m_keys.begin(), m_keys.end());
     }
 
-    // What a person does, and what befalls the service meanwhile, in any order.
+    // Waits until the page has all rows whose updates have not begun, and as many others as its height says.
+    bool SeesItsRows() {
+        const bool isThere = WaitUntil(
+            [&] {
+                m_rows.clear();
+                for (const std::string& key : m_keys) {
+                    if (m_host->Holds("shown " + key + "hor")) m_rows.push_back(key);
+                }
+                const auto isOffered = [&](const std::string& key) {
+                    return m_host->Holds("shown " + key + "updateBtn");
+                };
+                return std::all_of(m_idle.begin(), m_idle.end(), isOffered) &&
+                       m_host->Holds("height " + std::to_string(kRowHeight * m_rows.size())) &&
+                       m_host->Holds("shown accessoriesView");
+            },
+            std::max(m_options.patience, std::chrono::milliseconds(10'000)));
+        if (!isThere) m_tally.Find(Wrong::kStuck, "the list does not come");
+        return isThere;
+    }
+
+    // What a person does, and what befalls the processes meanwhile, in any order.
     void ActAtRandom() {
-        std::vector<std::string> acts;
-        for (const std::string& key : m_keys) acts.push_back("click " + key + "updateBtn");
-        for (int i = m_random.Between(0, 3); i > 0; --i) acts.emplace_back("pause");
-        for (int i = m_options.calm ? 0 : m_random.Between(0, 2); i > 0; --i) acts.emplace_back("blow");
+        std::vector<std::function<void()>> acts;
+        for (const std::string& key : m_keys) acts.emplace_back([this, key] { Begin(key); });
+        for (int i = m_random.Between(0, 3); i > 0; --i) acts.emplace_back([this] { PauseOne(); });
+        for (int i = m_options.calm ? 0 : m_random.Between(0, 2); i > 0; --i)
+            acts.emplace_back([this] { EndService(); });
+        if (!m_options.calm && m_random.Chance(25)) acts.emplace_back([this] { KillHost(); });
         for (std::size_t i = acts.size(); i > 1; --i) {
             std::swap(acts[i - 1], acts[static_cast<std::size_t>(m_random.Between(0, static_cast<int>(i) - 1))]);
         }
-        for (const std::string& act : acts) {
-            if (act == "blow") {
-                EndService();
-            } else if (act == "pause") {
-                PauseOne();
-            } else {
-                m_host->Play(act);
-            }
-        }
+        for (const auto& act : acts) act();
         if (!m_serves) m_service.Start();
         m_serves = true;
+    }
+
+    void Begin(const std::string& key) {
+        m_host->Play("click " + key + "updateBtn");
+        m_idle.erase(key);
+    }
+
+    // The next host's page lists what is not installed yet; the person starts again what was started before.
+    void KillHost() {
+        if (!m_serves || m_idle.empty()) return;
+        ++m_tally[Fault::kPageKilled];
+        m_host->Kill();
+        m_host.emplace(m_options.folder);
+        if (!SeesItsRows()) return;
+        for (const std::string& key : m_rows) {
+            if (!m_idle.contains(key) && m_host->Holds("shown " + key + "updateBtn")) Begin(key);
+        }
     }
 
     // Once it has come so far; it may have ended before, or not have begun.
@@ -125,7 +157,7 @@ private:
         const bool ended = WaitUntil(
             [&] {
                 if (m_host->Play("wait nothing-left within 0")) return true;
-                for (const std::string& key : m_keys) {
+                for (const std::string& key : m_rows) {
                     if (m_host->Holds("hidden " + key + "hor")) continue;
                     if (IsPaused(key) || m_host->Holds("text " + key + "progress \"Try again\"")) {
                         m_host->Play("click " + key + "stopBtn");
@@ -147,10 +179,12 @@ private:
                 m_tally.Find(Wrong::kStuck, "the host does not hear: " + condition);
             }
         }
+        for (const std::string& key : m_rows) {
+            if (!m_host->Holds("hidden " + key + "hor")) m_tally.Find(Wrong::kStuck, "the row of " + key);
+        }
         const std::vector<std::string> installed = m_service.Installed();
         const nlohmann::json state = m_service.State();
         for (const std::string& key : m_keys) {
-            if (!m_host->Holds("hidden " + key + "hor")) m_tally.Find(Wrong::kStuck, "the row of " + key);
             const auto times = std::count(installed.begin(), installed.end(), key);
             if (times == 0) m_tally.Find(Wrong::kLost, "the installation of " + key);
             if (times > 1 && !m_mayRepeat) m_tally.Find(Wrong::kTwice, "the installation of " + key);
@@ -212,6 +246,8 @@ private:
     Service m_service;
     std::optional<Host> m_host;
     std::vector<std::string> m_keys;  // of the devices
+    std::set<std::string> m_idle;     // those that nobody has started
+    std::vector<std::string> m_rows;  // those that the host's page lists
     bool m_serves = true;
     bool m_mayRepeat = false;  // an installer that was interrupted is called again
     Tally m_tally;
