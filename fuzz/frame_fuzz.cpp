@@ -42,7 +42,7 @@ void AppendAddressedAgain(std::string& out, std::string_view body) {
     TagIPCMessageItem item = HeaderOf(message);
     item.data = data.data();
     item.dataLen = static_cast<std::int32_t>(data.size());
-    AppendAddressed(out, addressed.lives, item);
+    AppendAddressed(out, addressed.lives, addressed.event, item);
 }
 
 // What a frame says is written again to the same bytes. False for those that may say it in several ways, or nothing.

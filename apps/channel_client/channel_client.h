@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
+#include <span>
 #include <type_traits>
 
 #include "channel/messages.h"
@@ -15,21 +18,46 @@ enum class PostResult {
     kMemoryExhausted,  // nothing was posted
 };
 
+// To whom a message goes that waits for nobody, and what it tells of (IPCMessageClient::PostTo).
+struct Addressees {
+    std::span<const IpcLife> lives;
+    std::uint64_t event = 0;
+};
+
+namespace internal {
+
+template <class Payload, class PostItem>
+PostResult Post(std::int32_t sourceEndpoint, std::int32_t destId, std::int32_t msgId, const Payload& payload,
+                const PostItem& postItem) {
+    const std::optional<channel::Bytes> bytes = channel::Encode(payload);
+    if (!bytes) return PostResult::kMemoryExhausted;
+    TagIPCMessageItem item;
+    item.destId = destId;
+    item.sourceId = sourceEndpoint;
+    item.msgId = msgId;
+    item.data = bytes->Data();
+    item.dataLen = bytes->Size();
+    return postItem(item) ? PostResult::kPosted : PostResult::kRefused;
+}
+
+}  // namespace internal
+
 // Posts one message from `sourceEndpoint`. Any thread; never waits for the other side.
 //
 //     Post(client, IPC_ENDPOINT_UPDATE_SERVICE, channel::to_page::IPC_MSG_PKG_FINISH, {"pen"});
 template <channel::Direction direction, class Payload>
 PostResult Post(IPCMessageClient& client, std::int32_t sourceEndpoint,
                 const channel::Message<direction, Payload>& message, const std::type_identity_t<Payload>& payload) {
-    const std::optional<channel::Bytes> bytes = channel::Encode(payload);
-    if (!bytes) return PostResult::kMemoryExhausted;
-    TagIPCMessageItem item;
-    item.destId = message.endpoint;
-    item.sourceId = sourceEndpoint;
-    item.msgId = message.id;
-    item.data = bytes->Data();
-    item.dataLen = bytes->Size();
-    return client.PostIPCMessage(item) ? PostResult::kPosted : PostResult::kRefused;
+    return internal::Post(sourceEndpoint, message.endpoint, message.id, payload,
+                          [&](const TagIPCMessageItem& item) { return client.PostIPCMessage(item); });
+}
+
+// As Post, to those of the addressees who are there. From the service's process only.
+template <channel::Direction direction, class Payload>
+PostResult PostTo(IPCMessageClient& client, const Addressees& to, std::int32_t sourceEndpoint,
+                  const channel::Message<direction, Payload>& message, const std::type_identity_t<Payload>& payload) {
+    return internal::Post(sourceEndpoint, message.endpoint, message.id, payload,
+                          [&](const TagIPCMessageItem& item) { return client.PostTo(to.lives, item, to.event); });
 }
 
 // The bytes of a message that was received.

@@ -29,24 +29,29 @@ IpcPageLink::IpcPageLink(IPCMessageClient& client, Log log)
           m_log(LOG_LEVEL_EVENT, std::to_string(leftOut) + " lines about " + message + " were left out");
       }) {}
 
-void IpcPageLink::SendList(const std::vector<Accessory>& accessories) {
+void IpcPageLink::SendList(const IpcLife& page, const std::vector<Accessory>& accessories) {
     channel::AccessoryList list;
     for (const Accessory& accessory : accessories) list.push_back(RecordOf(accessory));
-    Post(channel::to_page::IPC_MSG_ALL_UPDATE_DATA, list);
+    Post({page}, 0, channel::to_page::IPC_MSG_ALL_UPDATE_DATA, list);
 }
 
-void IpcPageLink::SendProgress(const std::string& deviceKey, int percent) {
-    Post(channel::to_page::IPC_MSG_DOWNLOAD_PROCESS, {AnsiFromUtf8(deviceKey), percent});
+void IpcPageLink::SendProgress(const Pages& pages, const std::string& deviceKey, int percent) {
+    Post(pages, 0, channel::to_page::IPC_MSG_DOWNLOAD_PROCESS, {AnsiFromUtf8(deviceKey), percent});
 }
 
-void IpcPageLink::Send(const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey) {
-    Post(message, {AnsiFromUtf8(deviceKey)});
+void IpcPageLink::Send(const Pages& pages, const channel::ToPage<channel::DeviceKey>& message,
+                       const std::string& deviceKey, std::uint64_t event) {
+    Post(pages, event, message, {AnsiFromUtf8(deviceKey)});
 }
 
 template <class Payload>
-void IpcPageLink::Post(const channel::ToPage<Payload>& message, const std::type_identity_t<Payload>& payload) {
+void IpcPageLink::Post(const Pages& pages, std::uint64_t event, const channel::ToPage<Payload>& message,
+                       const std::type_identity_t<Payload>& payload) {
     using channel_client::PostResult;
-    const PostResult result = channel_client::Post(m_client, IPC_ENDPOINT_UPDATE_SERVICE, message, payload);
+    if (pages.empty()) return;  // to no page would be to every one
+    const channel_client::Addressees addressees{pages, event};
+    const PostResult result =
+        channel_client::PostTo(m_client, addressees, IPC_ENDPOINT_UPDATE_SERVICE, message, payload);
     if (result == PostResult::kPosted) return;
     const std::string name = "message " + std::to_string(message.id);
     if (!m_lines.Spend(name)) return;
@@ -57,12 +62,18 @@ void IpcPageLink::Post(const channel::ToPage<Payload>& message, const std::type_
 void ReceiveRequests(IPCMessageClient& client, PageRequests& requests) {
     namespace from_page = channel::from_page;
     const auto keyOf = [](const channel::DeviceKey& payload) { return Utf8FromAnsi(payload.key); };
+    const auto page = [] { return CurrentIpcSender().life; };
+    client.RegisterMessageCallback(kIpcPeerLeft, [=, &requests](TagIPCMessageItem&) { requests.OnLeft(page()); });
     channel_client::Listen(client, from_page::IPC_MSG_DOWNLOAD_START,
-                           [=, &requests](const auto& payload) { requests.OnStart(keyOf(payload)); });
+                           [=, &requests](const auto& payload) { requests.OnStart(page(), keyOf(payload)); });
     channel_client::Listen(client, from_page::IPC_MSG_DOWNLOAD_PAUSE,
-                           [=, &requests](const auto& payload) { requests.OnPause(keyOf(payload)); });
+                           [=, &requests](const auto& payload) { requests.OnPause(page(), keyOf(payload)); });
     channel_client::Listen(client, from_page::IPC_MSG_ALL_UPDATE_DATA,
-                           [&requests](const auto&) { requests.OnReady(); });
+                           [=, &requests](const auto&) { requests.OnReady(page()); });
+    client.RegisterMessageCallback(kIpcPeerArrived, [=, &requests](TagIPCMessageItem& item) {
+        const bool mayHaveMissed = item.dataLen == 1 && *item.data != 0;
+        if (mayHaveMissed) requests.OnReturned(page());
+    });
 }
 
 }  // namespace update_service

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <future>
+
 #include "ipc_client/ipc_broker.h"
 #include "kernel/code_pages.h"
 #include "nothrow_failure.h"
@@ -18,16 +20,27 @@ using testing::ElementsAre;
 
 class RecordingRequests final : public PageRequests {
 public:
-    void OnReady() override { asked.Add("ready"); }
-    void OnStart(const std::string& deviceKey) override { asked.Add("start " + deviceKey); }
-    void OnPause(const std::string& deviceKey) override { asked.Add("pause " + deviceKey); }
+    void OnReady(const IpcLife&) override { asked.Add("ready"); }
+    void OnStart(const IpcLife&, const std::string& deviceKey) override { asked.Add("start " + deviceKey); }
+    void OnPause(const IpcLife&, const std::string& deviceKey) override { asked.Add("pause " + deviceKey); }
+    void OnReturned(const IpcLife&) override { asked.Add("returned"); }
+    void OnLeft(const IpcLife&) override { asked.Add("left"); }
 
     Record asked;
 };
 
 class PageLinkOverThePipe : public testing::Test {
 protected:
-    PageLinkOverThePipe() { m_broker.Start(); }
+    PageLinkOverThePipe() {
+        m_broker.Start();
+        // Once it has asked, it is there.
+        m_client.RegisterMessageCallback(from_page::IPC_MSG_ALL_UPDATE_DATA.id, [this](TagIPCMessageItem&) {
+            m_thePage.set_value({CurrentIpcSender().life});
+        });
+        m_page.Ready();
+        m_pages = m_thePage.get_future().get();
+        m_client.UnRegisterMessageCallbackAll();
+    }
     ~PageLinkOverThePipe() override { kernel::SetAnsiCodePage(kernel::kCodePageUtf8); }
 
     // The messages, once that many have come.
@@ -40,15 +53,17 @@ protected:
     IPCBroker m_broker{IPC_PIPE_ASSISTANT};
     PipePage m_page;
     IPCMessageClient m_client{IPC_ENDPOINT_UPDATE_SERVICE, true, false, IPC_PIPE_ASSISTANT};
+    std::promise<Pages> m_thePage;
+    Pages m_pages;
     Record m_log;
     IpcPageLink m_link{m_client, Log([this](LOG_MESSAGE_LEVEL, const std::string& line) { m_log.Add(line); })};
 };
 
 TEST_F(PageLinkOverThePipe, MessagesHaveTheBytesOfTheProtocol) {
-    m_link.SendProgress("AB", 37);
-    m_link.Send(to_page::IPC_MSG_PKG_FINISH, "AB");
-    m_link.Send(to_page::IPC_MSG_PKG_FAIL, "");
-    m_link.SendList({});
+    m_link.SendProgress(m_pages, "AB", 37);
+    m_link.Send(m_pages, to_page::IPC_MSG_PKG_FINISH, "AB", 0);
+    m_link.Send(m_pages, to_page::IPC_MSG_PKG_FAIL, "", 0);
+    m_link.SendList(m_pages.at(0), {});
     // Messages of one client arrive in their order.
     const auto messages = Messages(4);
     EXPECT_EQ(messages[0].msgId, to_page::IPC_MSG_DOWNLOAD_PROCESS.id);
@@ -72,7 +87,7 @@ TEST_F(PageLinkOverThePipe, TheListCarriesEveryField) {
     pen.isDriver = true;
     Accessory dock;
     dock.deviceKey = "dock";
-    m_link.SendList({pen, dock});
+    m_link.SendList(m_pages.at(0), {pen, dock});
     const auto list = channel::Decode<std::vector<AccessoryVersionDataInfo>>(Messages(1)[0].data);
     ASSERT_EQ(list.size(), 2u);
     EXPECT_EQ(list[0].deviceKey, "pen");
@@ -92,7 +107,7 @@ TEST_F(PageLinkOverThePipe, ALongListArrivesWhole) {
         accessories[i].deviceKey = std::to_string(i);
         accessories[i].description.assign(3, std::string(40, 'd'));
     }
-    m_link.SendList(accessories);
+    m_link.SendList(m_pages.at(0), accessories);
     const auto list = channel::Decode<std::vector<AccessoryVersionDataInfo>>(Messages(1)[0].data);
     ASSERT_EQ(list.size(), accessories.size());
     EXPECT_EQ(list.back().deviceKey, "999");
@@ -102,17 +117,17 @@ TEST_F(PageLinkOverThePipe, ALongListArrivesWhole) {
 TEST_F(PageLinkOverThePipe, ARecordThatFindsNoMemoryIsNotSent) {
     {
         const NothrowFailure failure(1);
-        m_link.SendProgress("AB", 37);
+        m_link.SendProgress(m_pages, "AB", 37);
         EXPECT_TRUE(failure.Happened());
     }
     {
         const NothrowFailure failure(1);
-        m_link.SendList({});
+        m_link.SendList(m_pages.at(0), {});
         EXPECT_TRUE(failure.Happened());
     }
     EXPECT_THAT(m_log.Lines(), ElementsAre("message 11665443 is not sent: memory is exhausted",
                                            "message 11665447 is not sent: memory is exhausted"));
-    m_link.Send(to_page::IPC_MSG_PKG_FINISH, "AB");
+    m_link.Send(m_pages, to_page::IPC_MSG_PKG_FINISH, "AB", 0);
     EXPECT_EQ(Messages(1)[0].msgId, to_page::IPC_MSG_PKG_FINISH.id);
 }
 
@@ -120,8 +135,8 @@ TEST_F(PageLinkOverThePipe, KeysTravelInTheAnsiCodePage) {
     if (!kernel::SetAnsiCodePage(1252)) GTEST_SKIP() << "this system has another page";
     RecordingRequests requests;
     ReceiveRequests(m_client, requests);
-    m_link.Send(to_page::IPC_MSG_PKG_FINISH, "\xC3\xA9");
-    m_link.SendProgress("\xC3\xA9", 1);
+    m_link.Send(m_pages, to_page::IPC_MSG_PKG_FINISH, "\xC3\xA9", 0);
+    m_link.SendProgress(m_pages, "\xC3\xA9", 1);
     const auto messages = Messages(2);
     EXPECT_EQ(messages[0].data, "\xE9\0"s);
     EXPECT_EQ(channel::Decode<PkgDownloadProcess>(messages[1].data).deviceKey, "\xE9");

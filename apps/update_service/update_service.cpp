@@ -1,5 +1,6 @@
 #include "update_service.h"
 
+#include <random>
 #include <system_error>
 
 #include "base/reason.h"
@@ -17,6 +18,16 @@ std::string Shown(const std::string& deviceKey) {
 // Subjects of lines.
 constexpr char kRequests[] = "requests for ";
 constexpr char kUnknown[] = "requests for accessories that the catalogue does not have";
+
+}  // namespace
+
+namespace {
+
+// What no other end or failure has been called.
+std::uint64_t NewEvent() {
+    std::random_device random;
+    return (static_cast<std::uint64_t>(random()) << 32 | random()) | 1;
+}
 
 }  // namespace
 
@@ -52,6 +63,7 @@ void UpdateService::ReadDevices() {
         if (remembered == state.end()) continue;
         if (remembered->second.sha256 == device.accessory->sha256) {
             device.phase = remembered->second.phase;
+            device.event = remembered->second.event;
         } else {
             RemoveWorkFiles(WorkFilesOf(m_options.workFolder, key));
             WriteLog(LOG_LEVEL_EVENT, device, "the catalogue has another package now");
@@ -68,40 +80,89 @@ void UpdateService::Resume() {
     }
 }
 
-void UpdateService::OnReady() {
+void UpdateService::OnReady(const IpcLife& page) {
     std::vector<Accessory> list;
     {
         const base::MutexLock lock(m_mutex);
+        std::set<std::string>& keys = m_lists[page];
         for (const Accessory& accessory : m_catalogue.accessories) {
-            if (m_devices.at(accessory.deviceKey).phase != Phase::kInstalled) list.push_back(accessory);
+            if (m_devices.at(accessory.deviceKey).phase == Phase::kInstalled) continue;
+            list.push_back(accessory);
+            keys.insert(accessory.deviceKey);
         }
     }
     LogWithin("requests for the list", LOG_LEVEL_DETAIL,
               "a page is ready: " + std::to_string(list.size()) + " accessories");
-    m_page.SendList(list);
+    m_page.SendList(page, list);
 }
 
-void UpdateService::OnStart(const std::string& deviceKey) {
+// Nobody knows what its list has, and how much of what became of it has reached it: it is told of everything.
+void UpdateService::OnReturned(const IpcLife& page) {
+    const base::MutexLock lock(m_mutex);
+    std::set<std::string>& keys = m_lists[page];
+    for (const auto& [key, device] : m_devices) {
+        keys.insert(key);
+        SendState(page, device);
+    }
+    LogWithin("pages that come back", LOG_LEVEL_DETAIL, "a page has come back, and is told how its devices are");
+}
+
+void UpdateService::OnLeft(const IpcLife& page) {
+    const base::MutexLock lock(m_mutex);
+    m_lists.erase(page);
+}
+
+void UpdateService::SendState(const IpcLife& page, const Device& device) {
+    switch (device.phase) {
+        case Phase::kDownloading:
+        case Phase::kInstalling:
+            if (device.percent) m_page.SendProgress({page}, device.accessory->deviceKey, *device.percent);
+            return;
+        case Phase::kInstalled:
+        case Phase::kFailed:
+            return SendEnd({page}, device);
+        case Phase::kIdle:
+        case Phase::kPaused:
+            return;  // as the page has it
+    }
+}
+
+void UpdateService::SendEnd(const Pages& pages, const Device& device) {
+    const bool isGood = device.phase == Phase::kInstalled;
+    m_page.Send(pages, isGood ? channel::to_page::IPC_MSG_PKG_FINISH : channel::to_page::IPC_MSG_PKG_FAIL,
+                device.accessory->deviceKey, device.event);
+}
+
+Pages UpdateService::PagesThatList(const std::string& deviceKey) const {
+    Pages pages;
+    for (const auto& [page, keys] : m_lists) {
+        if (keys.contains(deviceKey)) pages.push_back(page);
+    }
+    return pages;
+}
+
+void UpdateService::OnStart(const IpcLife& page, const std::string& deviceKey) {
     Device* const device = FindDevice(deviceKey);
     if (!device) {
         LogWithin(kUnknown, LOG_LEVEL_EVENT, Shown(deviceKey) + ": start refused: the catalogue does not have it");
-        m_page.Send(channel::to_page::IPC_MSG_PKG_FAIL, deviceKey);
+        m_page.Send({page}, channel::to_page::IPC_MSG_PKG_FAIL, deviceKey, 0);
         return;
     }
-    if (!AnswerStart(*device)) Launch(*device);
+    if (!AnswerStart(page, *device)) Launch(*device);
 }
 
-bool UpdateService::AnswerStart(Device& device) {
+bool UpdateService::AnswerStart(const IpcLife& page, Device& device) {
     const base::MutexLock lock(m_mutex);
+    m_lists[page].insert(device.accessory->deviceKey);
     switch (device.phase) {
         case Phase::kDownloading:
         case Phase::kInstalling:
             LogRequest(LOG_LEVEL_DETAIL, device, "runs already");
-            m_page.SendProgress(device.accessory->deviceKey, device.percent);
+            SendState(page, device);
             return true;
         case Phase::kInstalled:
             LogRequest(LOG_LEVEL_DETAIL, device, "is installed already");
-            m_page.Send(channel::to_page::IPC_MSG_PKG_FINISH, device.accessory->deviceKey);
+            SendState(page, device);
             return true;
         case Phase::kIdle:
         case Phase::kPaused:
@@ -111,20 +172,21 @@ bool UpdateService::AnswerStart(Device& device) {
     return false;
 }
 
-void UpdateService::OnPause(const std::string& deviceKey) {
+void UpdateService::OnPause(const IpcLife& page, const std::string& deviceKey) {
     Device* const device = FindDevice(deviceKey);
     if (!device) {
         LogWithin(kUnknown, LOG_LEVEL_EVENT, Shown(deviceKey) + ": pause ignored: the catalogue does not have it");
         return;
     }
     const base::MutexLock lock(m_mutex);
+    m_lists[page].insert(deviceKey);
     if (device->phase != Phase::kDownloading) {
         LogRequest(LOG_LEVEL_EVENT, *device, std::string("pause ignored: it is ") + NameOf(device->phase));
         return;
     }
     SetPhase(*device, Phase::kPaused);
     device->worker.request_stop();
-    LogRequest(LOG_LEVEL_DETAIL, *device, "paused at " + std::to_string(device->percent) + " percent");
+    LogRequest(LOG_LEVEL_DETAIL, *device, "paused at " + std::to_string(device->percent.value_or(0)) + " percent");
 }
 
 void UpdateService::Stop() {
@@ -161,9 +223,10 @@ std::string UpdateService::FromWhere(const Device& device) const {
 
 void UpdateService::SetPhase(Device& device, Phase phase) {
     device.phase = phase;
+    device.event = phase == Phase::kInstalled || phase == Phase::kFailed ? NewEvent() : 0;
     ServiceState state;
     for (const auto& [key, each] : m_devices) {
-        if (each.phase != Phase::kIdle) state[key] = {each.phase, each.accessory->sha256};
+        if (each.phase != Phase::kIdle) state[key] = {each.phase, each.accessory->sha256, each.event};
     }
     try {
         WriteState(StateFile(), state);

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <optional>
+#include <set>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -15,6 +17,7 @@
 #include "catalogue.h"
 #include "channel/messages.h"
 #include "installer.h"
+#include "ipc_client/ipc_sender.h"
 #include "package_transfer.h"
 #include "qx_logger/qx_logger.h"
 #include "work_folder.h"
@@ -39,26 +42,31 @@ private:
     Write m_write;
 };
 
-// The service's way to the accessory page: what it sends. Called on any thread, on several at once; never waits for
-// the page.
+using Pages = std::vector<IpcLife>;  // processes with an accessory page
+
+// The service's way to the accessory pages: what it sends to those that are there. Called on any thread, on several at
+// once; never waits for a page.
 class PageLink {
 public:
     virtual ~PageLink() = default;
 
-    virtual void SendList(const std::vector<Accessory>& accessories) = 0;
-    virtual void SendProgress(const std::string& deviceKey, int percent) = 0;  // 100: the installation has begun
-    // Any message that says only which device it is about.
-    virtual void Send(const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey) = 0;
+    virtual void SendList(const IpcLife& page, const std::vector<Accessory>& accessories) = 0;
+    virtual void SendProgress(const Pages& pages, const std::string& deviceKey, int percent) = 0;  // 100: installs
+    // Any message that says only which device it is about. A page that has got one of that event does not get another.
+    virtual void Send(const Pages& pages, const channel::ToPage<channel::DeviceKey>& message,
+                      const std::string& deviceKey, std::uint64_t event) = 0;
 };
 
-// The page's way to the service: what it asks for. Called on one thread at a time.
+// The pages' way to the service: what they ask for, and who comes and goes. Called on one thread at a time.
 class PageRequests {
 public:
     virtual ~PageRequests() = default;
 
-    virtual void OnReady() = 0;
-    virtual void OnStart(const std::string& deviceKey) = 0;  // a start, a resume or a retry
-    virtual void OnPause(const std::string& deviceKey) = 0;
+    virtual void OnReady(const IpcLife& page) = 0;
+    virtual void OnStart(const IpcLife& page, const std::string& deviceKey) = 0;  // a start, a resume or a retry
+    virtual void OnPause(const IpcLife& page, const std::string& deviceKey) = 0;
+    virtual void OnReturned(const IpcLife& page) = 0;  // one that an earlier service has known
+    virtual void OnLeft(const IpcLife& page) = 0;
 };
 
 struct ServiceOptions {
@@ -79,8 +87,9 @@ struct ServiceOptions {
 // runs changes nothing: it cannot be stopped half-way, and its end is reported as ever. Whatever is asked twice is
 // answered with where the update stands.
 //
-// Each change of a phase is written to the state file before it is sent to the page, so that a service that was killed
-// can continue.
+// Each change of a phase is written to the state file before it is sent, so that a service that was killed can
+// continue, and tell the pages that live on where their devices stand. An answer goes to the page that asked, what
+// becomes of a device to all that list it.
 class UpdateService final : public PageRequests {
 public:
     // Reads the state file. One that cannot be understood is put aside, with a log line. `catalogue`, `page` and `log`
@@ -91,9 +100,11 @@ public:
     // Starts again what ran when the last service ended. Call once, before requests come in.
     void Resume();
 
-    void OnReady() override;
-    void OnStart(const std::string& deviceKey) override;
-    void OnPause(const std::string& deviceKey) override;
+    void OnReady(const IpcLife& page) override;
+    void OnStart(const IpcLife& page, const std::string& deviceKey) override;
+    void OnPause(const IpcLife& page, const std::string& deviceKey) override;
+    void OnReturned(const IpcLife& page) override;
+    void OnLeft(const IpcLife& page) override;
 
     // Ends the transfers, which go on when the next service starts, and waits for installers as long as the options
     // say. Nothing is sent afterwards. No request may come in any more.
@@ -103,8 +114,9 @@ private:
     struct Device {
         const Accessory* accessory = nullptr;
         Phase phase = Phase::kIdle;
-        int percent = 0;      // sent last
-        std::jthread worker;  // touched by requests only
+        std::optional<int> percent;  // sent last
+        std::uint64_t event = 0;     // its end or failure
+        std::jthread worker;         // touched by requests only
     };
 
     void ReadDevices();
@@ -118,7 +130,10 @@ private:
     InstallerCall CallOf(const Accessory& accessory, const WorkFiles& files) const;
     void SendProgress(Device& device, int percent, const std::stop_token& stop);
 
-    bool AnswerStart(Device& device);  // where it stands; false for one that is to be started
+    bool AnswerStart(const IpcLife& page, Device& device);  // where it stands; false for one that is to be started
+    void SendState(const IpcLife& page, const Device& device) BASE_REQUIRES(m_mutex);
+    void SendEnd(const Pages& pages, const Device& device) BASE_REQUIRES(m_mutex);
+    Pages PagesThatList(const std::string& deviceKey) const BASE_REQUIRES(m_mutex);
     void SetPhase(Device& device, Phase phase) BASE_REQUIRES(m_mutex);
     void Fail(Device& device, const std::string& reason) BASE_REQUIRES(m_mutex);
 
@@ -138,7 +153,8 @@ private:
 
     base::Mutex m_mutex;  // also guards the devices' phases and percentages, and the state file
     std::map<std::string, int> m_failAt BASE_GUARDED_BY(m_mutex);  // as in the options, less those that have failed
-    std::map<std::string, Device> m_devices;                       // by device key; the map itself never changes
+    std::map<IpcLife, std::set<std::string>> m_lists BASE_GUARDED_BY(m_mutex);  // the device keys that each page has
+    std::map<std::string, Device> m_devices;  // by device key; the map itself never changes
 };
 
 }  // namespace update_service

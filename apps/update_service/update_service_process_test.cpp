@@ -140,7 +140,7 @@ TEST_F(ServiceProcessTest, KilledInMidDownloadItGoesOnByItselfWhenItIsStartedAga
     EXPECT_GE(part, kSize / 10);
     EXPECT_LT(part, kSize);
 
-    Start();
+    Start({"--rate", "1000000"});  // so that the page is back before the end
     ASSERT_TRUE(m_page.WaitForKey(to_page::IPC_MSG_PKG_FINISH, "pen"));
     EXPECT_TRUE(IsInstalled("pen"));
     const std::vector<int> told = Percentages(m_page.Messages(), "pen");

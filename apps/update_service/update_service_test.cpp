@@ -12,6 +12,8 @@ using test_support::Bytes;
 using test_support::ReadFile;
 using test_support::WriteFile;
 
+const IpcLife kOtherPage{{2}};
+
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
@@ -28,7 +30,7 @@ protected:
     [[nodiscard]] bool UpdatePen() {
         AddAccessory("pen");
         Start();
-        m_service->OnStart("pen");
+        m_service->OnStart(kPage, "pen");
         return Told("ended pen");
     }
 
@@ -36,7 +38,7 @@ protected:
         AddAccessory("pen");
         m_options.bytesPerSecond = kSlow;
         Start();
-        m_service->OnStart("pen");
+        m_service->OnStart(kPage, "pen");
         return Told("progress pen 5");
     }
 
@@ -44,13 +46,13 @@ protected:
         AddAccessory("pen");
         m_catalogue.accessories[0].installer = WaitingInstaller();
         Start();
-        m_service->OnStart("pen");
+        m_service->OnStart(kPage, "pen");
         return m_log.Has("pen: the installer starts");
     }
 
     [[nodiscard]] bool StartAndFail() {
         Start();
-        m_service->OnStart("pen");
+        m_service->OnStart(kPage, "pen");
         return Told("failed pen");
     }
 };
@@ -58,7 +60,7 @@ protected:
 TEST_F(ServiceTest, AReadyPageGetsTheListInTheOrderOfTheCatalogue) {
     for (const char* key : {"pen", "mouse", "dock"}) AddAccessory(key);
     Start();
-    m_service->OnReady();
+    m_service->OnReady(kPage);
     EXPECT_TRUE(Told("list pen mouse dock"));
 }
 
@@ -73,19 +75,52 @@ TEST_F(PenTest, AStartFetchesInstallsAndTellsTheEnd) {
 TEST_F(ServiceTest, WhatIsInstalledIsNotListedAgain) {
     for (const char* key : {"pen", "mouse"}) AddAccessory(key);
     Start();
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     ASSERT_TRUE(Told("ended pen"));
-    m_service->OnReady();
+    m_service->OnReady(kPage);
     EXPECT_TRUE(Told("list mouse"));
     Start();
-    m_service->OnReady();
+    m_service->OnReady(kPage);
     EXPECT_TRUE(Told("list mouse", 2));
 }
 
 TEST_F(PenTest, AStartOfWhatIsInstalledIsAnsweredWithTheEnd) {
     ASSERT_TRUE(UpdatePen());
-    m_service->OnStart("pen");
+    m_service->OnStart(kOtherPage, "pen");
     EXPECT_TRUE(Told("ended pen", 2));
+}
+
+TEST_F(ServiceTest, EndsAndPercentagesGoToThePagesThatListTheDevice) {
+    AddAccessory("pen");
+    AddAccessory("mouse");
+    Start();
+    m_service->OnLeft(kPage);
+    m_service->OnStart(kOtherPage, "pen");
+    ASSERT_TRUE(m_log.Has("pen: installed version 2"));
+    EXPECT_EQ(m_page.LastPages(), Pages{kOtherPage});
+    m_service->OnReady(kPage);
+    m_service->OnStart(kOtherPage, "mouse");
+    ASSERT_TRUE(m_log.Has("mouse: installed version 2"));
+    EXPECT_EQ(m_page.LastPages(), (Pages{kPage, kOtherPage}));
+    m_service->OnLeft(kOtherPage);
+    m_service->OnLeft(kPage);
+    const auto told = m_page.told.Lines();
+    m_service->OnReturned(kOtherPage);
+    EXPECT_EQ(m_page.told.Lines(), told) << "it has been told of both";
+    m_service->OnReturned(kPage);
+    EXPECT_EQ(m_page.told.Lines().size(), told.size() + 1) << "it has not heard of the pen";
+}
+
+TEST_F(PenTest, APageThatComesBackIsToldOfAFailureThatItMissed) {
+    AddAccessory("pen");
+    m_options.failAt["pen"] = 50;
+    ASSERT_TRUE(StartAndFail());
+    Start();
+    const auto told = m_page.told.Lines();
+    m_service->OnReturned(kOtherPage);
+    EXPECT_EQ(m_page.told.Lines().back(), "failed pen");
+    EXPECT_EQ(m_page.told.Lines().size(), told.size() + 1);
+    EXPECT_EQ(m_page.LastPages(), Pages{kOtherPage});
 }
 
 TEST_F(PenTest, AnotherPackageInTheCatalogueMakesAnAccessoryNewAgain) {
@@ -98,16 +133,16 @@ TEST_F(PenTest, AnotherPackageInTheCatalogueMakesAnAccessoryNewAgain) {
     m_catalogue.accessories[0].sha256 = *Sha256OfFile(m_catalogue.accessories[0].package);
     Start();
     EXPECT_FALSE(std::filesystem::exists(files.part));
-    m_service->OnReady();
+    m_service->OnReady(kPage);
     EXPECT_TRUE(Told("list pen"));
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     EXPECT_TRUE(Told("ended pen", 2));
     EXPECT_EQ(ReadFile(m_folder / "pen.installed"), "new");
 }
 
 TEST_F(PenTest, APauseKeepsThePartFileAndAStartGoesOnFromIt) {
     ASSERT_TRUE(FetchPenSlowly());
-    m_service->OnPause("pen");
+    m_service->OnPause(kPage, "pen");
     EXPECT_EQ(Remembered("pen"), Phase::kPaused);
     const std::vector<int> before = Progress("pen");
     EXPECT_LT(before.back(), 100);
@@ -117,7 +152,7 @@ TEST_F(PenTest, APauseKeepsThePartFileAndAStartGoesOnFromIt) {
 
     m_options.bytesPerSecond = 0;
     Start();
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     ASSERT_TRUE(Told("ended pen"));
     std::vector<int> after = Progress("pen");
     after.erase(after.begin(), after.begin() + static_cast<std::ptrdiff_t>(before.size()));
@@ -131,10 +166,10 @@ TEST_F(ServiceTest, PausesAndStartsInQuickSuccessionLoseNothing) {
     m_options.bytesPerSecond = 4 * kSlow;
     Start();
     for (int i = 0; i < 50; ++i) {
-        m_service->OnStart("pen");
-        m_service->OnPause("pen");
+        m_service->OnStart(kPage, "pen");
+        m_service->OnPause(kPage, "pen");
     }
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     ASSERT_TRUE(Told("ended pen"));
     EXPECT_TRUE(IsInstalled("pen"));
     EXPECT_THAT(m_page.told.Lines(), Not(Contains("failed pen")));
@@ -142,7 +177,7 @@ TEST_F(ServiceTest, PausesAndStartsInQuickSuccessionLoseNothing) {
 
 TEST_F(PenTest, AStartWhileItRunsIsAnsweredWithThePresentProgress) {
     ASSERT_TRUE(FetchPenSlowly());
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     const std::vector<int> progress = Progress("pen");
     EXPECT_NE(std::adjacent_find(progress.begin(), progress.end()), progress.end());
     EXPECT_TRUE(m_log.Has("pen: runs already"));
@@ -150,9 +185,9 @@ TEST_F(PenTest, AStartWhileItRunsIsAnsweredWithThePresentProgress) {
 
 TEST_F(PenTest, APauseDuringTheInstallationIsIgnoredAndItsEndIsTold) {
     ASSERT_TRUE(InstallPenUntilLet());
-    m_service->OnPause("pen");
+    m_service->OnPause(kPage, "pen");
     EXPECT_TRUE(m_log.Has("pen: pause ignored: it is installing"));
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     EXPECT_TRUE(Told("progress pen 100", 2));
     LetInstall();
     EXPECT_TRUE(Told("ended pen"));
@@ -161,16 +196,16 @@ TEST_F(PenTest, APauseDuringTheInstallationIsIgnoredAndItsEndIsTold) {
 TEST_F(ServiceTest, APauseOfWhatDoesNotRunIsIgnored) {
     AddAccessory("pen");
     Start();
-    m_service->OnPause("pen");
+    m_service->OnPause(kPage, "pen");
     EXPECT_TRUE(m_log.Has("pen: pause ignored: it is idle"));
-    m_service->OnPause("unknown");
+    m_service->OnPause(kPage, "unknown");
     EXPECT_TRUE(m_log.Has("unknown: pause ignored: the catalogue does not have it"));
     EXPECT_TRUE(m_page.told.Lines().empty());
 }
 
 TEST_F(ServiceTest, AStartOfAnUnknownAccessoryFails) {
     Start();
-    m_service->OnStart("unknown");
+    m_service->OnStart(kPage, "unknown");
     EXPECT_TRUE(Told("failed unknown"));
     EXPECT_TRUE(m_log.Has("unknown: start refused: the catalogue does not have it"));
 }
@@ -180,11 +215,11 @@ TEST_F(ServiceTest, RequestsWithoutEndMakeLinesOfTheirOwnOnlyAndNotWithoutEnd) {
     AddAccessory("pen");
     Start();
     for (int i = 0; i < kRequests; ++i) {
-        m_service->OnStart("unknown " + std::to_string(i));
-        m_service->OnPause("pen");
-        m_service->OnReady();
+        m_service->OnStart(kPage, "unknown " + std::to_string(i));
+        m_service->OnPause(kPage, "pen");
+        m_service->OnReady(kPage);
     }
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     ASSERT_TRUE(Told("ended pen"));
     EXPECT_TRUE(m_log.Has("pen: installed version 2"));
     EXPECT_THAT(m_log.Lines(), testing::SizeIs(testing::Lt(200u)));
@@ -196,7 +231,7 @@ TEST_F(ServiceTest, RequestsWithoutEndMakeLinesOfTheirOwnOnlyAndNotWithoutEnd) {
 
 TEST_F(ServiceTest, AnUnknownKeyIsNotShownBeyondWhatALineIsFor) {
     Start();
-    m_service->OnStart(std::string(1000000, 'x'));
+    m_service->OnStart(kPage, std::string(1000000, 'x'));
     EXPECT_TRUE(
         m_log.Has(std::string(100, 'x') + "... (1000000 bytes): start refused: the catalogue does not have it"));
     EXPECT_TRUE(Told("failed " + std::string(1000000, 'x')));
@@ -211,7 +246,7 @@ TEST_F(PenTest, AMissingPackageFailsAndARetrySucceedsOnceItIsThere) {
                                                        HasSubstr(package.string()))));
     EXPECT_EQ(Remembered("pen"), Phase::kFailed);
     WriteFile(package, Bytes(kSize));
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     EXPECT_TRUE(Told("ended pen"));
 }
 
@@ -223,7 +258,7 @@ TEST_F(PenTest, ADamagedPackageFailsBeforeItsInstallation) {
     EXPECT_FALSE(IsInstalled("pen"));
     EXPECT_THAT(m_page.told.Lines(), Not(Contains("progress pen 100")));
     WriteFile(m_catalogue.accessories[0].package, Bytes(kSize));
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     EXPECT_TRUE(Told("ended pen"));
     EXPECT_TRUE(IsInstalled("pen"));
 }
@@ -235,7 +270,7 @@ TEST_F(PenTest, AFailingInstallerIsToldAndARetryDoesNotFetchAgain) {
     EXPECT_TRUE(m_log.Has("pen: failed: installer: exit status 7"));
     std::filesystem::remove(m_catalogue.accessories[0].package);
     WriteFile(m_folder / "allowed", "");
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     EXPECT_TRUE(Told("ended pen"));
     EXPECT_EQ(Progress("pen").back(), 100);
 }
@@ -253,7 +288,7 @@ TEST_F(PenTest, ADownloadThatIsToFailDoesSoOnce) {
     m_options.failAt["pen"] = 40;
     ASSERT_TRUE(StartAndFail());
     EXPECT_EQ(Progress("pen"), Percentages(0, 40));
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     ASSERT_TRUE(Told("ended pen"));
     EXPECT_TRUE(IsInstalled("pen"));
     EXPECT_TRUE(m_log.Has("pen: failed: at 40 percent, as asked for"));
@@ -264,10 +299,10 @@ TEST_F(ServiceTest, SeveralAccessoriesAreUpdatedAtOnce) {
     for (const std::string& key : keys) AddAccessory(key);
     m_options.bytesPerSecond = kSlow;
     Start();
-    for (const std::string& key : keys) m_service->OnStart(key);
+    for (const std::string& key : keys) m_service->OnStart(kPage, key);
     for (const std::string& key : keys) EXPECT_TRUE(Told("progress " + key + " 5"));
     EXPECT_THAT(m_page.told.Lines(), Not(Contains(testing::StartsWith("ended"))));  // none waited for another one
-    m_service->OnPause("c");
+    m_service->OnPause(kPage, "c");
     m_options.bytesPerSecond = 0;
     Start();
     for (const std::string key : {"a", "b", "d", "e"}) {
@@ -275,10 +310,10 @@ TEST_F(ServiceTest, SeveralAccessoriesAreUpdatedAtOnce) {
         EXPECT_TRUE(IsInstalled(key));
     }
     EXPECT_THAT(m_page.told.Lines(), Not(Contains("ended c")));
-    m_service->OnStart("c");
+    m_service->OnStart(kPage, "c");
     EXPECT_TRUE(Told("ended c"));
     EXPECT_TRUE(IsInstalled("c"));
-    m_service->OnReady();
+    m_service->OnReady(kPage);
     EXPECT_TRUE(Told("list"));
 }
 
@@ -287,9 +322,9 @@ TEST_F(ServiceTest, AnInstallerThatRunsHoldsUpNobodyElse) {
     AddAccessory("quick");
     m_catalogue.accessories[0].installer = WaitingInstaller();
     Start();
-    m_service->OnStart("slow");
+    m_service->OnStart(kPage, "slow");
     ASSERT_TRUE(m_log.Has("slow: the installer starts"));
-    m_service->OnStart("quick");
+    m_service->OnStart(kPage, "quick");
     EXPECT_TRUE(Told("ended quick"));
     EXPECT_THAT(m_page.told.Lines(), Not(Contains("ended slow")));
     LetInstall();
@@ -313,9 +348,9 @@ TEST_F(PenTest, ADownloadThatRanWhenTheServiceStoppedGoesOnByItself) {
 
 TEST_F(PenTest, APausedDownloadStaysPausedInTheNextService) {
     ASSERT_TRUE(FetchPenSlowly());
-    m_service->OnPause("pen");
+    m_service->OnPause(kPage, "pen");
     Start();
-    m_service->OnPause("pen");
+    m_service->OnPause(kPage, "pen");
     EXPECT_TRUE(m_log.Has("pen: pause ignored: it is paused"));
 }
 
@@ -341,7 +376,7 @@ TEST_F(ServiceTest, AStateFileThatCannotBeUnderstoodIsPutAside) {
     Start();
     EXPECT_EQ(ReadFile(m_options.workFolder / "state.json.bad"), "rubbish");
     EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("the state file is put aside")));
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     EXPECT_TRUE(Told("ended pen"));
 }
 
@@ -352,12 +387,12 @@ TEST_F(ServiceTest, LogLinesThatCannotBeWrittenEndNeitherAnUpdateNorTheService) 
     UpdateService service(m_catalogue, m_options, m_page,
                           Log([](LOG_MESSAGE_LEVEL, const std::string&) { throw std::bad_alloc(); }));
     service.Resume();
-    service.OnReady();
-    service.OnStart("nobody");
-    service.OnPause("nobody");
-    service.OnPause("pen");
-    service.OnStart("broken");
-    service.OnStart("pen");
+    service.OnReady(kPage);
+    service.OnStart(kPage, "nobody");
+    service.OnPause(kPage, "nobody");
+    service.OnPause(kPage, "pen");
+    service.OnStart(kPage, "broken");
+    service.OnStart(kPage, "pen");
     EXPECT_TRUE(Told("ended pen"));
     EXPECT_TRUE(Told("failed broken"));
 }
@@ -366,7 +401,7 @@ TEST_F(ServiceTest, AStateThatCannotBeWrittenIsLoggedAndTheUpdateGoesOn) {
     AddAccessory("pen");
     std::filesystem::create_directory(m_options.workFolder / "state.json.new");
     Start();
-    m_service->OnStart("pen");
+    m_service->OnStart(kPage, "pen");
     EXPECT_TRUE(Told("ended pen"));
     EXPECT_THAT(m_log.Lines(), Contains(HasSubstr("the state cannot be written")));
 }

@@ -49,7 +49,7 @@ void UpdateService::Install(Device& device, const WorkFiles& files) {
         case InstallerEnd::kSucceeded:
             SetPhase(device, Phase::kInstalled);
             WriteLog(LOG_LEVEL_EVENT, device, "installed version " + device.accessory->version);
-            m_page.Send(channel::to_page::IPC_MSG_PKG_FINISH, device.accessory->deviceKey);
+            SendEnd(PagesThatList(device.accessory->deviceKey), device);
             return;
     }
 }
@@ -69,13 +69,14 @@ void UpdateService::SendProgress(Device& device, int percent, const std::stop_to
     const base::MutexLock lock(m_mutex);
     if (stop.stop_requested()) return;
     device.percent = percent;
-    m_page.SendProgress(device.accessory->deviceKey, percent);
+    const std::string& key = device.accessory->deviceKey;
+    m_page.SendProgress(PagesThatList(key), key, percent);
 }
 
 void UpdateService::Fail(Device& device, const std::string& reason) {
     SetPhase(device, Phase::kFailed);
     WriteLog(LOG_LEVEL_EVENT, device, "failed: " + reason);
-    m_page.Send(channel::to_page::IPC_MSG_PKG_FAIL, device.accessory->deviceKey);
+    SendEnd(PagesThatList(device.accessory->deviceKey), device);
 }
 
 }  // namespace update_service

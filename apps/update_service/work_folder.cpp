@@ -71,7 +71,8 @@ ServiceState ReadState(const std::filesystem::path& file) {
         ServiceState state;
         for (const auto& device : json.at("devices").items()) {
             state[device.key()] = {PhaseOf(device.value().at("phase").get<std::string>()),
-                                   device.value().at("sha256").get<std::string>()};
+                                   device.value().at("sha256").get<std::string>(),
+                                   device.value().value("event", std::uint64_t{0})};
         }
         return state;
     } catch (const std::exception& error) {
@@ -83,6 +84,7 @@ void WriteState(const std::filesystem::path& file, const ServiceState& state) {
     Json devices = Json::object();
     for (const auto& [key, device] : state) {
         devices[key] = {{"phase", NameOf(device.phase)}, {"sha256", device.sha256}};
+        if (device.event != 0) devices[key]["event"] = device.event;
     }
     base::ReplaceContent(file, Json{{"devices", std::move(devices)}}.dump(2) + "\n");
 }

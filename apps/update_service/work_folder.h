@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -36,7 +37,8 @@ const char* NameOf(Phase phase);
 // What the service remembers of one accessory.
 struct DeviceState {
     Phase phase = Phase::kIdle;
-    std::string sha256;  // of the package that the phase is about
+    std::string sha256;       // of the package that the phase is about
+    std::uint64_t event = 0;  // its end or failure, so that pages tell it from another one; 0: it has not ended
 
     bool operator==(const DeviceState&) const = default;
 };
@@ -45,6 +47,7 @@ using ServiceState = std::map<std::string, DeviceState>;  // by device key [UTF-
 
 // The state file, a JSON file:
 //     { "devices": { "pen-01": { "phase": "downloading", "sha256": "<64 digits>" } } }
+// and, where it has ended, "event", a number
 // Empty when there is no file. Throws std::runtime_error, naming the file and the reason, when it cannot be understood.
 ServiceState ReadState(const std::filesystem::path& file);
 

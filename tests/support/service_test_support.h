@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <vector>
 
 #include "sha256.h"
@@ -49,25 +50,45 @@ private:
     std::vector<std::string> m_lines;
 };
 
-// A page that writes down what it is told: "list pen mouse", "progress pen 37", "ended pen", "failed pen".
+// Pages that live through all of a test and write down what they are told, each event once: "list pen mouse", "progress
+// pen 37", "ended pen", "failed pen".
 class RecordingPage final : public PageLink {
 public:
-    void SendList(const std::vector<Accessory>& accessories) override {
+    void SendList(const IpcLife&, const std::vector<Accessory>& accessories) override {
         std::string line = "list";
         for (const Accessory& accessory : accessories) line += " " + accessory.deviceKey;
         told.Add(line);
     }
-    void SendProgress(const std::string& deviceKey, int percent) override {
+    void SendProgress(const Pages& pages, const std::string& deviceKey, int percent) override {
+        if (pages.empty()) return;
         told.Add("progress " + deviceKey + " " + std::to_string(percent));
     }
-    void Send(const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey) override {
+    void Send(const Pages& pages, const channel::ToPage<channel::DeviceKey>& message, const std::string& deviceKey,
+              std::uint64_t event) override {
         const bool ended = message.id == channel::to_page::IPC_MSG_PKG_FINISH.id;
         const bool failed = message.id == channel::to_page::IPC_MSG_PKG_FAIL.id;
-        told.Add((ended ? "ended " : failed ? "failed " : message.name + std::string(" ")) + deviceKey);
+        const std::lock_guard guard(m_mutex);
+        m_lastPages = pages;
+        for (const IpcLife& page : pages) {
+            if (event != 0 && !m_events.emplace(page, event).second) continue;
+            told.Add((ended ? "ended " : failed ? "failed " : message.name + std::string(" ")) + deviceKey);
+        }
+    }
+
+    Pages LastPages() const {  // that an end or a failure was sent to
+        const std::lock_guard guard(m_mutex);
+        return m_lastPages;
     }
 
     Record told;
+
+private:
+    mutable std::mutex m_mutex;
+    Pages m_lastPages;
+    std::set<std::pair<IpcLife, std::uint64_t>> m_events;
 };
+
+inline const IpcLife kPage{{1}};  // the page, as the service knows it
 
 // A catalogue, a service and a page. Installers copy the package to "KEY.installed".
 class ServiceTest : public testing::Test {
@@ -102,6 +123,7 @@ protected:
         m_service = std::make_unique<UpdateService>(
             m_catalogue, m_options, m_page,
             Log([this](LOG_MESSAGE_LEVEL, const std::string& line) { m_log.Add(line); }));
+        m_service->OnReturned(kPage);
         m_service->Resume();
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -61,8 +62,9 @@ public:
 
     // As PostIPCMessage, from the process of the broker only: the message is for these lives, for everybody when there
     // are none, if they are there now and listen. It waits for nobody, and nobody's absence is an error. At most 1,024
-    // lives.
-    bool PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item);
+    // lives. `event`: what the message tells of, 0 for none; a process that has taken one of that event passes over it,
+    // so the same may be told again to whoever comes back.
+    bool PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item, std::uint64_t event = 0);
 
 private:
     class State;

@@ -23,13 +23,12 @@ struct IpcSender {
 // The sender of the message whose callback runs on this thread; all zero outside callbacks.
 IPC_CLIENT_API IpcSender CurrentIpcSender();
 
-// The broker tells clients of its own process that listen here who comes and goes; the message's sender is the one that
-// it is about. Messages of others never get to this endpoint.
-inline constexpr int kIpcBrokerEndpoint = -1;
+// Message ids by which the broker tells clients of its own process who comes and goes: whoever has a callback for them
+// is told, at its own endpoint; the sender is the one that it is about. Nobody else's messages may have these ids.
 
 // It has announced its first routes. Payload: one byte, 1 when it has known another broker, or this one longer ago than
 // a broker remembers: what was sent to it may not have reached it.
-inline constexpr int kIpcPeerArrived = 1;
+inline constexpr int kIpcPeerArrived = -1;
 
 // It has ended, or has not come back in time. No payload.
-inline constexpr int kIpcPeerLeft = 2;
+inline constexpr int kIpcPeerLeft = -2;

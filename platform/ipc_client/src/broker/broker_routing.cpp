@@ -9,14 +9,21 @@
 namespace ipc_client {
 namespace {
 
-constexpr Route kArrivals{kIpcBrokerEndpoint, kIpcPeerArrived};
 constexpr PendingMessages::Sender kService = 0;  // whatever connection it has; no peer has this number
+
+void CheckIsNotBrokers(Route route) {
+    if (route.msgId == kIpcPeerArrived || route.msgId == kIpcPeerLeft) {
+        throw ProtocolError("a message that only the broker sends");
+    }
+}
+
+bool IsOfArrivals(Route route) { return route.msgId == kIpcPeerArrived; }
 
 }  // namespace
 
 void BrokerLoop::RouteMessage(BrokerPeer& sender, std::string_view messageBody) {
     const Route route = DecodeMessage(messageBody).route();
-    if (route.endpointId == kIpcBrokerEndpoint) throw ProtocolError("a message to the broker's own endpoint");
+    CheckIsNotBrokers(route);
     Dispatch(sender, route, messageBody, [&](const Origin& origin) {
         if (!QueueToAll(sender, route, origin, messageBody, nullptr)) Keep(sender, route, origin, messageBody);
     });
@@ -24,8 +31,10 @@ void BrokerLoop::RouteMessage(BrokerPeer& sender, std::string_view messageBody) 
 
 void BrokerLoop::RouteAddressed(BrokerPeer& sender, const AddressedView& addressed) {
     const Route route = DecodeMessage(addressed.messageBody).route();
+    CheckIsNotBrokers(route);
     if (!sender.IsOwn()) throw ProtocolError("an addressed message, which only the broker's own process may send");
-    Dispatch(sender, route, addressed.messageBody, [&](const Origin& origin) {
+    Dispatch(sender, route, addressed.messageBody, [&](Origin origin) {
+        origin.stamp.event = addressed.event;
         QueueToAll(sender, route, origin, addressed.messageBody, addressed.lives.empty() ? nullptr : &addressed.lives);
     });
 }
@@ -110,7 +119,7 @@ void BrokerLoop::Announce(BrokerPeer& peer, const std::vector<Route>& routes) {
     if (!peer.IsOwn() && !routes.empty() && peer.Arrives()) {
         TellOfArrival(peer);
     }
-    if (peer.IsOwn() && std::find(routes.begin(), routes.end(), kArrivals) != routes.end()) TellOfAll();
+    if (peer.IsOwn() && std::any_of(routes.begin(), routes.end(), IsOfArrivals)) TellOfAll();
     HandOver(peer, routes);
 }
 
@@ -150,18 +159,20 @@ void BrokerLoop::ForgetReceiver(BrokerPeer& peer, Route route) {
 
 // Tells those of the service's process who listen to what becomes of others.
 void BrokerLoop::TellService(const BrokerPeer& about, int msgId, std::string_view payload) {
-    const auto entry = m_receivers.find({kIpcBrokerEndpoint, msgId});
-    if (entry == m_receivers.end()) return;
-    TagIPCMessageItem item;
-    item.destId = item.sourceId = kIpcBrokerEndpoint;
-    item.msgId = msgId;
-    item.data = const_cast<char*>(payload.data());
-    item.dataLen = static_cast<std::int32_t>(payload.size());
-    std::string frame;
-    AppendMessage(frame, item);
     const Origin origin{0, false, {about.Identity()}};
-    for (BrokerPeer* receiver : entry->second) {
-        if (receiver->IsOwn()) Queue(nullptr, *receiver, origin, std::string_view(frame).substr(kFrameHeadBytes));
+    for (const auto& [number, peer] : m_peers) {
+        if (!peer->IsOwn()) continue;
+        for (const Route& route : peer->Routes()) {
+            if (route.msgId != msgId) continue;
+            TagIPCMessageItem item;
+            item.destId = route.endpointId;
+            item.msgId = msgId;
+            item.data = const_cast<char*>(payload.data());
+            item.dataLen = static_cast<std::int32_t>(payload.size());
+            std::string frame;
+            AppendMessage(frame, item);
+            Queue(nullptr, *peer, origin, std::string_view(frame).substr(kFrameHeadBytes));
+        }
     }
 }
 

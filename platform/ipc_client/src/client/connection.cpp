@@ -21,6 +21,7 @@ using std::chrono::steady_clock;
 
 namespace {
 
+constexpr std::size_t kMostEvents = 4096;
 constexpr std::chrono::milliseconds kAcknowledgeDelay{1};  // so that several messages share a frame
 
 }  // namespace
@@ -53,10 +54,10 @@ bool Connection::Post(const TagIPCMessageItem& item) {
     return Send(frame);
 }
 
-bool Connection::PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item) {
+bool Connection::PostTo(std::span<const IpcLife> lives, std::uint64_t event, const TagIPCMessageItem& item) {
     if (!IsPostable(item) || lives.size() > kMaxAddressees) return false;
     std::string frame;
-    AppendAddressed(frame, lives, item);
+    AppendAddressed(frame, lives, event, item);
     return Send(frame);
 }
 
@@ -224,9 +225,20 @@ void Connection::TakeDelivery(const DeliveryView& delivery) {
 // What this process has sent to itself may come again, from the next broker. Everything else comes once: the service
 // dies with its broker.
 bool Connection::IsNew(const Stamp& stamp) {
+    if (stamp.event != 0 && !IsNewEvent(stamp.event)) return false;
     if (stamp.sender.life != m_life) return true;
     const base::MutexLock lock(m_stateMutex);
     return m_posted.Take(stamp.number);
+}
+
+bool Connection::IsNewEvent(std::uint64_t event) {
+    if (!m_events.insert(event).second) return false;
+    m_eventsInOrder.push_back(event);
+    if (m_eventsInOrder.size() > kMostEvents) {
+        m_events.erase(m_eventsInOrder.front());
+        m_eventsInOrder.pop_front();
+    }
+    return true;
 }
 
 void Connection::DeliverToAll(const MessageView& message, const IpcSender& sender, std::uint64_t delivery) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <asio/steady_timer.hpp>
 #include <chrono>
+#include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -12,6 +14,7 @@
 #include <string_view>
 #include <thread>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -76,7 +79,7 @@ public:
 
     // As IPCMessageClient::PostIPCMessage.
     bool Post(const TagIPCMessageItem& item);
-    bool PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item);
+    bool PostTo(std::span<const IpcLife> lives, std::uint64_t event, const TagIPCMessageItem& item);
 
     // From now on `receiver`, which must outlive this, gets the messages of its endpoint with that id. The broker is
     // told of the first receiver of a route, and of the last one's end.
@@ -112,6 +115,7 @@ private:
     void TakeDone(const std::vector<NumberRange>& done);
     void TakeWaiting(const std::vector<NumberRange>& waiting);
     bool IsNew(const Stamp& stamp);
+    bool IsNewEvent(std::uint64_t event);
     void AcknowledgeLater();
     void Acknowledge();
     void WatchSilence() BASE_REQUIRES(m_stateMutex);
@@ -137,9 +141,11 @@ private:
     std::string m_lastReason;  // why the pipe could not be reached, as last logged
     std::string m_refusal;     // what the broker has said, for the line that tells of the end
     std::shared_ptr<PipeChannel> m_channel;
-    bool m_isWaiting = false;         // for the next attempt
-    IpcLife m_broker;                 // the last one that introduced itself
-    std::uint32_t m_connections = 0;  // of this life
+    bool m_isWaiting = false;                    // for the next attempt
+    IpcLife m_broker;                            // the last one that introduced itself
+    std::uint32_t m_connections = 0;             // of this life
+    std::unordered_set<std::uint64_t> m_events;  // taken, the last kMostEvents of them,
+    std::deque<std::uint64_t> m_eventsInOrder;   // these
     asio::steady_timer m_acknowledgeAt;
     bool m_isToAcknowledge = false;
     asio::steady_timer m_silenceEnds;

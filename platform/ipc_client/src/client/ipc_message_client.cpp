@@ -120,7 +120,7 @@ bool IPCMessageClient::PostIPCMessage(const TagIPCMessageItem& item) {
     return m_state->connection->Post(item);
 }
 
-bool IPCMessageClient::PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item) {
+bool IPCMessageClient::PostTo(std::span<const IpcLife> lives, const TagIPCMessageItem& item, std::uint64_t event) {
     ipc_client::Trace(IpcTraceEvent::kPosted, item);
-    return m_state->connection->PostTo(lives, item);
+    return m_state->connection->PostTo(lives, event, item);
 }

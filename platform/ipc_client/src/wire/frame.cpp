@@ -81,7 +81,7 @@ void CheckLeastBytes(const char* what, std::string_view body, std::size_t bytes)
 }
 
 constexpr std::size_t kIntroductionBytes = 4 + 4 + 16 + 16 + 8 + 8;  // features, connection, lives, first, received
-constexpr std::size_t kStampBytes = 16 + 8 + 4 + 4;                  // life, number, process, user
+constexpr std::size_t kStampBytes = 16 + 8 + 8 + 4 + 4;              // life, number, event, process, user
 constexpr std::size_t kRangeBytes = 8 + 8;                           // first, behind
 
 }  // namespace
@@ -173,15 +173,18 @@ void AppendDelivery(std::string& out, const Stamp& stamp, std::string_view messa
     AppendHead(out, FrameType::kDelivery, kStampBytes + messageBody.size());
     AppendLife(out, stamp.sender.life);
     AppendUInt64(out, stamp.number);
+    AppendUInt64(out, stamp.event);
     AppendUInt32(out, stamp.sender.process);
     AppendUInt32(out, stamp.sender.user);
     out.append(messageBody);
 }
 
-void AppendAddressed(std::string& out, std::span<const IpcLife> lives, const TagIPCMessageItem& item) {
-    AppendHead(out, FrameType::kAddressed, 4 + lives.size() * sizeof(IpcLife) + MessageBytes(item));
+void AppendAddressed(std::string& out, std::span<const IpcLife> lives, std::uint64_t event,
+                     const TagIPCMessageItem& item) {
+    AppendHead(out, FrameType::kAddressed, 4 + lives.size() * sizeof(IpcLife) + 8 + MessageBytes(item));
     AppendUInt32(out, static_cast<std::uint32_t>(lives.size()));
     for (const IpcLife& life : lives) AppendLife(out, life);
+    AppendUInt64(out, event);
     AppendMessageBody(out, item);
 }
 
@@ -307,6 +310,7 @@ DeliveryView DecodeDelivery(std::string_view body) {
     DeliveryView delivery;
     delivery.stamp.sender.life = reader.Life();
     delivery.stamp.number = reader.UInt64();
+    delivery.stamp.event = reader.UInt64();
     delivery.stamp.sender.process = reader.UInt32();
     delivery.stamp.sender.user = reader.UInt32();
     delivery.messageBody = reader.Rest();
@@ -318,10 +322,11 @@ AddressedView DecodeAddressed(std::string_view body) {
     FieldReader reader(body);
     const std::size_t count = reader.UInt32();
     CheckLength("a list of addressees", count, kMaxAddressees);
-    CheckLeastBytes("an addressed message", body, 4 + count * sizeof(IpcLife));
+    CheckLeastBytes("an addressed message", body, 4 + count * sizeof(IpcLife) + 8);
     AddressedView addressed;
     addressed.lives.reserve(count);
     for (std::size_t i = 0; i < count; ++i) addressed.lives.push_back(reader.Life());
+    addressed.event = reader.UInt64();
     addressed.messageBody = reader.Rest();
     return addressed;
 }

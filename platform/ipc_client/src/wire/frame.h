@@ -53,7 +53,7 @@ inline constexpr std::size_t kMaxTextBytes = 64 * 1024;
 inline constexpr std::size_t kMaxDataBytes = 16 * 1024 * 1024;
 inline constexpr std::size_t kMaxMessageBytes = kMessageHeadBytes + kMaxTextBytes + kMaxDataBytes;
 inline constexpr std::size_t kMaxAddressees = 1024;
-inline constexpr std::size_t kMaxBodyBytes = 4 + kMaxAddressees * sizeof(IpcLife) + kMaxMessageBytes;
+inline constexpr std::size_t kMaxBodyBytes = 4 + kMaxAddressees * sizeof(IpcLife) + 8 + kMaxMessageBytes;
 
 // Queues of a process [bytes]: messages posted and not yet done, and messages that a client has not yet delivered.
 inline constexpr std::size_t kMaxPostedBytes = 64 * 1024 * 1024;
@@ -117,6 +117,7 @@ struct NumberRange {
 struct Stamp {
     IpcSender sender;
     std::uint64_t number = 0;
+    std::uint64_t event = 0;  // what it tells of; whoever has taken a message of that event passes over it. 0: of none
 };
 
 // Why a broker closes a connection. The numbers stand on the wire.
@@ -152,7 +153,8 @@ void AppendMessage(std::string& out, std::string_view messageBody);
 void AppendRoutes(std::string& out, FrameType type, std::span<const Route> routes);
 void AppendIntroduction(std::string& out, const Introduction& introduction);
 void AppendDelivery(std::string& out, const Stamp& stamp, std::string_view messageBody);
-void AppendAddressed(std::string& out, std::span<const IpcLife> lives, const TagIPCMessageItem& item);  // postable
+void AppendAddressed(std::string& out, std::span<const IpcLife> lives, std::uint64_t event,
+                     const TagIPCMessageItem& item);  // the item must be postable
 void AppendNumbers(std::string& out, FrameType type, std::span<const NumberRange> numbers);
 void AppendRefusal(std::string& out, RefusalCode code, std::string_view text);
 void AppendQuestion(std::string& out);
@@ -186,6 +188,7 @@ DeliveryView DecodeDelivery(std::string_view body);
 
 struct AddressedView {
     std::vector<IpcLife> lives;  // none: everybody
+    std::uint64_t event = 0;
     std::string_view messageBody;
 };
 AddressedView DecodeAddressed(std::string_view body);
