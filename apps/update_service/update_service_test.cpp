@@ -90,39 +90,6 @@ TEST_F(PenTest, AStartOfWhatIsInstalledIsAnsweredWithTheEnd) {
     EXPECT_TRUE(Told("ended pen", 2));
 }
 
-TEST_F(ServiceTest, EndsAndPercentagesGoToThePagesThatListTheDevice) {
-    AddAccessory("pen");
-    AddAccessory("mouse");
-    Start();
-    m_service->OnLeft(kPage);
-    m_service->OnStart(kOtherPage, "pen");
-    ASSERT_TRUE(m_log.Has("pen: installed version 2"));
-    EXPECT_EQ(m_page.LastPages(), Pages{kOtherPage});
-    m_service->OnReady(kPage);
-    m_service->OnStart(kOtherPage, "mouse");
-    ASSERT_TRUE(m_log.Has("mouse: installed version 2"));
-    EXPECT_EQ(m_page.LastPages(), (Pages{kPage, kOtherPage}));
-    m_service->OnLeft(kOtherPage);
-    m_service->OnLeft(kPage);
-    const auto told = m_page.told.Lines();
-    m_service->OnReturned(kOtherPage);
-    EXPECT_EQ(m_page.told.Lines(), told) << "it has been told of both";
-    m_service->OnReturned(kPage);
-    EXPECT_EQ(m_page.told.Lines().size(), told.size() + 1) << "it has not heard of the pen";
-}
-
-TEST_F(PenTest, APageThatComesBackIsToldOfAFailureThatItMissed) {
-    AddAccessory("pen");
-    m_options.failAt["pen"] = 50;
-    ASSERT_TRUE(StartAndFail());
-    Start();
-    const auto told = m_page.told.Lines();
-    m_service->OnReturned(kOtherPage);
-    EXPECT_EQ(m_page.told.Lines().back(), "failed pen");
-    EXPECT_EQ(m_page.told.Lines().size(), told.size() + 1);
-    EXPECT_EQ(m_page.LastPages(), Pages{kOtherPage});
-}
-
 TEST_F(PenTest, AnotherPackageInTheCatalogueMakesAnAccessoryNewAgain) {
     ASSERT_TRUE(UpdatePen());
     const WorkFiles files = WorkFilesOf(m_options.workFolder, "pen");

@@ -94,7 +94,7 @@ TEST_F(HostileFramesTest, WrongFramesCloseTheirConnectionWithALineThatSaysWhy) {
         const char* reason;
     } cases[] = {
         {"GET / HTTP/1.1\r\n\r\n", "the handshake does not begin with the magic bytes"},
-        {Hello() + "\x00\x00\x00\x00\x09"s, "unknown frame type 9"},
+        {Hello() + "\x00\x00\x00\x00\x0E"s, "unknown frame type 14"},
         {Hello() + "\xFF\xFF\xFF\xFF\x01"s, "a frame of 4294967295 bytes is over the limit"},
         {Hello() + "\x03\x00\x00\x00\x01xyz"s, "a message frame of 3 bytes is too short"},
         {Hello() + "\x04\x00\x00\x00\x02xxxx"s, "a list of routes of 4 bytes"},

@@ -66,10 +66,10 @@ TEST_F(PythonPeerTest, SaysThatThereIsNoService) {
 
 TEST_F(PythonPeerTest, LeavesABrokerOfAnotherVersion) {
     std::string hello = ipc_test::Hello();
-    hello[4] = 2;
+    hello[4] = 3;
     const ipc_test::RawBroker broker(PipeSocket(), hello);
     EXPECT_THAT(Run({"list"}, 1)->Errors().Text(),
-                HasSubstr("the other side speaks another protocol: 42 50 49 50 02 00 00 00"));
+                HasSubstr("the other side speaks another protocol: 42 50 49 50 03 00 00 00"));
 }
 
 TEST_F(PythonPeerTest, LeavesABrokerThatSendsAWrongFrame) {

@@ -84,6 +84,23 @@ private:
     IPCMessageClient m_client{IPC_ENDPOINT_UPDATE_SERVICE, true, false, IPC_PIPE_ASSISTANT};
 };
 
+// Hears what pages tell their host, so that nothing of it waits for somebody.
+class Host {
+public:
+    Host() {
+        namespace from_page = channel::from_page;
+        channel_client::Listen(m_plugin, from_page::IPC_MSG_PLUGIN_UPDATE, [](const auto&) {});
+        channel_client::Listen(m_plugin, from_page::IPC_MSG_PLUGIN_UPDATE_FINISH, [](const auto&) {});
+        channel_client::Listen(m_layout, from_page::IPC_MSG_CONTENT_HEIGHT, [](const auto&) {});
+        channel_client::Listen(m_status, from_page::IPC_MSG_NO_UPDATES_LEFT, [](const auto&) {});
+    }
+
+private:
+    IPCMessageClient m_plugin{IPC_ENDPOINT_HOST_PLUGIN, true, false, IPC_PIPE_ASSISTANT};
+    IPCMessageClient m_layout{IPC_ENDPOINT_HOST_LAYOUT, true, false, IPC_PIPE_ASSISTANT};
+    IPCMessageClient m_status{IPC_ENDPOINT_HOST_STATUS, true, false, IPC_PIPE_ASSISTANT};
+};
+
 class ModuleReload : public testing::Test {
 protected:
     ModuleReload() {
@@ -152,7 +169,7 @@ protected:
     MinimalLayouts m_layouts{{}};
     FixedCellMeasurer m_measurer{{8, 20}};
     IPCBroker m_broker{IPC_PIPE_ASSISTANT};
-    IPCMessageClient m_host{IPC_ENDPOINT_HOST_LAYOUT, false, false, IPC_PIPE_ASSISTANT};  // keeps the connection
+    Host m_host;  // keeps the connection
     TalkativeService m_service;
     int m_loads = 0;
     std::uint64_t m_rows = 0;  // that the loads have left behind

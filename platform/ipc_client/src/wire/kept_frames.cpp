@@ -7,7 +7,8 @@ namespace ipc_client {
 
 namespace {
 
-constexpr std::size_t kSlackBytes = 64 * 1024;  // of done messages that may stay in memory
+constexpr std::size_t kSlackBytes = 64 * 1024;  // of done messages that may stay in memory,
+constexpr std::size_t kSlackEntries = 1024;     // and how many of them
 
 }  // namespace
 
@@ -23,76 +24,81 @@ void KeptFrames::Add(std::string_view stored, std::size_t bytes) {
 }
 
 void KeptFrames::DropDone() {
-    while (!m_entries.empty() && m_entries.front().isDone) {
-        m_begin += m_entries.front().stored;
-        m_entries.pop_front();
-        ++m_first;
-    }
+    while (!m_entries.empty() && (m_entries.front().isDone || IsMostlyDone())) DropFront();
     if (m_begin == m_frames.size()) {
         m_frames.clear();
         if (m_frames.capacity() > kSlackBytes) m_frames.shrink_to_fit();
         m_begin = 0;
+    } else if (m_begin > kSlackBytes && m_begin > m_frames.size() / 2) {
+        m_frames.erase(0, m_begin);
+        m_begin = 0;
     }
-    if (m_frames.size() > 2 * m_keptBytes + 2 * kSlackBytes) Compact();
 }
 
-// Done messages between others leave their place.
-void KeptFrames::Compact() {
-    std::string frames;
-    std::size_t begin = m_begin;
-    for (Entry& entry : m_entries) {
-        const std::string_view frame = std::string_view(m_frames).substr(begin, entry.stored);
-        begin += entry.stored;
-        if (entry.isDone) {
-            entry.stored = 0;
-        } else {
-            frames.append(frame);
-        }
+bool KeptFrames::IsMostlyDone() const {
+    return (m_doneEntries > kSlackEntries && m_doneEntries > m_entries.size() / 2) ||
+           m_frames.size() - m_begin > 2 * m_keptBytes + kSlackBytes;
+}
+
+void KeptFrames::DropFront() {
+    const Entry& front = m_entries.front();
+    if (front.isDone) {
+        --m_doneEntries;
+    } else {
+        m_old.emplace(m_first, Old{front, m_frames.substr(m_begin, front.stored)});
     }
-    m_frames = std::move(frames);
-    m_begin = 0;
+    m_begin += front.stored;
+    m_entries.pop_front();
+    ++m_first;
+}
+
+KeptFrames::Entry* KeptFrames::Find(std::uint64_t number) {
+    if (const auto old = m_old.find(number); old != m_old.end()) return &old->second.entry;
+    if (number < m_first || number >= Next()) return nullptr;
+    Entry& entry = m_entries[number - m_first];
+    return entry.isDone ? nullptr : &entry;
 }
 
 bool KeptFrames::Take(std::uint64_t number) {
-    if (number < m_first || number >= Next()) return false;
-    Entry& entry = m_entries[number - m_first];
-    if (entry.isDone || entry.isTaken) return false;
-    return entry.isTaken = true;
+    Entry* const entry = Find(number);
+    return entry != nullptr && !std::exchange(entry->isTaken, true);
 }
 
 void KeptFrames::Wait(NumberRange range) {
-    for (std::uint64_t number = std::max(range.first, m_first); number < std::min(range.behind, Next()); ++number) {
-        m_entries[number - m_first].isWaiting = true;
+    for (std::uint64_t number = std::max(range.first, First()); number < std::min(range.behind, Next()); ++number) {
+        if (Entry* const entry = Find(number)) entry->isWaiting = true;
     }
 }
 
 void KeptFrames::WaitAnew() {
+    for (auto& [number, old] : m_old) old.entry.isWaiting = false;
     for (Entry& entry : m_entries) entry.isWaiting = false;
 }
 
 bool KeptFrames::IsSettled() const {
-    return std::all_of(m_entries.begin(), m_entries.end(),
+    return std::all_of(m_old.begin(), m_old.end(), [](const auto& old) { return old.second.entry.isWaiting; }) &&
+           std::all_of(m_entries.begin(), m_entries.end(),
                        [](const Entry& entry) { return entry.isDone || entry.isWaiting; });
 }
 
 std::string KeptFrames::From(std::uint64_t number) const {
     std::string out;
+    std::uint64_t next = number;  // that the other side expects
+    const auto append = [&](std::uint64_t at, std::string_view frame) {
+        if (at < number) return;
+        if (at != next) AppendSkip(out, at - next);
+        out.append(frame);
+        next = at + 1;
+    };
+    for (const auto& [at, old] : m_old) append(at, old.frame);
     std::size_t begin = m_begin;
-    std::uint64_t skipped = 0;
     std::uint64_t at = m_first;
     for (const Entry& entry : m_entries) {
-        const std::string_view frame = std::string_view(m_frames).substr(begin, entry.stored);
+        if (!entry.isDone) append(at, std::string_view(m_frames).substr(begin, entry.stored));
         begin += entry.stored;
-        if (at++ < number) continue;
-        if (entry.isDone) {
-            ++skipped;
-            continue;
-        }
-        if (skipped != 0) AppendSkip(out, skipped);
-        skipped = 0;
-        out.append(frame);
+        ++at;
     }
-    if (skipped != 0) AppendSkip(out, skipped);
+    if (next < Next()) AppendSkip(out, Next() - next);
     return out;
 }
 

@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "wire/frame.h"
 
@@ -14,9 +16,11 @@ namespace ipc_client {
 // number, in the order in which they were added. Not synchronised.
 class KeptFrames {
 public:
-    std::uint64_t First() const { return m_first; }  // the oldest that is not done, or Next()
+    std::uint64_t First() const { return m_old.empty() ? m_first : m_old.begin()->first; }  // not done, or Next()
     std::uint64_t Next() const { return m_first + m_entries.size(); }
     std::size_t Bytes() const { return m_keptBytes; }  // of those that are not done
+
+    // Of the oldest; where it is the only one that is to be known, all are done in their order.
     std::size_t FrontBytes() const { return m_entries.front().bytes; }
 
     // The number of the first message to come. Nothing may be kept.
@@ -31,11 +35,16 @@ public:
     // Calls `done` with the number and the bytes of each message of the range that was not done, in their order.
     template <typename F>
     void Done(NumberRange range, const F& done) {
+        for (auto old = m_old.lower_bound(range.first); old != m_old.end() && old->first < range.behind;) {
+            m_keptBytes -= old->second.entry.bytes;
+            done(old->first, old->second.entry.bytes);
+            old = m_old.erase(old);
+        }
         const std::uint64_t behind = range.behind < Next() ? range.behind : Next();
         for (std::uint64_t number = range.first < m_first ? m_first : range.first; number < behind; ++number) {
             Entry& entry = m_entries[number - m_first];
-            if (entry.isDone) continue;
-            entry.isDone = true;
+            if (std::exchange(entry.isDone, true)) continue;
+            ++m_doneEntries;
             m_keptBytes -= entry.bytes;
             done(number, entry.bytes);
         }
@@ -64,14 +73,24 @@ private:
         bool isWaiting = false;
     };
 
+    // What is kept while most that came after it is done: outside the row, so that the row stays short.
+    struct Old {
+        Entry entry;
+        std::string frame;
+    };
+
     void Add(std::string_view stored, std::size_t bytes);
+    Entry* Find(std::uint64_t number);  // null when it is done
     void DropDone();
-    void Compact();
+    bool IsMostlyDone() const;
+    void DropFront();
 
     std::uint64_t m_first = 0;
     std::deque<Entry> m_entries;
-    std::string m_frames;
-    std::size_t m_begin = 0;  // where the first entry's frame is in m_frames
+    std::size_t m_doneEntries = 0;
+    std::string m_frames;                // of the entries
+    std::size_t m_begin = 0;             // where the first entry's frame is in m_frames
+    std::map<std::uint64_t, Old> m_old;  // by number; before m_first
     std::size_t m_keptBytes = 0;
 };
 

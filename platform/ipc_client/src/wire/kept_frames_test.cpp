@@ -89,6 +89,25 @@ TEST_F(KeptFramesTest, DoneMessagesBetweenOthersGiveTheirMemoryBack) {
     EXPECT_EQ(kept.From(0), Frame(0) + Frame(1) + Frame(2) + Frame(3) + Frame(4) + Skip(100) + Frame(7));
 }
 
+TEST_F(KeptFramesTest, OneThatStaysKeepsNoRowOfDoneOnes) {
+    for (int i = 0; i < 100000; ++i) {
+        kept.Add(Frame(9));
+        Done(kept, {kept.Next() - 1, kept.Next()});
+    }
+    EXPECT_EQ(kept.First(), 0u);
+    EXPECT_EQ(kept.From(0), Frame(0) + Frame(1) + Frame(2) + Frame(3) + Frame(4) + Skip(100000));
+    EXPECT_EQ(kept.From(3), Frame(3) + Frame(4) + Skip(100000));
+    EXPECT_TRUE(kept.Take(2));
+    EXPECT_FALSE(kept.Take(2));
+    kept.Wait({0, 5});
+    EXPECT_TRUE(kept.IsSettled());
+    kept.WaitAnew();
+    EXPECT_FALSE(kept.IsSettled());
+    EXPECT_EQ(Done(kept, {0, 200000}), (std::vector<std::uint64_t>{0, 1, 2, 3, 4}));
+    EXPECT_EQ(kept.Bytes(), 0u);
+    EXPECT_EQ(kept.First(), kept.Next());
+}
+
 TEST(KeptFrames, WhatIsOnlyCountedHasBytesAndNoFrame) {
     KeptFrames kept;
     kept.Count(10);
@@ -97,7 +116,7 @@ TEST(KeptFrames, WhatIsOnlyCountedHasBytesAndNoFrame) {
     EXPECT_EQ(kept.FrontBytes(), 10u);
     Done(kept, {0, 1});
     EXPECT_EQ(kept.Bytes(), 20u);
-    EXPECT_EQ(kept.From(0), "");
+    EXPECT_EQ(kept.First(), 1u);
 }
 
 }  // namespace

@@ -53,5 +53,24 @@ TEST(Outstanding, SkippedMessagesAreDoneAndNotTold) {
     EXPECT_EQ(messages.First(), 6u);
 }
 
+TEST(Outstanding, OneThatStaysKeepsNoRowOfDoneOnes) {
+    Outstanding messages;
+    messages.Begin();
+    for (std::uint64_t number = 1; number < 100000; ++number) {
+        messages.Release(messages.Begin());
+        EXPECT_EQ(messages.Next(), number + 1);
+    }
+    EXPECT_EQ(messages.First(), 0u);
+    EXPECT_THAT(messages.DoneFrom(0), ElementsAre(NumberRange{1, 100000}));
+    EXPECT_THAT(messages.TakeDone(), ElementsAre(NumberRange{1, 100000}));
+    messages.Hold(0);
+    messages.Release(0);
+    EXPECT_FALSE(messages.Empty());
+    messages.Release(0);
+    EXPECT_THAT(messages.TakeDone(), ElementsAre(NumberRange{0, 1}));
+    EXPECT_TRUE(messages.Empty());
+    EXPECT_EQ(messages.First(), 100000u);
+}
+
 }  // namespace
 }  // namespace ipc_client
