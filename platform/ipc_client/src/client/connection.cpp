@@ -68,7 +68,7 @@ bool Connection::Send(std::string_view frame) {
     if (!m_isWatching) WatchSilence();
     if (!m_open) return true;
     m_open->Append(frame);
-    m_open->Flush();
+    m_open->FlushGathered();
     return true;
 }
 

@@ -7,6 +7,7 @@
 #include <new>
 #include <span>
 #include <thread>
+#include <utility>
 
 #include "base/reason.h"
 #include "diagnostics.h"
@@ -41,15 +42,33 @@ void PipeChannel::Append(std::string_view frames) {
 
 void PipeChannel::Flush() {
     const base::MutexLock lock(m_mutex);
+    FlushLocked();
+}
+
+void PipeChannel::FlushGathered() {
+    constexpr std::chrono::microseconds kClose{20};
+    const auto now = std::chrono::steady_clock::now();
+    const base::MutexLock lock(m_mutex);
+    if (m_closed || m_writing || !m_writable) return;
+    if (now - std::exchange(m_lastWrite, now) < kClose) {
+        LeaveToIoThread();
+    } else {
+        FlushLocked();
+    }
+}
+
+void PipeChannel::FlushLocked() {
     if (m_closed || m_writing || !m_writable) return;
     for (std::string_view chunk = m_out.Chunk(); !chunk.empty(); chunk = m_out.Chunk()) {
         const std::size_t written = WriteNow(m_socket, chunk);
         m_out.Written(written);
-        if (written == chunk.size()) continue;
-        asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->WriteOn(); });
-        m_writing = true;
-        return;
+        if (written != chunk.size()) return LeaveToIoThread();
     }
+}
+
+void PipeChannel::LeaveToIoThread() {
+    asio::post(m_socket.get_executor(), [self = shared_from_this()] { self->WriteOn(); });
+    m_writing = true;
 }
 
 std::size_t PipeChannel::Backlog() const {

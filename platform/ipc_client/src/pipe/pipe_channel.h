@@ -49,6 +49,10 @@ public:
     // Writes what the pipe takes at once and leaves the rest to the I/O thread. Any thread.
     void Flush();
 
+    // As Flush, but what comes close behind what was written last is left to the I/O thread, which writes all that has
+    // gathered at once. Any thread.
+    void FlushGathered();
+
     // Bytes queued and not yet written. Any thread.
     std::size_t Backlog() const;
 
@@ -75,6 +79,8 @@ private:
     void HandleRead(std::error_code error, std::size_t bytes);
     void TakeBatch();
     void TakeFrames();
+    void FlushLocked() BASE_REQUIRES(m_mutex);
+    void LeaveToIoThread() BASE_REQUIRES(m_mutex);
     void WriteAsync();
     void HandleWritten(std::error_code error, std::size_t bytes);
     void WriteOn();
@@ -96,7 +102,8 @@ private:
     OutQueue m_out BASE_GUARDED_BY(m_mutex);
     bool m_writing BASE_GUARDED_BY(m_mutex) = false;  // an asynchronous write is under way or about to be
     bool m_writable BASE_GUARDED_BY(m_mutex) = true;  // no write has failed
-    std::atomic<bool> m_closed{false};                // set on the I/O thread, with the mutex held
+    std::chrono::steady_clock::time_point m_lastWrite BASE_GUARDED_BY(m_mutex);  // by FlushGathered
+    std::atomic<bool> m_closed{false};  // set on the I/O thread, with the mutex held
 };
 
 // Runs the I/O thread's work until the context is stopped. An exception (no memory left, say) costs the one handler
