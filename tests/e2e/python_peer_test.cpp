@@ -17,12 +17,16 @@ int PercentOf(const std::string& line) {
 
 class PythonPeerTest : public PageE2ETest {
 protected:
-    // Returns once it has ended with that exit code.
-    std::unique_ptr<test_process::Process> Run(std::vector<std::string> arguments, int expected) const {
+    std::unique_ptr<test_process::Process> Start(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), PROJECT_FOLDER "/docs/examples/python_peer/accessory_peer.py");
         auto environment = Environment();
         environment["PYTHONIOENCODING"] = "utf-8";
-        auto peer = std::make_unique<test_process::Process>(PYTHON_PROGRAM, arguments, environment);
+        return std::make_unique<test_process::Process>(PYTHON_PROGRAM, arguments, environment);
+    }
+
+    // Returns once it has ended with that exit code.
+    std::unique_ptr<test_process::Process> Run(std::vector<std::string> arguments, int expected) const {
+        auto peer = Start(std::move(arguments));
         EXPECT_EQ(peer->WaitForEnd(), expected) << peer->Output().Text() << peer->Errors().Text();
         return peer;
     }
@@ -60,6 +64,18 @@ TEST_F(PythonPeerTest, TellsAnUpdateThatFails) {
     EXPECT_EQ(peer->Errors().Text(), "accessory_peer: pen: the update has failed\n");
 }
 
+TEST_F(PythonPeerTest, FollowsAnUpdateFromOneServiceToTheNext) {
+    AddAccessory("pen");
+    StartService({"--rate", kSlowRate});
+    ASSERT_TRUE(ServiceLogs("ready"));
+    const auto peer = Start({"update", "pen"});
+    ASSERT_TRUE(peer->Output().WaitFor("pen: 1"));
+    KillService();
+    StartService();
+    EXPECT_EQ(peer->WaitForEnd(), 0) << peer->Errors().Text();
+    EXPECT_EQ(peer->Output().Lines().back(), "pen: up to date");
+}
+
 TEST_F(PythonPeerTest, SaysThatThereIsNoService) {
     EXPECT_THAT(Run({"list"}, 1)->Errors().Text(), HasSubstr("iKorvelAssistant.sock: No such file or directory"));
 }
@@ -75,6 +91,12 @@ TEST_F(PythonPeerTest, LeavesABrokerOfAnotherVersion) {
 TEST_F(PythonPeerTest, LeavesABrokerThatSendsAWrongFrame) {
     const ipc_test::RawBroker broker(PipeSocket(), ipc_test::Hello() + std::string("\x01\0\0\0\x01x", 6));
     EXPECT_THAT(Run({"list"}, 1)->Errors().Text(), HasSubstr("the broker has sent a wrong frame: type 1, 1 bytes"));
+}
+
+TEST_F(PythonPeerTest, SaysWhyABrokerRefusesIt) {
+    const ipc_test::RawBroker broker(PipeSocket(),
+                                     ipc_test::Hello() + std::string("\x0C\0\0\0\x07\3\0\0\0too many", 17));
+    EXPECT_THAT(Run({"list"}, 1)->Errors().Text(), HasSubstr("the broker refuses this peer: too many"));
 }
 
 }  // namespace
