@@ -53,8 +53,9 @@ void Serve(const Catalogue& catalogue, const CommandLine& commandLine, const Log
     log(LOG_LEVEL_EVENT, "ready " + base::Utf8FromWide(IPC_PIPE_ASSISTANT));
 
     log(LOG_LEVEL_EVENT, std::string("stops: ") + base::WaitForStopSignal());
-    client.UnRegisterMessageCallbackAll();
     service.Stop();
+    broker.Stop();  // before the callbacks go: what they have not been called for by then is the next service's
+    client.UnRegisterMessageCallbackAll();
 }
 
 int Main(int argc, const char* const* argv) {

@@ -190,6 +190,10 @@ void UpdateService::OnPause(const IpcLife& page, const std::string& deviceKey) {
 }
 
 void UpdateService::Stop() {
+    {
+        const base::MutexLock lock(m_launchMutex);
+        m_isStopping = true;
+    }
     for (auto& [key, device] : m_devices) device.worker.request_stop();
     m_stopInstallers.request_stop();
     for (auto& [key, device] : m_devices) {
@@ -202,13 +206,15 @@ UpdateService::Device* UpdateService::FindDevice(const std::string& deviceKey) {
     return found == m_devices.end() ? nullptr : &found->second;
 }
 
-// An earlier worker of the device has ended, or ends within one chunk.
+// An earlier worker of the device has ended, or ends within one chunk. While the service stops, none is made.
 void UpdateService::Launch(Device& device) {
-    if (device.worker.joinable()) device.worker.join();
+    const base::MutexLock launchLock(m_launchMutex);
+    if (!m_isStopping && device.worker.joinable()) device.worker.join();
     {
         const base::MutexLock lock(m_mutex);
         SetPhase(device, Phase::kDownloading);
     }
+    if (m_isStopping) return LogRequest(LOG_LEVEL_DETAIL, device, "started, for the next service to carry out");
     LogRequest(LOG_LEVEL_DETAIL, device, "started" + FromWhere(device));
     device.worker = std::jthread([this, &device](std::stop_token stop) { Update(device, stop); });
 }

@@ -107,7 +107,7 @@ public:
     void OnLeft(const IpcLife& page) override;
 
     // Ends the transfers, which go on when the next service starts, and waits for installers as long as the options
-    // say. Nothing is sent afterwards. No request may come in any more.
+    // say. What is asked from then on is answered, and written into the state file for the next service to carry out.
     void Stop();
 
 private:
@@ -150,6 +150,9 @@ private:
     const Log m_log;
     base::LineBudget m_lines;
     std::stop_source m_stopInstallers;
+
+    base::Mutex m_launchMutex;  // taken before m_mutex; while it is held a worker may be made
+    bool m_isStopping BASE_GUARDED_BY(m_launchMutex) = false;
 
     base::Mutex m_mutex;  // also guards the devices' phases and percentages, and the state file
     std::map<std::string, int> m_failAt BASE_GUARDED_BY(m_mutex);  // as in the options, less those that have failed

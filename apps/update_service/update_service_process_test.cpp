@@ -180,6 +180,24 @@ TEST_F(ServiceProcessTest, EndsCleanlyHoweverItIsAskedTo) {
     }
 }
 
+// So many that it is asked to end before it has read them all.
+TEST_F(ServiceProcessTest, WhatWasAskedBeforeItEndedItOrTheNextOneCarriesOut) {
+    constexpr int kDevices = 40;
+    for (int i = 0; i < kDevices; ++i) AddAccessory("key-" + std::to_string(i));
+    Start();
+    ASSERT_TRUE(WaitForError("ready"));
+    for (int i = 0; i < kDevices; ++i) m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"key-" + std::to_string(i)});
+    ASSERT_TRUE(WaitForError("key-0: started"));
+    m_process->AskToEnd();
+    ASSERT_EQ(m_process->WaitForEnd(), 0) << Errors();
+
+    Start();
+    for (int i = 0; i < kDevices; ++i) {
+        const std::string key = "key-" + std::to_string(i);
+        EXPECT_TRUE(test_support::WaitUntil([&] { return IsInstalled(key); })) << key;
+    }
+}
+
 TEST_F(ServiceProcessTest, SaysWhenItIsReadyOnTheConsoleAndInTheLogFile) {
     AddAccessory("pen");
     Start({"--log-file", (m_folder / "service.log").string()});

@@ -313,6 +313,26 @@ TEST_F(PenTest, ADownloadThatRanWhenTheServiceStoppedGoesOnByItself) {
     EXPECT_TRUE(m_log.Has("pen: goes on: it was downloading"));
 }
 
+TEST_F(ServiceTest, WhatIsAskedWhileTheServiceStopsTheNextOneDoes) {
+    for (const char* key : {"pen", "dock"}) AddAccessory(key);
+    m_options.bytesPerSecond = kSlow;
+    Start();
+    m_service->OnStart(kPage, "dock");
+    ASSERT_TRUE(Told("progress dock 5"));
+    m_service->Stop();
+    m_service->OnStart(kPage, "pen");
+    m_service->OnPause(kPage, "dock");
+    EXPECT_EQ(Remembered("pen"), Phase::kDownloading);
+    EXPECT_EQ(Remembered("dock"), Phase::kPaused);
+
+    m_options.bytesPerSecond = 0;
+    Start();
+    m_service->OnReady(kPage);
+    ASSERT_TRUE(Told("ended pen"));
+    EXPECT_TRUE(IsInstalled("pen"));
+    EXPECT_FALSE(IsInstalled("dock"));
+}
+
 TEST_F(PenTest, APausedDownloadStaysPausedInTheNextService) {
     ASSERT_TRUE(FetchPenSlowly());
     m_service->OnPause(kPage, "pen");
