@@ -149,22 +149,14 @@ std::string NameOf(const testing::TestParamInfo<OrdersTest::ParamType>& row) {
     return std::string(kGoing[static_cast<int>(who)]) + "When" + kStages[static_cast<int>(stage)];
 }
 
-// What a service that is just ending is asked is lost, so a page that has not got its list may stay without.
-INSTANTIATE_TEST_SUITE_P(First, OrdersTest,
-                         testing::Combine(testing::Values(Stage::kBeforeReady),
-                                          testing::Values(Goes::kServiceKilled, Goes::kHostKilled, Goes::kHostEnded,
-                                                          Goes::kPageLeft, Goes::kBothKilledServiceBackFirst,
-                                                          Goes::kBothKilledHostBackFirst)),
-                         NameOf);
-
-INSTANTIATE_TEST_SUITE_P(Then, OrdersTest,
-                         testing::Combine(testing::Values(Stage::kListed, Stage::kStarted, Stage::kDownloading,
-                                                          Stage::kPaused, Stage::kInstalling, Stage::kEnded),
-                                          testing::Values(Goes::kServiceKilled, Goes::kServiceEnded, Goes::kHostKilled,
-                                                          Goes::kHostEnded, Goes::kPageLeft,
-                                                          Goes::kBothKilledServiceBackFirst,
-                                                          Goes::kBothKilledHostBackFirst)),
-                         NameOf);
+INSTANTIATE_TEST_SUITE_P(
+    All, OrdersTest,
+    testing::Combine(testing::Values(Stage::kBeforeReady, Stage::kListed, Stage::kStarted, Stage::kDownloading,
+                                     Stage::kPaused, Stage::kInstalling, Stage::kEnded),
+                     testing::Values(Goes::kServiceKilled, Goes::kServiceEnded, Goes::kHostKilled, Goes::kHostEnded,
+                                     Goes::kPageLeft, Goes::kBothKilledServiceBackFirst,
+                                     Goes::kBothKilledHostBackFirst)),
+    NameOf);
 
 using StartStopTest = PageE2ETest;
 
