@@ -55,6 +55,12 @@ bool Ledger::Read() {
     return anything;
 }
 
+namespace {
+
+std::string AnswersFor(const std::string& life, const std::string& page) { return life + " for " + page; }
+
+}  // namespace
+
 void Ledger::TakeLine(const std::string& line, const std::string& reader) {
     std::istringstream words(line);
     std::string kind, sender, about;
@@ -74,6 +80,11 @@ void Ledger::TakeLine(const std::string& line, const std::string& reader) {
         ++m_requestsHandled;
     } else if (kind == "note") {
         m_notes[sender][reader].numbers.push_back(number);
+    } else if (kind == "answered") {
+        m_answered[AnswersFor(sender, about)] = number + 1;
+    } else if (kind == "answer") {
+        if (about != reader) m_tally.Find(Wrong::kDisorder, reader + " got an answer that is for " + about);
+        m_answers[AnswersFor(sender, about)][reader].numbers.push_back(number);
     } else if (kind == "news") {
         m_news[sender][reader].numbers.push_back(number);
     } else {
@@ -125,10 +136,16 @@ std::string Listed(const std::set<int>& numbers) {
 
 }  // namespace
 
+std::set<int> Ledger::MissingAnswers(const std::string& page, const std::string& life) const {
+    const std::string answers = AnswersFor(life, page);
+    return Missing(At(m_answers, answers), At(m_answered, answers));
+}
+
 bool Ledger::IsComplete(const std::set<std::string>& pages, const std::string& lastLife) const {
     return std::all_of(pages.begin(), pages.end(), [&](const std::string& page) {
         return HasPosted(page) && Missing(At(m_requests, page), At(m_requestsPosted, page)).empty() &&
-               Missing(At(m_notes, page), At(m_notesPosted, page)).empty() && MissingNews(page, lastLife).empty();
+               Missing(At(m_notes, page), At(m_notesPosted, page)).empty() && MissingNews(page, lastLife).empty() &&
+               MissingAnswers(page, lastLife).empty();
     });
 }
 
@@ -181,6 +198,13 @@ Tally Ledger::Losses(const std::set<std::string>& pages, const std::string& last
     JudgeLosses("requests", m_requests, m_requestsPosted, pages, tally);
     JudgeLosses("notes", m_notes, m_notesPosted, pages, tally);
     JudgeNews(pages, lastLife, tally);
+    for (const auto& [answers, readers] : m_answers) {  // of lives that ended and pages that were killed, too
+        for (const auto& [page, heard] : readers)
+            Lose(tally, "answers of " + answers, Missing(readers, heard.BehindLast()));
+    }
+    for (const std::string& page : pages) {
+        Lose(tally, "answers of " + AnswersFor(lastLife, page), MissingAnswers(page, lastLife));
+    }
     return tally;
 }
 
@@ -189,6 +213,7 @@ Tally Ledger::Order() const {
     JudgeOrder("requests", m_requests, tally);
     JudgeOrder("notes", m_notes, tally);
     JudgeOrder("news", m_news, tally);
+    JudgeOrder("answers", m_answers, tally);
     return tally;
 }
 

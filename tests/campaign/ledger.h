@@ -75,6 +75,7 @@ private:
     void TakeLine(const std::string& line, const std::string& reader);
     static std::set<int> Missing(const Readers& readers, int count);
     std::set<int> MissingNews(const std::string& page, const std::string& life) const;
+    std::set<int> MissingAnswers(const std::string& page, const std::string& life) const;
 
     static void JudgeOrder(const std::string& kind, const BySender& all, Tally& tally);
     static void JudgeLosses(const std::string& kind, const BySender& all, const std::map<std::string, int>& posted,
@@ -86,6 +87,8 @@ private:
     BySender m_notes;
     BySender m_news;                                           // by the life of the service that told them
     std::map<std::string, std::map<int, std::string>> m_told;  // by that life: the page that each was about
+    BySender m_answers;                                        // by that life and the page that they are for
+    std::map<std::string, int> m_answered;                     // by both
     std::map<std::string, int> m_requestsPosted;               // by page
     std::map<std::string, int> m_notesPosted;
     std::size_t m_requestsHandled = 0;

@@ -22,7 +22,7 @@ struct Options {
     std::uint64_t first = 1;
     int rounds = 500;
     std::string of = "messages";
-    int patience = 2000;  // [ms]
+    int patience = 5000;  // [ms]
     bool calm = false;
     bool keep = false;
 };

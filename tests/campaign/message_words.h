@@ -23,6 +23,8 @@ inline constexpr int kHostEndpoint = 0xB20018;
 inline constexpr int kRequest = 1;  // from a page to the service: "PAGE NUMBER"
 inline constexpr int kNote = 2;     // from a page to the host in its process: "PAGE NUMBER"
 inline constexpr int kNews = 3;     // from the service to every page, one for each request: "LIFE NUMBER PAGE"
+inline constexpr int kAnswer =
+    4;  // from the service to the page that asked: "LIFE NUMBER PAGE", numbered for each page
 
 // The words, a blank, and `padding` letters that follow from them: a message that is damaged or mixed is noticed.
 inline std::string Padded(const std::string& words, std::size_t padding) {
@@ -41,14 +43,15 @@ inline std::optional<std::string> WordsOf(const TagIPCMessageItem& item) {
     return words;
 }
 
-inline bool Post(IPCMessageClient& client, int source, int destination, int message, std::string data) {
+// The item of a message; it refers to `data`.
+inline TagIPCMessageItem Item(int source, int destination, int message, std::string& data) {
     TagIPCMessageItem item;
     item.destId = destination;
     item.sourceId = source;
     item.msgId = message;
     item.data = data.data();
     item.dataLen = static_cast<std::int32_t>(data.size());
-    return client.PostIPCMessage(item);
+    return item;
 }
 
 // Lines that survive the death of whoever writes them. Any thread.

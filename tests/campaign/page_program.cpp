@@ -4,9 +4,10 @@
 //     campaign_page PAGE SEED MESSAGES HERE BROKER RECORD LOG [calm]
 //
 // HERE is the relay's folder, in which the clients look for their pipe; BROKER the folder of the broker's. Posts so
-// many requests to the service, and as many notes to the host, at once. Writes down what it handles, "note PAGE NUMBER"
-// and "news LIFE NUMBER PAGE", what it has posted, "requests COUNT" and "notes COUNT", and each fault, "fault NAME". A
-// line of its input is another request and another note; it ends with its input. Calm, the relay lets nothing go wrong.
+// many requests to the service, and as many notes to the host, at once. Writes down what it handles, "note PAGE
+// NUMBER", "news LIFE NUMBER PAGE" and "answer LIFE NUMBER PAGE"; what it has posted, "requests PAGE COUNT" and "notes
+// PAGE COUNT"; and each fault, "fault NAME". A line of its input is another request and another note; it ends with its
+// input. Calm, the relay lets nothing go wrong.
 
 #include <iostream>
 #include <thread>
@@ -37,7 +38,8 @@ public:
         const int longest = m_isHeavy ? 300'000 : 20'000;
         const int padding = isLong ? m_random.Between(1000, longest) : m_random.Between(0, 200);
         const std::string words = m_page + " " + std::to_string(m_count);
-        if (Post(m_client, 0, m_destination, m_message, Padded(words, static_cast<std::size_t>(padding)))) ++m_count;
+        std::string data = Padded(words, static_cast<std::size_t>(padding));
+        if (m_client.PostIPCMessage(Item(0, m_destination, m_message, data))) ++m_count;
     }
 
     // In bursts, as people and programs do.
@@ -63,6 +65,7 @@ private:
 void Run(const std::string& page, std::uint64_t seed, int messages, Record& record) {
     IPCMessageClient pageClient(kPageEndpoint, true, false, kPipe);
     pageClient.RegisterMessageCallback(kNews, [&](TagIPCMessageItem& item) { record.AddMessage("news", item); });
+    pageClient.RegisterMessageCallback(kAnswer, [&](TagIPCMessageItem& item) { record.AddMessage("answer", item); });
     IPCMessageClient hostClient(kHostEndpoint, true, false, kPipe);
     hostClient.RegisterMessageCallback(kNote, [&](TagIPCMessageItem& item) { record.AddMessage("note", item); });
 
