@@ -268,6 +268,7 @@ void BrokerLoop::Greet(BrokerPeer& peer, const Introduction& introduction, bool 
     if (!done.empty()) AppendNumbers(frames, FrameType::kAcknowledge, done);
     frames += peer.DeliveriesFrom(introduction.received);
     peer.Session()->Append(frames);
+    TellWaitingAnew(peer);
     Touch(peer);
 }
 

@@ -96,6 +96,7 @@ private:
     void Touch(BrokerPeer& peer);
     void FlushTouched();
     void Flush(BrokerPeer& peer);
+    void TellWaitingAnew(BrokerPeer& sender);
     void AppendNews(BrokerPeer& sender);
     void PauseIfItOwes(BrokerSession& session);
     void ResumeSettled();

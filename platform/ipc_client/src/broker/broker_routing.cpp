@@ -245,6 +245,11 @@ void BrokerLoop::Flush(BrokerPeer& peer) {
     if (stays != nullptr && stays->Session() != nullptr && !stays->IsNamed()) TakeOutWritten(*stays);
 }
 
+// All of it, to one that may not have heard.
+void BrokerLoop::TellWaitingAnew(BrokerPeer& sender) {
+    sender.Waiting() = m_pending.NumbersOf(sender.Number(), sender.IsOwn() ? kService : sender.Number());
+}
+
 // What a sender is to know of its messages.
 void BrokerLoop::AppendNews(BrokerPeer& sender) {
     if (!sender.IsNamed()) return;

@@ -88,4 +88,20 @@ std::vector<PendingMessages::Taken> PendingMessages::Take(std::span<const Route>
     return taken;
 }
 
+std::vector<NumberRange> PendingMessages::NumbersOf(unsigned peer, Sender sender) const {
+    std::vector<NumberRange> numbers;
+    const auto entry = m_senders.find(sender);
+    if (entry == m_senders.end()) return numbers;
+    for (const std::uint64_t arrival : entry->second.numbers) {
+        const Origin& origin = m_messages.at(arrival).origin;
+        if (origin.peer != peer) continue;
+        if (!numbers.empty() && numbers.back().behind == origin.stamp.number) {
+            ++numbers.back().behind;
+        } else {
+            numbers.push_back({origin.stamp.number, origin.stamp.number + 1});
+        }
+    }
+    return numbers;
+}
+
 }  // namespace ipc_client

@@ -47,6 +47,9 @@ public:
     // across the routes.
     std::vector<Taken> Take(std::span<const Route> routes, const std::function<bool(Sender)>& isFor);
 
+    // Which messages of that peer there are, by its own numbers.
+    std::vector<NumberRange> NumbersOf(unsigned peer, Sender sender) const;
+
     std::size_t Count() const { return m_messages.size(); }
 
 private:

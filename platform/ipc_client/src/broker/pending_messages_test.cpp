@@ -109,5 +109,22 @@ TEST(PendingMessages, WhatWasTakenMakesRoom) {
     }
 }
 
+TEST(PendingMessages, TheNumbersOfAPeersMessagesAreThoseThatWait) {
+    PendingMessages pending({});
+    const auto add = [&](Route route, unsigned peer, std::uint64_t number) {
+        Origin origin = From(peer);
+        origin.stamp.number = number;
+        pending.Add(route, kOne, origin, "");
+    };
+    for (const std::uint64_t number : {3, 4, 6}) add(kList, kOne, number);
+    add(kProgress, kOne, 7);
+    add(kList, kOther, 5);
+    EXPECT_THAT(pending.NumbersOf(kOne, kOne), ElementsAre(NumberRange{3, 5}, NumberRange{6, 8}));
+    EXPECT_THAT(pending.NumbersOf(kOther, kOne), ElementsAre(NumberRange{5, 6}));
+    EXPECT_THAT(pending.NumbersOf(kOther, kOther), IsEmpty());
+    Take(pending, {kProgress});
+    EXPECT_THAT(pending.NumbersOf(kOne, kOne), ElementsAre(NumberRange{3, 5}, NumberRange{6, 7}));
+}
+
 }  // namespace
 }  // namespace ipc_client

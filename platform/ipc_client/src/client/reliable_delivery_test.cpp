@@ -166,6 +166,21 @@ TEST_F(ReliableDelivery, AConnectionGoesOnWhereTheLastOneBroke) {
     again.Write(NumbersFrame(FrameType::kAcknowledge, {{0, 3}}));
 }
 
+TEST_F(ReliableDelivery, WhatWaitsForSomebodyIsToldAnewOnEachConnection) {
+    IPCBroker broker(kPipe);
+    broker.Start();
+    for (const std::uint32_t connection : {1, 2, 3}) {
+        NamedPeer page(SocketPath(), Page(connection));
+        if (connection == 1) page.Write(Start("0") + Start("1"));
+        std::uint64_t told = 0;
+        while (told < 2) {
+            const NamedPeer::Frame frame = page.Read();
+            ASSERT_EQ(frame.type, FrameType::kWaiting) << "on connection " << connection;
+            told = ipc_client::DecodeNumbers(frame.body).back().behind;
+        }
+    }
+}
+
 TEST_F(ReliableDelivery, AnEarlierIntroductionThatComesLateLeavesTheConnectionAlone) {
     IPCBroker broker(kPipe);
     broker.Start();
