@@ -1,25 +1,24 @@
-// A broker with four connections: the service's own and three of another process. The input is a script of what they
-// do, from well-behaved to bytes of any kind. The broker's thread is this one, so that each input does the same every
-// time.
+// A broker with four peers: the service and three of another process, whose connections come and go. The input is a
+// script of what they do, from well-behaved to bytes of any kind. The broker's thread is this one, so that each input
+// does the same every time.
 
 #include <algorithm>
 #include <array>
 #include <asio/io_context.hpp>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "base/file.h"
 #include "broker/broker_loop.h"
-#include "broker_peer.h"
 #include "foreign_process.h"
 #include "fuzz_target.h"
 #include "ipc_client/ipc_diagnostics.h"
+#include "pipe_peer.h"
 
 namespace {
 
 using namespace ipc_client;
-using fuzz::BrokerPeer;
+using fuzz::PipePeer;
 
 // Small enough to be reached by a short script.
 IPCBrokerLimits Limits() {
@@ -47,84 +46,117 @@ const fuzz::ForeignProcess& Foreigner() {
 
 class Play {
 public:
-    // One byte says who does something (2 bits) and what (3 bits), the last bit that it connects without a word.
-    // Whoever is not connected does that first. What the act needs follows.
+    // One byte says who does something (2 bits), what (4 bits), and how it connects, where it is not connected or does
+    // that once more. What the act needs follows.
     void Step(std::string_view& script) {
         const std::uint8_t what = fuzz::TakeByte(script);
-        const std::int32_t number = what % 4;
-        std::optional<BrokerPeer>& peer = m_peers[static_cast<std::size_t>(number)];
-        if (!peer) {
-            Connect(peer, number, number == BrokerPeer::kService || (what & 0x80) == 0);
-        } else if (what / 4 % 8 == 0) {
-            peer.reset();
+        PipePeer& peer = m_peers[what % 4];
+        const int act = what / 4 % 16;
+        if (!peer.IsConnected() || act == 0) {
+            Connect(peer, what % 4 == PipePeer::kService, what / 64);
         } else {
-            Act(what / 4 % 8, *peer, number, script);
+            Act(act, peer, script);
         }
         Serve();
     }
 
-    // The service is never cut off for what others do.
+    // The service is never cut off for what others do. Where everybody is there and handles what it gets, all that was
+    // posted is done, or waits for somebody to announce it.
     void End() {
-        Serve();
-        std::optional<BrokerPeer>& service = m_peers[BrokerPeer::kService];
-        if (!service || m_serviceIsWild) return;
-        service->Receive(m_trusted);
-        fuzz::Require(!service->IsClosed(), "the service stays connected");
+        PipePeer& service = m_peers[PipePeer::kService];
+        const bool wasConnected = service.IsConnected() && !m_serviceIsWild;
+        for (bool goesOn = true; goesOn;) {
+            Serve();
+            goesOn = false;
+            for (PipePeer& peer : m_peers) {
+                goesOn = Receive(peer) || goesOn;
+                goesOn = peer.Handle(1000, false) || goesOn;
+            }
+        }
+        fuzz::Require(!wasConnected || service.IsConnected(), "the service stays connected");
+        if (!m_trusted || std::ranges::any_of(m_peers, &PipePeer::IsAwaited)) return;
+        fuzz::Require(std::ranges::all_of(m_peers, &PipePeer::IsSettled), "what was handled is done");
     }
 
 private:
-    void Connect(std::optional<BrokerPeer>& peer, std::int32_t number, bool withHello) {
-        if (number == BrokerPeer::kService) {
-            peer.emplace(ConnectPipe(m_io, SocketPath()), number);
-        } else {
-            PipeSocket socket(m_io);
-            socket.assign(asio::local::stream_protocol(), Foreigner().Connect().ReleaseDescriptor());
-            peer.emplace(std::move(socket), number);
+    void Connect(PipePeer& peer, bool isService, int manner) {
+        constexpr PipePeer::Manner kManners[] = {PipePeer::Manner::kNamed, PipePeer::Manner::kNamed,
+                                                 PipePeer::Manner::kAnonymous, PipePeer::Manner::kSilent};
+        if (isService) {
+            if (manner == 3) manner = 0;
+            return peer.Connect(ConnectPipe(m_io, SocketPath()), kManners[manner]);
         }
-        std::string hello;
-        if (withHello) AppendHello(hello);
-        peer->Send(hello);
+        PipeSocket socket(m_io);
+        socket.assign(asio::local::stream_protocol(), Foreigner().Connect().ReleaseDescriptor());
+        peer.Connect(std::move(socket), kManners[manner]);
     }
 
-    void Act(int what, BrokerPeer& peer, std::int32_t number, std::string_view& script) {
-        switch (what) {
+    void Act(int act, PipePeer& peer, std::string_view& script) {
+        const bool isService = &peer == &m_peers[PipePeer::kService];
+        switch (act) {
             case 1:
-                return SendRoutes(peer, number, FrameType::kAnnounce, fuzz::TakeByte(script));
+                return peer.Announce(Bits(script, isService));
             case 2:
-                return SendRoutes(peer, number, FrameType::kWithdraw, fuzz::TakeByte(script));
+                return peer.Withdraw(Bits(script, isService));
             case 3:
-                return peer.Receive(m_trusted);
             case 4:
-                return SendAnything(peer, number, script);
-            default: {
-                const std::uint8_t route = fuzz::TakeByte(script);
-                const std::size_t root = fuzz::TakeByte(script);
-                return peer.Post(RouteOf(route % 8), ++m_serial, root * root);
-            }
+                return void(Receive(peer));
+            case 5:
+                return SendAnything(peer, isService, script);
+            case 6:
+                return peer.Cut();
+            case 7:
+                return peer.Leave();
+            case 8:
+            case 9:
+                return void(peer.Handle(fuzz::TakeByte(script) % 8, act == 9));
+            case 10:
+                return peer.Ask();
+            case 11:
+                return PostTo(peer, isService, script);
+            default:
+                return Post(peer, nullptr, script);
         }
     }
-
-    static Route RouteOf(int bit) { return {bit / 4, bit % 4}; }
 
     // The service announces no more than it may: that would be its own fault.
-    static void SendRoutes(BrokerPeer& peer, std::int32_t number, FrameType type, std::uint8_t bits) {
-        const int most = number == BrokerPeer::kService ? 7 : 8;
-        std::vector<Route> routes;
-        for (int bit = 0; bit < most; ++bit) {
-            if ((bits >> bit & 1) != 0) routes.push_back(RouteOf(bit));
-        }
-        if (routes.empty()) return;
-        std::string frame;
-        AppendRoutes(frame, type, routes);
-        peer.Send(frame);
+    static std::uint8_t Bits(std::string_view& script, bool isService) {
+        return static_cast<std::uint8_t>(fuzz::TakeByte(script) & (isService ? 0x1F : 0xFF));
     }
 
-    void SendAnything(BrokerPeer& peer, std::int32_t number, std::string_view& script) {
+    void Post(PipePeer& peer, const PipePeer* to, std::string_view& script) {
+        const std::uint8_t route = fuzz::TakeByte(script);
+        const std::size_t root = fuzz::TakeByte(script);
+        peer.Post(PipePeer::RouteOf(route % 8), ++m_serial, root * root, to);
+    }
+
+    // Only the service may.
+    void PostTo(PipePeer& peer, bool isService, std::string_view& script) {
+        const PipePeer& to = m_peers[fuzz::TakeByte(script) % 4];
+        if (isService && to.IsNamed()) Post(peer, &to, script);
+    }
+
+    void SendAnything(PipePeer& peer, bool isService, std::string_view& script) {
         const std::size_t length = std::min<std::size_t>(fuzz::TakeByte(script), script.size());
         peer.Send(script.substr(0, length));
         script.remove_prefix(length);
         m_trusted = false;
-        if (number == BrokerPeer::kService) m_serviceIsWild = true;
+        m_serviceIsWild = m_serviceIsWild || isService;
+    }
+
+    bool Receive(PipePeer& peer) {
+        const bool hasCome = peer.Receive(m_trusted);
+        for (const PipePeer::MessageId& done : peer.TakeDone()) {
+            for (PipePeer& other : m_peers) CheckDone(done, other);
+        }
+        return hasCome;
+    }
+
+    // One that holds a message may have been forgotten: then it has lost its connection.
+    void CheckDone(const PipePeer::MessageId& done, PipePeer& holder) {
+        if (!m_trusted || !holder.IsOpen() || !holder.Holds(done)) return;
+        holder.Receive(m_trusted);
+        fuzz::Require(!holder.IsOpen(), "a message is done when it was handled");
     }
 
     void Serve() {
@@ -135,7 +167,7 @@ private:
 
     asio::io_context m_io{1};
     BrokerLoop m_loop{m_io, SocketPath(), Limits()};
-    std::array<std::optional<BrokerPeer>, 4> m_peers;
+    std::array<PipePeer, 4> m_peers{PipePeer{0}, PipePeer{1}, PipePeer{2}, PipePeer{3}};
     std::int32_t m_serial = 0;
     bool m_trusted = true;
     bool m_serviceIsWild = false;

@@ -35,7 +35,6 @@ void PipePeer::BeginLife() {
     m_posted = {};
     m_received = {};
     m_unhandled.clear();
-    m_present.clear();
     m_serials.clear();
 }
 
@@ -128,7 +127,7 @@ void PipePeer::Post(Route route, std::int32_t serial, std::size_t bytes, const P
     item.dataLen = static_cast<std::int32_t>(bytes);
     std::string frame;
     if (to != nullptr) {
-        AppendAddressed(frame, std::vector<IpcLife>{to->m_life}, item);
+        AppendAddressed(frame, std::vector<IpcLife>{to->m_life}, static_cast<std::uint64_t>(serial), item);
     } else {
         AppendMessage(frame, item);
     }
@@ -197,13 +196,13 @@ void PipePeer::TakeIntroduction(const Introduction& broker, bool trusted) {
     m_isOpen = true;
     std::set<Route> routes = m_routes;
     if (m_number == kService) {
-        for (const int msgId : {kIpcPeerArrived, kIpcPeerLeft}) routes.insert({kIpcBrokerEndpoint, msgId});
+        for (const int msgId : {kIpcPeerArrived, kIpcPeerLeft}) routes.insert({0, msgId});
     }
     std::string frames = RoutesFrame(FrameType::kAnnounce, routes);
     if (const auto handled = m_received.DoneFrom(broker.first); !handled.empty()) {
         AppendNumbers(frames, FrameType::kAcknowledge, handled);
     }
-    if (broker.known != m_life) m_posted.WaitAnew();
+    m_posted.WaitAnew();
     Send(frames + m_posted.From(broker.received));
 }
 
@@ -211,21 +210,15 @@ void PipePeer::TakeDelivery(const DeliveryView& delivery, bool trusted) {
     const MessageView message = DecodeMessage(delivery.messageBody);
     if (!trusted) return;
     Require(m_isOpen, "deliveries come after the introduction");
-    const std::uint64_t number = m_received.Begin();
     const IpcLife& sender = delivery.stamp.sender.life;
-    m_unhandled.push_back({number, {sender, delivery.stamp.number}});
-    if (message.destId == kIpcBrokerEndpoint) return TakeNews(message.msgId, sender);
-    Require((sender == IpcLife()) || sender.bytes[4] == message.sourceId + 1, "a sender is who it says");
+    const bool isNews = message.msgId < 0;  // of the broker itself, about the sender
+    const MessageId id = isNews ? MessageId() : MessageId{sender, delivery.stamp.number};
+    m_unhandled.push_back({m_received.Begin(), id});
+    if (isNews) return Require(m_number == kService, "the broker's news are for the service");
+    Require(sender == IpcLife() || sender.bytes[4] == message.sourceId + 1, "a sender is who it says");
+    const std::int32_t event = message.headerWord3 == 0 ? 0 : message.headerWord1;
+    Require(delivery.stamp.event == static_cast<std::uint64_t>(event), "an event comes as it was posted");
     Check(message);
-}
-
-void PipePeer::TakeNews(int msgId, const IpcLife& life) {
-    Require(m_number == kService, "the broker's news are for the service");
-    if (msgId == kIpcPeerLeft) {
-        m_present.erase(life);
-    } else {
-        Require(m_present.insert(life).second, "who has come does not come again before it has left");
-    }
 }
 
 void PipePeer::TakeNumbers(FrameType type, std::string_view body, bool trusted) {

@@ -87,7 +87,6 @@ private:
     void TakeIntroduction(const ipc_client::Introduction& broker, bool trusted);
     void TakeDelivery(const ipc_client::DeliveryView& delivery, bool trusted);
     void TakeNumbers(ipc_client::FrameType type, std::string_view body, bool trusted);
-    void TakeNews(int msgId, const IpcLife& life);
     void Check(const ipc_client::MessageView& message);
 
     using Sender = std::pair<std::int32_t, std::int32_t>;  // number and generation
