@@ -1,5 +1,7 @@
 #include "ipc_page_link.h"
 
+#include <cstring>
+
 #include "base/text.h"
 #include "channel_client.h"
 #include "kernel/code_pages.h"
@@ -10,6 +12,10 @@ namespace {
 // Keys of devices cross the pipe in the system's page.
 std::string AnsiFromUtf8(const std::string& text) { return kernel::AnsiFromWide(base::WideFromUtf8(text)); }
 std::string Utf8FromAnsi(const std::string& text) { return base::Utf8FromWide(kernel::WideFromAnsi(text)); }
+
+// A note of the service to itself: it comes behind what a page that has come back had asked for meanwhile, and so what
+// it brings about is told behind what that has begun. From anybody else it would only be told once more.
+constexpr int kReturned = 0x7FFF0001;
 
 AccessoryVersionDataInfo RecordOf(const Accessory& accessory) {
     AccessoryVersionDataInfo record;
@@ -70,9 +76,22 @@ void ReceiveRequests(IPCMessageClient& client, PageRequests& requests) {
                            [=, &requests](const auto& payload) { requests.OnPause(page(), keyOf(payload)); });
     channel_client::Listen(client, from_page::IPC_MSG_ALL_UPDATE_DATA,
                            [=, &requests](const auto&) { requests.OnReady(page()); });
-    client.RegisterMessageCallback(kIpcPeerArrived, [=, &requests](TagIPCMessageItem& item) {
+    client.RegisterMessageCallback(kReturned, [&requests](TagIPCMessageItem& item) {
+        IpcLife returned;
+        if (item.dataLen != sizeof returned) return;
+        std::memcpy(&returned, item.data, sizeof returned);
+        requests.OnReturned(returned);
+    });
+    client.RegisterMessageCallback(kIpcPeerArrived, [=, &client](TagIPCMessageItem& item) {
         const bool mayHaveMissed = item.dataLen == 1 && *item.data != 0;
-        if (mayHaveMissed) requests.OnReturned(page());
+        if (!mayHaveMissed) return;
+        IpcLife returned = page();
+        TagIPCMessageItem note;
+        note.destId = note.sourceId = IPC_ENDPOINT_UPDATE_SERVICE;
+        note.msgId = kReturned;
+        note.data = reinterpret_cast<char*>(&returned);
+        note.dataLen = sizeof returned;
+        client.PostIPCMessage(note);
     });
 }
 

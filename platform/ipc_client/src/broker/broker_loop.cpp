@@ -130,7 +130,7 @@ void BrokerLoop::BatchEnded(BrokerSession& session) {
     const unsigned number = session.Number();  // it may end in here
     CountUnfinished(session, session.UnfinishedBytesNow());
     FlushTouched();
-    ForgetHeaviest();
+    GiveUpHeaviest();
     CloseUnfinished();
     if (BrokerSession* const open = FindSession(number)) PauseIfItOwes(*open);
     ResumeSettled();
@@ -239,7 +239,6 @@ bool BrokerLoop::TakeOver(BrokerSession& session, const Introduction& introducti
     BrokerPeer* peer = FindLife(introduction.life, session);
     if (peer == nullptr) return false;
     if (peer->HasSeen(introduction.connection)) throw ProtocolError("its life has had a later connection");
-    if (introduction.received < peer->FirstDelivery()) throw ProtocolError("it has handled more than it received");
     if (peer->Session() != nullptr) peer->Session()->Close("its process has connected anew", RefusalCode::kReplaced);
     peer = FindLife(introduction.life, session);
     if (peer == nullptr) return false;
@@ -284,10 +283,12 @@ void BrokerLoop::LookAfter(BrokerPeer& peer) {
         peer.Grace().async_wait([this, number = peer.Number()](std::error_code cancelled) {
             BrokerPeer* const absent = cancelled ? nullptr : FindPeer(number);
             if (absent == nullptr || absent->Session() != nullptr) return;
-            if (steady_clock::now() < absent->GraceEnds() && ProcessExists(absent->Identity().process)) {
-                return LookAfter(*absent);
+            if (!ProcessExists(absent->Identity().process)) {
+                Forget(*absent);
+            } else {
+                if (steady_clock::now() >= absent->GraceEnds()) GiveUp(*absent);
+                LookAfter(*absent);
             }
-            Forget(*absent);
             FlushTouched();
             ResumeSettled();
         });
@@ -296,31 +297,37 @@ void BrokerLoop::LookAfter(BrokerPeer& peer) {
     }
 }
 
-void BrokerLoop::Forget(BrokerPeer& peer) {
+// What waits for it is lost, and it is no receiver any more. What it has sent stays known, so that nothing of it is
+// taken twice when it comes back.
+void BrokerLoop::GiveUp(BrokerPeer& peer) {
     for (const Route& route : peer.Routes()) ForgetReceiver(peer, route);
-    if (peer.HasArrived()) TellService(peer, kIpcPeerLeft, {});
     std::size_t lost = 0;
     peer.TakeOut({0, peer.NextDelivery()}, [&](const BrokerPeer::Handled& handled) {
         Handled(peer, handled);
         ++lost;
     });
-    if (lost != 0) {
-        m_lines.Write(kIpcLogEvent, peer.Identity().process,
-                      [&] { return peer.Name() + " has gone: " + std::to_string(lost) + " messages for it are lost"; });
-    }
+    peer.GiveUp();
+    if (lost == 0) return;
+    m_lines.Write(kIpcLogEvent, peer.Identity().process,
+                  [&] { return peer.Name() + ": " + std::to_string(lost) + " messages for it are lost"; });
+}
+
+void BrokerLoop::Forget(BrokerPeer& peer) {
+    if (peer.HasArrived()) TellService(peer, kIpcPeerLeft, {});
+    GiveUp(peer);
     if (peer.IsNamed()) m_lives.erase(peer.Identity().life);
     if (peer.Session() != nullptr) peer.Session()->SetPeer(nullptr);
     m_peers.erase(peer.Number());
 }
 
-void BrokerLoop::ForgetAndClose(BrokerPeer& peer, const std::string& reason, RefusalCode code) {
+void BrokerLoop::GiveUpAndClose(BrokerPeer& peer, const std::string& reason, RefusalCode code) {
     BrokerSession* const session = peer.Session();
-    Forget(peer);
+    GiveUp(peer);
     if (session != nullptr) session->Close(reason, code);
 }
 
 // What the service itself has not handled is bounded by what its senders may have on their way.
-void BrokerLoop::ForgetHeaviest() {
+void BrokerLoop::GiveUpHeaviest() {
     while (m_queuedBytes > m_limits.outgoingBytes) {
         BrokerPeer* heaviest = nullptr;
         for (const auto& [number, peer] : m_peers) {
@@ -328,7 +335,7 @@ void BrokerLoop::ForgetHeaviest() {
             if (heaviest == nullptr || peer->QueuedBytes() > heaviest->QueuedBytes()) heaviest = peer.get();
         }
         if (heaviest == nullptr) return;
-        ForgetAndClose(*heaviest,
+        GiveUpAndClose(*heaviest,
                        "it reads too slowly, " + std::to_string(heaviest->QueuedBytes()) + " bytes wait for it",
                        RefusalCode::kLimit);
     }

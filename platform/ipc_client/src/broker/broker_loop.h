@@ -73,9 +73,10 @@ private:
     void Greet(BrokerPeer& peer, const Introduction& introduction, bool isKnown);
     void WaitForReturn(BrokerPeer& peer);
     void LookAfter(BrokerPeer& peer);
+    void GiveUp(BrokerPeer& peer);
     void Forget(BrokerPeer& peer);
-    void ForgetAndClose(BrokerPeer& peer, const std::string& reason, RefusalCode code);
-    void ForgetHeaviest();
+    void GiveUpAndClose(BrokerPeer& peer, const std::string& reason, RefusalCode code);
+    void GiveUpHeaviest();
 
     // Messages.
     template <typename Send>

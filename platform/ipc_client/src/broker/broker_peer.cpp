@@ -28,6 +28,12 @@ void BrokerPeer::Attach(BrokerSession& session, std::uint32_t connection) {
     m_grace.cancel();
 }
 
+void BrokerPeer::GiveUp() {
+    m_routes.clear();
+    m_lacksMemory = m_hasArrived = false;
+    m_mayHaveMissed = true;
+}
+
 void BrokerPeer::Detach() {
     m_session = nullptr;
     if (m_phase == Phase::kOpen) m_phase = Phase::kAbsent;

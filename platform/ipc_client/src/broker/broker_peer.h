@@ -57,6 +57,7 @@ public:
     // has lacked memory has to be forgotten: something is missing in its queue.
     std::size_t Deliver(const Origin& origin, std::string_view messageBody);
     bool LacksMemory() const { return m_lacksMemory; }
+    void GiveUp();  // it has no deliveries any more, and will not know what it has missed
     std::uint64_t FirstDelivery() const { return m_deliveries.First(); }
     std::uint64_t NextDelivery() const { return m_deliveries.Next(); }
     std::string DeliveriesFrom(std::uint64_t number) const { return m_deliveries.From(number); }

@@ -237,7 +237,7 @@ void BrokerLoop::FlushTouched() {
 void BrokerLoop::Flush(BrokerPeer& peer) {
     const unsigned number = peer.Number();
     peer.Untouch();
-    if (peer.LacksMemory()) return ForgetAndClose(peer, "no memory for what is sent to it", RefusalCode::kLimit);
+    if (peer.LacksMemory()) return GiveUpAndClose(peer, "no memory for what is sent to it", RefusalCode::kLimit);
     if (peer.Session() == nullptr) return;
     AppendNews(peer);
     peer.Session()->Flush();  // may end the session, and with it the peer

@@ -19,14 +19,8 @@ namespace ipc_client {
 
 using std::chrono::steady_clock;
 
-namespace {
-
-constexpr std::size_t kMostEvents = 4096;
-constexpr std::chrono::milliseconds kAcknowledgeDelay{1};  // so that several messages share a frame
-
-}  // namespace
-
-Connection::Connection(const std::filesystem::path& path, const ConnectionTimes& times)
+Connection::Connection(const std::filesystem::path& path, const ConnectionTimes& times,
+                       std::shared_ptr<EndSign> predecessor)
     : m_path(path),
       m_times(times),
       m_life(NewLife()),
@@ -34,12 +28,20 @@ Connection::Connection(const std::filesystem::path& path, const ConnectionTimes&
       m_pauses(times),
       m_acknowledgeAt(m_io),
       m_silenceEnds(m_io),
-      m_thread([this] { RunIo(m_io, [this] { Recover(); }); }) {}
+      m_predecessor(std::move(predecessor)),
+      m_thread([this] { Run(); }) {}
 
 Connection::~Connection() {
     WaitUntilDone();
     m_io.stop();
     m_thread.join();
+    m_end->Give();
+}
+
+// What the process posts now must not overtake what its last connection still writes.
+void Connection::Run() {
+    if (m_predecessor) m_predecessor->Wait(steady_clock::now() + 2 * m_times.linger);
+    RunIo(m_io, [this] { Recover(); });
 }
 
 bool Connection::IsOpen() const {
@@ -182,6 +184,7 @@ void Connection::TakeIntroduction(const Introduction& broker) {
     m_openedAt = steady_clock::now();
     m_lastReason.clear();
     m_wasAsked = m_readsOthersOnly = false;
+    if (broker.first > m_deliveries.Received()) m_deliveries.Skip(broker.first - m_deliveries.Received());
     m_broker = broker.life;
     {
         const base::MutexLock lock(m_routesMutex);
@@ -211,81 +214,6 @@ void Connection::GoOn(const Introduction& broker) {
     m_open = m_channel;
     m_open->Flush();
     m_phase = Phase::kOpen;
-}
-
-void Connection::TakeDelivery(const DeliveryView& delivery) {
-    if (!IsOpen()) throw ProtocolError("a message before the introduction");
-    const MessageView message = DecodeMessage(delivery.messageBody);
-    const std::uint64_t number = m_deliveries.Begin();
-    if (IsNew(delivery.stamp)) DeliverToAll(message, delivery.stamp.sender, number);
-    Handled(number);
-    AcknowledgeLater();
-}
-
-// What this process has sent to itself may come again, from the next broker. Everything else comes once: the service
-// dies with its broker.
-bool Connection::IsNew(const Stamp& stamp) {
-    if (stamp.event != 0 && !IsNewEvent(stamp.event)) return false;
-    if (stamp.sender.life != m_life) return true;
-    const base::MutexLock lock(m_stateMutex);
-    return m_posted.Take(stamp.number);
-}
-
-bool Connection::IsNewEvent(std::uint64_t event) {
-    if (!m_events.insert(event).second) return false;
-    m_eventsInOrder.push_back(event);
-    if (m_eventsInOrder.size() > kMostEvents) {
-        m_events.erase(m_eventsInOrder.front());
-        m_eventsInOrder.pop_front();
-    }
-    return true;
-}
-
-void Connection::DeliverToAll(const MessageView& message, const IpcSender& sender, std::uint64_t delivery) {
-    const base::MutexLock lock(m_routesMutex);
-    const auto entry = m_receivers.find(message.route());
-    if (entry == m_receivers.end()) return;
-    for (Receiver* receiver : entry->second) {
-        m_deliveries.Hold(delivery);
-        if (receiver->Deliver(message, sender, delivery)) continue;
-        m_full.insert(receiver);
-        m_channel->Pause();
-    }
-}
-
-void Connection::Handled(std::uint64_t delivery) noexcept {
-    if (!m_deliveries.Release(delivery)) return;
-    try {
-        asio::post(m_io, [this] { Acknowledge(); });
-    } catch (const std::exception&) {  // no memory
-        m_deliveries.WaitOn();
-    }
-}
-
-void Connection::AcknowledgeLater() {
-    if (m_isToAcknowledge) return;
-    m_acknowledgeAt.expires_after(kAcknowledgeDelay);
-    m_acknowledgeAt.async_wait([this](std::error_code cancelled) {
-        m_isToAcknowledge = false;
-        if (!cancelled) Acknowledge();
-    });
-    m_isToAcknowledge = true;
-}
-
-// Acknowledges what has been handled. What has not, is when it has.
-void Connection::Acknowledge() {
-    try {
-        const std::vector<NumberRange> handled = m_deliveries.Handled();
-        if (handled.empty()) return;
-        std::string frame;
-        AppendNumbers(frame, FrameType::kAcknowledge, handled);
-        const base::MutexLock lock(m_stateMutex);
-        if (!m_open) return;  // GoOn will tell
-        m_open->Append(frame);
-        m_open->Flush();
-    } catch (const std::exception& error) {
-        if (m_channel) m_channel->Close(error.what());
-    }
 }
 
 void Connection::TakeDone(const std::vector<NumberRange>& done) {

@@ -57,6 +57,26 @@ private:
     std::chrono::milliseconds m_next;
 };
 
+// Says that a connection has ended, once it has.
+class EndSign {
+public:
+    void Give() {
+        const base::MutexLock lock(m_mutex);
+        m_isGiven = true;
+        m_given.NotifyAll();
+    }
+    void Wait(std::chrono::steady_clock::time_point until) {
+        const base::MutexLock lock(m_mutex);
+        while (!m_isGiven && m_given.WaitUntil(m_mutex, until)) {
+        }
+    }
+
+private:
+    base::Mutex m_mutex;
+    base::Condition m_given;
+    bool m_isGiven BASE_GUARDED_BY(m_mutex) = false;
+};
+
 // A process's connection to one pipe, shared by all its clients of that pipe. Connects on an I/O thread of its own,
 // again and again with increasing pauses; what is posted is kept until it is done, and sent again by the next
 // connection.
@@ -69,7 +89,9 @@ public:
     // The connection if there is one, else null.
     static std::shared_ptr<Connection> Existing(const std::wstring& pipeName);
 
-    explicit Connection(const std::filesystem::path& path, const ConnectionTimes& times = {});
+    // `predecessor`: of the process's last connection to that pipe, null when it had none.
+    explicit Connection(const std::filesystem::path& path, const ConnectionTimes& times = {},
+                        std::shared_ptr<EndSign> predecessor = nullptr);
 
     // Gives what was posted its time to be done, if there is a broker that takes it.
     ~Connection();
@@ -93,6 +115,8 @@ public:
 
     bool IsOpen() const;
 
+    const std::shared_ptr<EndSign>& End() const { return m_end; }
+
 private:
     enum class Phase {
         kConnecting,  // not tried yet
@@ -102,6 +126,7 @@ private:
     };
 
     // I/O thread.
+    void Run();
     void Recover();
     void Connect();
     void ConnectLater(const std::string& reason);
@@ -166,6 +191,9 @@ private:
     KeptFrames m_posted BASE_GUARDED_BY(m_stateMutex);
     bool m_isWatching BASE_GUARDED_BY(m_stateMutex) = false;  // the broker's silence
     bool m_isEnding BASE_GUARDED_BY(m_stateMutex) = false;    // somebody waits until all is done
+
+    const std::shared_ptr<EndSign> m_end = std::make_shared<EndSign>();
+    const std::shared_ptr<EndSign> m_predecessor;
 
     std::thread m_thread;  // last: everything it uses is there before it starts
 };

@@ -9,6 +9,11 @@ std::uint64_t DeliveryLedger::Received() const {
     return m_deliveries.Next();
 }
 
+void DeliveryLedger::Skip(std::uint64_t count) {
+    const base::MutexLock lock(m_mutex);
+    m_deliveries.Skip(count);
+}
+
 std::uint64_t DeliveryLedger::Begin() {
     const base::MutexLock lock(m_mutex);
     return m_deliveries.Begin();

@@ -15,6 +15,8 @@ class DeliveryLedger {
 public:
     std::uint64_t Received() const;  // how many in all
 
+    void Skip(std::uint64_t count);  // the next ones do not come
+
     std::uint64_t Begin();  // the next delivery; held by whoever begins it
     void Hold(std::uint64_t delivery);
 

@@ -14,9 +14,15 @@
 namespace ipc_client {
 namespace {
 
+// The last connection to a pipe.
+struct Known {
+    std::weak_ptr<Connection> connection;
+    std::shared_ptr<EndSign> end;
+};
+
 struct Registry {
     base::Mutex mutex;
-    std::unordered_map<std::string, std::weak_ptr<Connection>> connections BASE_GUARDED_BY(mutex);  // by path
+    std::unordered_map<std::string, Known> connections BASE_GUARDED_BY(mutex);  // by path
 };
 
 // Never destroyed: clients may live until the process ends.
@@ -53,12 +59,12 @@ std::shared_ptr<Connection> Connection::ForPipe(const std::wstring& pipeName) {
     const std::filesystem::path path = PipePath(pipeName);
     Registry& registry = TheRegistry();
     const base::MutexLock lock(registry.mutex);
-    std::weak_ptr<Connection>& known = registry.connections[base::Utf8FromPath(path)];
-    std::shared_ptr<Connection> connection = known.lock();
+    Known& known = registry.connections[base::Utf8FromPath(path)];
+    std::shared_ptr<Connection> connection = known.connection.lock();
     if (!connection) {
         // Not make_shared: the weak reference would keep the memory of an ended connection.
-        connection = std::shared_ptr<Connection>(new Connection(path));  // NOLINT(modernize-make-shared)
-        known = connection;
+        connection = std::shared_ptr<Connection>(new Connection(path, {}, known.end));  // NOLINT(modernize-make-shared)
+        known = {connection, connection->End()};
     }
     return connection;
 }
@@ -68,7 +74,7 @@ std::shared_ptr<Connection> Connection::Existing(const std::wstring& pipeName) {
     Registry& registry = TheRegistry();
     const base::MutexLock lock(registry.mutex);
     const auto known = registry.connections.find(path);
-    return known == registry.connections.end() ? nullptr : known->second.lock();
+    return known == registry.connections.end() ? nullptr : known->second.connection.lock();
 }
 
 }  // namespace ipc_client

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "base/file.h"
@@ -303,6 +304,52 @@ TEST_F(ReliableDelivery, TheServiceHearsWhoComesAndGoes) {
     page.Kill();
     left.WaitFor(1);
     EXPECT_EQ(left.Count(), 1u) << "its process has gone";
+}
+
+TEST_F(ReliableDelivery, ANewConnectionDoesNotOvertakeTheOneThatStillWrites) {
+    IPCBroker broker(kPipe);
+    broker.Start();
+    RawPeer service(SocketPath());
+    service.Write(Hello() + AnnouncementFrame({{kService, kStart}}));
+    const std::string large(15 * 1024 * 1024, 'x');
+    auto first = std::make_unique<IPCMessageClient>(kPage, false, false, kPipe);
+    ASSERT_TRUE(WaitUntil([] { return IsPipeConnected(kPipe); }));
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(Post(*first, kService, kStart, large));
+    std::thread end([&] { first.reset(); });
+    ASSERT_TRUE(WaitUntil([] { return !IsPipeConnected(kPipe); }));
+    IPCMessageClient second(kPage, false, false, kPipe);
+    ASSERT_TRUE(Post(second, kService, kStart, "after"));
+    service.Read(Hello().size());
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(service.Read(MessageFrame(large).size()).size(), MessageFrame(large).size());
+    }
+    const std::string after = MessageFrame("after", {kService, kStart});
+    EXPECT_EQ(service.Read(after.size()).substr(after.size() - 5), "after");
+    end.join();
+}
+
+TEST_F(ReliableDelivery, WhatAReaderThatWasGivenUpHasSentIsNotTakenTwice) {
+    IPCBrokerLimits limits;
+    limits.outgoingBytes = 1024 * 1024;
+    IPCBroker broker(kPipe, limits);
+    broker.Start();
+    Inbox inbox;
+    IPCMessageClient service(kService, true, false, kPipe);
+    service.RegisterMessageCallback(kStart, inbox.Callback());
+    test_process::Process page(FOREIGN_PEER_PROGRAM, {base::Utf8FromPath(SocketPath())});
+    const std::string begin = Hello() + IntroductionFrame(Page(1)) + AnnouncementFrame({{kPage, kProgress}});
+    page.Write("write 1 " + Hexadecimal(begin + Start("once")) + "\n");
+    EXPECT_THAT(inbox.WaitForData(1), ElementsAre("once"));
+    ASSERT_TRUE(Post(service, kPage, kProgress, std::string(limits.outgoingBytes, 'x')));
+    EXPECT_TRUE(Logged("it reads too slowly"));
+    EXPECT_TRUE(Logged("1 messages for it are lost"));
+    page.Write("end\n");
+    EXPECT_TRUE(page.Output().WaitFor("closed"));
+    page.Write(
+        "again\nwrite 1 " +
+        Hexadecimal(Hello() + IntroductionFrame(Page(2)) + AnnouncementFrame({{kPage, kProgress}}) + Start("next")) +
+        "\n");
+    EXPECT_THAT(inbox.WaitForData(2), ElementsAre("once", "next")) << "as the broker still counts from one";
 }
 
 }  // namespace
