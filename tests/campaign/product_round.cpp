@@ -23,7 +23,6 @@ using test_support::WaitUntil;
 namespace {
 
 constexpr char kSocket[] = "iKorvelAssistant.sock";
-constexpr std::size_t kRowHeight = 77;       // [design px] as the page first reports it
 constexpr std::chrono::minutes kLongest{3};  // of a tour
 
 class Tour {
@@ -70,24 +69,34 @@ private:
         m_idle.insert(m_keys.begin(), m_keys.end());
     }
 
-    // Waits until the page has all rows whose updates have not begun, and as many others as its height says.
+    // Waits until the page has all rows of its list and can be clicked on.
     bool SeesItsRows() {
         const bool isThere = WaitUntil(
             [&] {
                 m_rows.clear();
                 for (const std::string& key : m_keys) {
-                    if (m_host->Holds("shown " + key + "hor")) m_rows.push_back(key);
+                    if (m_host->Holds("shown " + key + "hor") || m_host->Holds("hidden " + key + "hor"))
+                        m_rows.push_back(key);
                 }
                 const auto isOffered = [&](const std::string& key) {
                     return m_host->Holds("shown " + key + "updateBtn");
                 };
-                return std::all_of(m_idle.begin(), m_idle.end(), isOffered) &&
-                       m_host->Holds("height " + std::to_string(kRowHeight * m_rows.size())) &&
-                       m_host->Holds("shown accessoriesView");
+                return m_rows.size() == ListedRows() && std::all_of(m_idle.begin(), m_idle.end(), isOffered);
             },
             std::max(m_options.patience, std::chrono::milliseconds(10'000)));
         if (!isThere) m_tally.Find(Wrong::kStuck, "the list does not come");
         return isThere;
+    }
+
+    // How many accessories the list of this host's page has, by the trace.
+    std::size_t ListedRows() const {
+        const std::string start = R"("\x01\x00\x00\x00\x0)";  // the marker, and the number of records
+        for (const std::string& line : Messages("got  ")) {
+            const std::size_t at = line.find(start);
+            if (at == std::string::npos || line.find("IPC_MSG_ALL_UPDATE_DATA") == std::string::npos) continue;
+            return static_cast<std::size_t>(line.at(at + start.size()) - '0');
+        }
+        return m_keys.size() + 1;  // it has not come
     }
 
     // What a person does, and what befalls the processes meanwhile, in any order.
