@@ -161,9 +161,9 @@ TEST_F(ReliableDelivery, AConnectionGoesOnWhereTheLastOneBroke) {
     EXPECT_THAT(page.ReadDone(), ElementsAre(ipc_client::NumberRange{0, 2})) << "as if the first time was not heard";
     page.Write(AnnouncementFrame({{kPage, kProgress}}) + Start("2"));
     EXPECT_THAT(inbox.WaitForData(3), ElementsAre("0", "1", "2"));
-    EXPECT_EQ(page.ReadDelivery() + page.ReadDelivery() + page.ReadDelivery(), "abc");
+    for (const char* data : {"a", "b", "c"}) EXPECT_EQ(page.ReadDelivery(), data);
     NamedPeer again(SocketPath(), Page(3, 3, 1));
-    EXPECT_EQ(again.ReadDelivery() + again.ReadDelivery(), "bc") << "one had been received";
+    for (const char* data : {"b", "c"}) EXPECT_EQ(again.ReadDelivery(), data) << "one had been received";
     again.Write(NumbersFrame(FrameType::kAcknowledge, {{0, 3}}));
 }
 
