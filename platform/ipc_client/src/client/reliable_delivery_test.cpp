@@ -311,11 +311,11 @@ TEST_F(ReliableDelivery, ANewConnectionDoesNotOvertakeTheOneThatStillWrites) {
     broker.Start();
     RawPeer service(SocketPath());
     service.Write(Hello() + AnnouncementFrame({{kService, kStart}}));
-    const std::string large(15 * 1024 * 1024, 'x');
+    const std::string large(1024 * 1024, 'x');
     auto first = std::make_unique<IPCMessageClient>(kPage, false, false, kPipe);
     ASSERT_TRUE(WaitUntil([] { return IsPipeConnected(kPipe); }));
     for (int i = 0; i < 3; ++i) ASSERT_TRUE(Post(*first, kService, kStart, large));
-    std::thread end([&] { first.reset(); });
+    std::jthread end([&] { first.reset(); });
     ASSERT_TRUE(WaitUntil([] { return !IsPipeConnected(kPipe); }));
     IPCMessageClient second(kPage, false, false, kPipe);
     ASSERT_TRUE(Post(second, kService, kStart, "after"));
@@ -325,7 +325,6 @@ TEST_F(ReliableDelivery, ANewConnectionDoesNotOvertakeTheOneThatStillWrites) {
     }
     const std::string after = MessageFrame("after", {kService, kStart});
     EXPECT_EQ(service.Read(after.size()).substr(after.size() - 5), "after");
-    end.join();
 }
 
 TEST_F(ReliableDelivery, WhatAReaderThatWasGivenUpHasSentIsNotTakenTwice) {
