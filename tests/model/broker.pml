@@ -16,16 +16,12 @@ inline Queue(number) {
     deliveryNext++;
 }
 
-/* The client's introduction: first, received in a, b. Goes on with what the broker keeps of that life, if it keeps anything, and
-   what that is may be older than what the client says. */
+/* The client's introduction: first, received in a, b. Goes on with what the broker keeps of that life, if it keeps anything;
+   that may be older than what the client says. */
 inline Greet(who, isLatest) {
     c = (record[who] != kNobody); /* known */
     if
-#ifdef OLD_INTRODUCTION_BELIEVED
-    :: who == RECEIVER && !c -> deliveryNext = b
-#else
     :: who == RECEIVER && (!c || b > deliveryNext) -> c = false; ForgetReceiver(); deliveryNext = b
-#endif
     :: else
     fi;
     if
@@ -34,6 +30,10 @@ inline Greet(who, isLatest) {
 #else
     :: who == SENDER && (!c || a > counted) -> counted = a
 #endif
+    :: else
+    fi;
+    if
+    :: who == RECEIVER && deliveriesFrom > b -> b = deliveriesFrom /* the others were dropped */
     :: else
     fi;
     deliveryToWrite = (who == RECEIVER -> b : deliveryToWrite);
@@ -143,7 +143,8 @@ inline ReadUp(who) {
         Greet(who, true);
         peer[who] = kOpen;
         if
-        :: connected[who] && whole[who] -> down[who]!kIntroduction, (who == RECEIVER -> b : 0), (who == SENDER -> counted : 0), c
+        :: connected[who] && whole[who] ->
+            down[who]!kIntroduction, (who == RECEIVER -> b : 0), (who == SENDER -> counted : 0), c
         :: else
         fi
     :: else -> peer[who] = kOpen; Obey()
@@ -192,14 +193,34 @@ inline ForgetSender() {
     record[SENDER] = kNobody;
     counted = 0;
     toTell = 0;
-#ifdef TAKEN_FORGOTTEN
-    taken = 0;
-#endif
+}
+
+/* What is kept for the receiver is dropped and so done, and it is a receiver no more until it announces again. */
+inline GiveUpReceiver() {
+    i = 0;
+    do
+    :: i < DELIVERIES ->
+        if
+        :: kept[i] ->
+            dropped = dropped | Bit(kept[i] - 1);
+            toTell = (record[SENDER] == kOpen -> toTell | Bit(kept[i] - 1) : toTell);
+            kept[i] = 0
+        :: else
+        fi;
+        i++
+    :: else -> break
+    od;
+    announced = 0;
+    deliveriesFrom = deliveryNext;
+    deliveryToWrite = deliveryNext;
+    ClosePeer(RECEIVER);
+    Miss(RECEIVER, oldPeer[RECEIVER]);
 }
 
 inline ForgetReceiver() {
     record[RECEIVER] = kNobody;
     announced = 0;
+    deliveriesFrom = 0;
     deliveryNext = 0;
     deliveryToWrite = 0;
     i = 0;

@@ -51,13 +51,16 @@ end:
     :: d_step { MayCut(RECEIVER) -> printf("the connection of %d is cut\n", RECEIVER); Wrong; cuts++; whole[RECEIVER] = false }
 #endif
     :: d_step { cuts < MAX_CUTS -> cuts = MAX_CUTS }
+    :: d_step { givenUp < MAX_GIVEN_UP && record[RECEIVER] != kNobody ->
+        printf("the broker gives %d up\n", RECEIVER);
+        givenUp++;
+        GiveUpReceiver();
+        skip }
+    :: d_step { givenUp < MAX_GIVEN_UP -> givenUp = MAX_GIVEN_UP }
     :: d_step { forgotten < MAX_FORGOTTEN && record[SENDER] == kAbsent ->
         printf("the broker forgets %d\n", SENDER);
         forgotten++;
         ForgetSender();
-#ifdef RECEIVER_IN_SENDER
-        ForgetReceiver();
-#endif
         skip }
     :: d_step { forgotten < MAX_FORGOTTEN -> forgotten = MAX_FORGOTTEN }
     od

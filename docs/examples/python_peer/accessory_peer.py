@@ -178,6 +178,7 @@ class Pipe:
         if kind != INTRODUCTION or len(body) != INTRODUCTION_BODY.size:
             raise PeerError(f"the broker has sent a wrong frame: type {kind}, {len(body)} bytes")
         _, _, self.broker, _, first_delivery, expected = INTRODUCTION_BODY.unpack(body)
+        self.received = max(self.received, first_delivery)  # what the broker has given up
         self.is_read, self.was_asked = True, False
         self.write_routes()
         self.acknowledge(first_delivery)
