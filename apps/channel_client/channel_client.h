@@ -66,14 +66,21 @@ inline std::string_view PayloadBytes(const TagIPCMessageItem& item) {
     return {item.data, static_cast<std::size_t>(item.dataLen)};
 }
 
+// A callback of such messages, which calls `handler` with their payload.
+template <channel::Direction direction, class Payload>
+std::function<void(TagIPCMessageItem&)> CallbackOf(const channel::Message<direction, Payload>&,
+                                                   std::type_identity_t<std::function<void(const Payload&)>> handler) {
+    return [handler = std::move(handler)](TagIPCMessageItem& item) {
+        handler(channel::Decode<Payload>(PayloadBytes(item)));
+    };
+}
+
 // Calls `handler` with the payload of each such message that comes to the client's endpoint, on the client's delivery
 // thread, until its callback is unregistered.
 template <channel::Direction direction, class Payload>
 void Listen(IPCMessageClient& client, const channel::Message<direction, Payload>& message,
             std::type_identity_t<std::function<void(const Payload&)>> handler) {
-    client.RegisterMessageCallback(message.id, [handler = std::move(handler)](TagIPCMessageItem& item) {
-        handler(channel::Decode<Payload>(PayloadBytes(item)));
-    });
+    client.RegisterMessageCallback(message.id, CallbackOf(message, std::move(handler)));
 }
 
 }  // namespace channel_client

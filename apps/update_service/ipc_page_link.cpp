@@ -1,6 +1,9 @@
 #include "ipc_page_link.h"
 
 #include <cstring>
+#include <functional>
+#include <map>
+#include <utility>
 
 #include "base/text.h"
 #include "channel_client.h"
@@ -65,24 +68,28 @@ void IpcPageLink::Post(const Pages& pages, std::uint64_t event, const channel::T
           name + (result == PostResult::kRefused ? " cannot be sent" : " is not sent: memory is exhausted"));
 }
 
+// All at once, as what pages have asked before the service was there must keep its order.
 void ReceiveRequests(IPCMessageClient& client, PageRequests& requests) {
     namespace from_page = channel::from_page;
     const auto keyOf = [](const channel::DeviceKey& payload) { return Utf8FromAnsi(payload.key); };
     const auto page = [] { return CurrentIpcSender().life; };
-    client.RegisterMessageCallback(kIpcPeerLeft, [=, &requests](TagIPCMessageItem&) { requests.OnLeft(page()); });
-    channel_client::Listen(client, from_page::IPC_MSG_DOWNLOAD_START,
-                           [=, &requests](const auto& payload) { requests.OnStart(page(), keyOf(payload)); });
-    channel_client::Listen(client, from_page::IPC_MSG_DOWNLOAD_PAUSE,
-                           [=, &requests](const auto& payload) { requests.OnPause(page(), keyOf(payload)); });
-    channel_client::Listen(client, from_page::IPC_MSG_ALL_UPDATE_DATA,
-                           [=, &requests](const auto&) { requests.OnReady(page()); });
-    client.RegisterMessageCallback(kReturned, [&requests](TagIPCMessageItem& item) {
+    std::map<int, std::function<void(TagIPCMessageItem&)>> callbacks;
+    const auto receive = [&](const auto& message, auto handler) {
+        callbacks.emplace(message.id, channel_client::CallbackOf(message, std::move(handler)));
+    };
+    receive(from_page::IPC_MSG_DOWNLOAD_START,
+            [=, &requests](const auto& payload) { requests.OnStart(page(), keyOf(payload)); });
+    receive(from_page::IPC_MSG_DOWNLOAD_PAUSE,
+            [=, &requests](const auto& payload) { requests.OnPause(page(), keyOf(payload)); });
+    receive(from_page::IPC_MSG_ALL_UPDATE_DATA, [=, &requests](const auto&) { requests.OnReady(page()); });
+    callbacks.emplace(kIpcPeerLeft, [=, &requests](TagIPCMessageItem&) { requests.OnLeft(page()); });
+    callbacks.emplace(kReturned, [&requests](TagIPCMessageItem& item) {
         IpcLife returned;
         if (item.dataLen != sizeof returned) return;
         std::memcpy(&returned, item.data, sizeof returned);
         requests.OnReturned(returned);
     });
-    client.RegisterMessageCallback(kIpcPeerArrived, [=, &client](TagIPCMessageItem& item) {
+    callbacks.emplace(kIpcPeerArrived, [=, &client](TagIPCMessageItem& item) {
         const bool mayHaveMissed = item.dataLen == 1 && *item.data != 0;
         if (!mayHaveMissed) return;
         IpcLife returned = page();
@@ -93,6 +100,7 @@ void ReceiveRequests(IPCMessageClient& client, PageRequests& requests) {
         note.dataLen = sizeof returned;
         client.PostIPCMessage(note);
     });
+    client.RegisterMessageCallbacks(std::move(callbacks));
 }
 
 }  // namespace update_service

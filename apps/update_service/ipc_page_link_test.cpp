@@ -145,6 +145,20 @@ TEST_F(PageLinkOverThePipe, KeysTravelInTheAnsiCodePage) {
     m_client.UnRegisterMessageCallbackAll();
 }
 
+TEST_F(PageLinkOverThePipe, RequestsThatWaitedForTheServiceComeInTheirOrder) {
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"pen"});
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_PAUSE, {"pen"});
+    m_page.Ready();
+    m_page.Ask(from_page::IPC_MSG_DOWNLOAD_START, {"dock"});
+    m_link.SendProgress(m_pages, "behind them", 1);
+    Messages(1);
+    RecordingRequests requests;
+    ReceiveRequests(m_client, requests);
+    ASSERT_TRUE(requests.asked.Has("start dock"));
+    EXPECT_THAT(requests.asked.Lines(), ElementsAre("start pen", "pause pen", "ready", "start dock"));
+    m_client.UnRegisterMessageCallbackAll();
+}
+
 TEST_F(PageLinkOverThePipe, RequestsArriveInTheirOrder) {
     RecordingRequests requests;
     ReceiveRequests(m_client, requests);

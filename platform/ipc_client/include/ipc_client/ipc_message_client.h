@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -44,6 +45,10 @@ public:
     // is a null pointer. Only a log line, and nothing registered, on a client that does not receive and when the
     // delivery thread cannot be started. Throws only std::bad_alloc. Any thread.
     void RegisterMessageCallback(int msgId, std::function<void(TagIPCMessageItem&)> callback);
+
+    // The same for several ids at once. Messages of these ids that were posted before anybody was there come in the
+    // order of their posts; were the ids registered one after the other, they would come id by id.
+    void RegisterMessageCallbacks(std::map<int, std::function<void(TagIPCMessageItem&)>> callbacks);
 
     // Removes the callback of that id; false when there was none. Does not return while that callback runs on another
     // thread, and gives up the UI turn while it waits. May be called from a callback, its own included. Any thread.

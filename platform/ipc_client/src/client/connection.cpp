@@ -74,13 +74,17 @@ bool Connection::Send(std::string_view frame) {
     return true;
 }
 
-void Connection::AddReceiver(Receiver& receiver, int msgId) {
+void Connection::AddReceiver(Receiver& receiver, const std::vector<int>& msgIds) {
     const base::MutexLock lock(m_routesMutex);
-    const Route route{receiver.endpointId(), msgId};
-    std::vector<Receiver*>& receivers = m_receivers[route];
-    if (std::find(receivers.begin(), receivers.end(), &receiver) != receivers.end()) return;
-    receivers.push_back(&receiver);
-    if (receivers.size() == 1) SendRoutes(FrameType::kAnnounce, {route});
+    std::vector<Route> announced;
+    for (const int msgId : msgIds) {
+        const Route route{receiver.endpointId(), msgId};
+        std::vector<Receiver*>& receivers = m_receivers[route];
+        if (std::find(receivers.begin(), receivers.end(), &receiver) != receivers.end()) continue;
+        receivers.push_back(&receiver);
+        if (receivers.size() == 1) announced.push_back(route);
+    }
+    SendRoutes(FrameType::kAnnounce, announced);
 }
 
 void Connection::RemoveReceiver(Receiver& receiver, const std::vector<int>& msgIds) {

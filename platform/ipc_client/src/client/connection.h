@@ -103,9 +103,9 @@ public:
     bool Post(const TagIPCMessageItem& item);
     bool PostTo(std::span<const IpcLife> lives, std::uint64_t event, const TagIPCMessageItem& item);
 
-    // From now on `receiver`, which must outlive this, gets the messages of its endpoint with that id. The broker is
-    // told of the first receiver of a route, and of the last one's end.
-    void AddReceiver(Receiver& receiver, int msgId);
+    // From now on `receiver`, which must outlive this, gets the messages of its endpoint with these ids. The broker is
+    // told of the first receiver of a route, of all at once, and of the last one's end.
+    void AddReceiver(Receiver& receiver, const std::vector<int>& msgIds);
     void RemoveReceiver(Receiver& receiver, const std::vector<int>& msgIds);
 
     // A receiver that was full has room again, or goes. While there is a full one, what comes is left in the pipe: the

@@ -1,5 +1,6 @@
 #include "ipc_client/ipc_message_client.h"
 
+#include <map>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -71,16 +72,28 @@ IPCMessageClient::~IPCMessageClient() {
 }
 
 void IPCMessageClient::RegisterMessageCallback(int msgId, std::function<void(TagIPCMessageItem&)> callback) {
+    std::map<int, std::function<void(TagIPCMessageItem&)>> callbacks;
+    callbacks.emplace(msgId, std::move(callback));
+    RegisterMessageCallbacks(std::move(callbacks));
+}
+
+void IPCMessageClient::RegisterMessageCallbacks(std::map<int, std::function<void(TagIPCMessageItem&)>> callbacks) {
     if (!m_state->receives) {
-        ipc_client::Log(kIpcLogEvent, "a client that does not receive was given a callback for " +
-                                          ipc_client::Describe({m_state->endpointId, msgId}));
+        for (const auto& [msgId, callback] : callbacks) {
+            ipc_client::Log(kIpcLogEvent, "a client that does not receive was given a callback for " +
+                                              ipc_client::Describe({m_state->endpointId, msgId}));
+        }
         return;
     }
-    Receiver::Held replaced;  // goes after the lock
+    std::vector<Receiver::Held> replaced;  // go after the lock
+    std::vector<int> msgIds;
     const base::MutexLock lock(m_state->registration);
     if (!m_state->EnsureReceiver()) return;
-    replaced = m_state->receiver->Set(msgId, std::move(callback));
-    m_state->connection->AddReceiver(*m_state->receiver, msgId);
+    for (auto& [msgId, callback] : callbacks) {
+        replaced.push_back(m_state->receiver->Set(msgId, std::move(callback)));
+        msgIds.push_back(msgId);
+    }
+    m_state->connection->AddReceiver(*m_state->receiver, msgIds);
 }
 
 bool IPCMessageClient::UnRegisterMessageCallback(int msgId) {
