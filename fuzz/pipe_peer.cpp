@@ -39,10 +39,11 @@ void PipePeer::BeginLife() {
 }
 
 void PipePeer::Connect(PipeSocket socket, Manner manner) {
-    if (manner != Manner::kNamed || m_manner != Manner::kNamed) BeginLife();
-    m_manner = manner;
-    m_earlier = std::move(m_connection);
+    const bool isSameLife = manner == Manner::kNamed && m_manner == Manner::kNamed;
+    if (isSameLife) m_earlier = std::move(m_connection);  // which the broker ends
     Disconnect();
+    if (!isSameLife) BeginLife();
+    m_manner = manner;
     m_connection.emplace(std::move(socket));
     m_connection->non_blocking(true);
     m_reader.emplace();

@@ -47,7 +47,7 @@ public:
     const IpcLife& Life() const { return m_life; }
     std::int32_t Generation() const { return m_generation; }
 
-    // One that is connected already lets that connection be.
+    // The same life, when it is named before and after; then an earlier connection is let be.
     void Connect(ipc_client::PipeSocket socket, Manner manner);
     void Cut();    // without a word
     void Leave();  // this life ends
