@@ -9,8 +9,8 @@ namespace {
 
 constexpr double kMegabyte = 1024 * 1024;
 constexpr double kMemoryAllowed = kMegabyte;
-constexpr int kThreadsAllowed = 2;
-constexpr int kHandlesAllowed = 2;
+constexpr int kThreadsAllowed = 5;   // an update that runs has one,
+constexpr int kHandlesAllowed = 10;  // and two files
 constexpr std::size_t kFewestSamples = 20;
 
 template <class Number>

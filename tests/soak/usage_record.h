@@ -11,7 +11,7 @@ namespace soak {
 // What a process had of the system, second by second, and whether that is flat. One thread.
 //
 // The rule: what comes first is warm-up and does not count. Of what is left, the median of the last third is at most a
-// little above that of the first third: 1 MiB of memory, two threads, two handles.
+// little above that of the first third: 1 MiB of memory, five threads, ten handles.
 class UsageRecord {
 public:
     // `warmUp`: so many samples, but a tenth of all at least.

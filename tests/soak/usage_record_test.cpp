@@ -20,9 +20,9 @@ TEST(UsageRecord, WhatIsFlatOrGrewWhileItWarmedUpIsNoFinding) {
 TEST(UsageRecord, WhatGrowsStepByStepIsFound) {
     UsageRecord record;
     for (int i = 0; i < 100; ++i)
-        record.Add({(10 * 20 + static_cast<std::uint64_t>(i)) * kMegabyte / 20, 5 + i / 10, 9 + i / 9});
+        record.Add({(10 * 20 + static_cast<std::uint64_t>(i)) * kMegabyte / 20, 5 + i / 10, 9 + i / 5});
     EXPECT_THAT(record.Findings(),
-                ElementsAre("memory: 11.25 MB, then 14.25 MB", "threads: 7, then 13", "handles: 11, then 18"));
+                ElementsAre("memory: 11.25 MB, then 14.25 MB", "threads: 7, then 13", "handles: 14, then 26"));
 }
 
 TEST(UsageRecord, WhatIsLeakedOnPurposeDoesNotCount) {
