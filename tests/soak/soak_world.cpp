@@ -14,8 +14,6 @@ namespace soak {
 
 namespace {
 
-constexpr int kDamaged = 10;              // devices before this one have a damaged package,
-constexpr int kFailing = 15;              // those before this one an installer that fails
 constexpr std::size_t kPackage = 400000;  // [bytes]
 constexpr const char* kRate = "200000";   // [bytes/s]
 constexpr std::chrono::seconds kPatience{30};
