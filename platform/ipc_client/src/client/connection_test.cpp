@@ -5,7 +5,9 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "ipc/pipe_test.h"
@@ -41,6 +43,7 @@ TEST(ReconnectPauses, BeginAnewAfterAConnectionThatHeldForTheLongestPause) {
 TEST(ConnectionTimes, AreThoseOfTheProtocol) {
     EXPECT_EQ(ConnectionTimes{}.handshake, 5000ms);
     EXPECT_EQ(ConnectionTimes{}.linger, 500ms);
+    EXPECT_EQ(ConnectionTimes{}.silence, 5000ms);
 }
 
 class ConnectionTest : public ipc_test::PipeTest {
@@ -85,6 +88,44 @@ TEST_F(ConnectionTest, TheEndDoesNotWaitForABrokerThatHasBeenLeft) {
     EXPECT_TRUE(Post());
     EXPECT_TRUE(Logged("no handshake came in time"));
     m_connection.reset();
+}
+
+// Brokers that introduce themselves, and then say what they say.
+class SilentBroker : public ipc_test::PipeTest {
+protected:
+    SilentBroker() { m_times.silence = 50ms; }
+
+    static std::string Introduced() {
+        std::string bytes = ipc_test::Hello();
+        Introduction broker;
+        broker.life.bytes.fill(1);
+        AppendIntroduction(bytes, broker);
+        return bytes;
+    }
+    static std::string NotReading() {
+        std::string bytes;
+        AppendAnswer(bytes, false);
+        return bytes;
+    }
+    // A broker of that name, which answers with these bytes as soon as it is connected, and a message to it.
+    struct Conversation {
+        Conversation(const std::filesystem::path& path, const std::string& answer, const ConnectionTimes& times)
+            : broker(path, answer), connection(path, times) {
+            EXPECT_TRUE(ipc_test::WaitUntil([&] { return connection.IsOpen(); }));
+            EXPECT_TRUE(connection.Post({}));
+        }
+        const ipc_test::RawBroker broker;
+        Connection connection;
+    };
+
+    ConnectionTimes m_times;
+};
+
+TEST_F(SilentBroker, ThatOwesSomethingAndDoesNotAnswerIsLeftUnlessItHasSaidThatItDoesNotRead) {
+    const Conversation patient(Folder() / "patient.sock", Introduced() + NotReading(), m_times);
+    const Conversation left(Folder() / "left.sock", Introduced(), m_times);
+    EXPECT_TRUE(Logged("left.sock: connection lost: the broker does not answer"));
+    EXPECT_TRUE(patient.connection.IsOpen()) << "which has been silent for longer";
 }
 
 }  // namespace
