@@ -5,6 +5,8 @@
 #include <psapi.h>
 #include <tlhelp32.h>
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -49,15 +51,19 @@ ProcessUsage UsageOf(int process) {
 
 ProcessUsage OwnUsage() { return UsageOf(static_cast<int>(GetCurrentProcessId())); }
 
+// Runtime libraries have heaps of their own.
 std::uint64_t HeapInUse() {
-    const HANDLE heap = GetProcessHeap();
-    PROCESS_HEAP_ENTRY entry{};
+    HANDLE heaps[64];
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(std::size(heaps), heaps), std::size(heaps));
     std::uint64_t bytes = 0;
-    HeapLock(heap);
-    while (HeapWalk(heap, &entry)) {
-        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData + entry.cbOverhead;
+    for (DWORD i = 0; i < count; ++i) {
+        PROCESS_HEAP_ENTRY entry{};
+        HeapLock(heaps[i]);
+        while (HeapWalk(heaps[i], &entry)) {
+            if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) bytes += entry.cbData + entry.cbOverhead;
+        }
+        HeapUnlock(heaps[i]);
     }
-    HeapUnlock(heap);
     return bytes;
 }
 
