@@ -78,10 +78,16 @@ private:
     std::optional<Clock::time_point> m_when;
 };
 
+inline std::array<int, 2> SocketPair() {
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0) Die("no sockets");
+    return ends;
+}
+
 // The bare way: a socket to another process, which writes what it reads to a second socket, read here by a thread.
 class Relay {
 public:
-    Relay() : m_toRelay(Pair()), m_fromRelay(Pair()), m_child([this] { Pass(); }) {
+    Relay() : m_toRelay(SocketPair()), m_fromRelay(SocketPair()), m_child([this] { Pass(); }) {
         m_receiver = std::thread([this] {
             std::array<char, kPayloadBytes> payload;
             while (recv(m_fromRelay[1], payload.data(), payload.size(), MSG_WAITALL) == std::ssize(payload)) {
@@ -103,11 +109,6 @@ public:
     }
 
 private:
-    static std::array<int, 2> Pair() {
-        std::array<int, 2> ends{};
-        if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data()) != 0) Die("no sockets");
-        return ends;
-    }
     void Pass() const {
         std::array<char, kPayloadBytes> payload;
         while (recv(m_toRelay[1], payload.data(), payload.size(), MSG_WAITALL) == std::ssize(payload)) {
