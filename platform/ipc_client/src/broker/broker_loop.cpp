@@ -166,7 +166,10 @@ std::size_t BrokerLoop::SenderLimit() const {
 }
 
 void BrokerLoop::Written(BrokerSession& session) {
-    if (BrokerPeer* const peer = session.Peer(); peer != nullptr && !peer->IsNamed()) TakeOutWritten(*peer);
+    if (BrokerPeer* const peer = session.Peer()) {
+        if (!peer->IsNamed()) TakeOutWritten(*peer);
+        if (peer->HasUnsent()) Touch(*peer);
+    }
     FlushTouched();
     ResumeSettled();
 }
@@ -267,6 +270,7 @@ void BrokerLoop::Greet(BrokerPeer& peer, const Introduction& introduction, bool 
     if (!done.empty()) AppendNumbers(frames, FrameType::kAcknowledge, done);
     frames += peer.DeliveriesFrom(introduction.received);
     peer.Session()->Append(frames);
+    peer.AllIsSent();
     TellWaitingAnew(peer);
     Touch(peer);
 }
@@ -303,7 +307,7 @@ void BrokerLoop::GiveUp(BrokerPeer& peer) {
     for (const Route& route : peer.Routes()) ForgetReceiver(peer, route);
     std::size_t lost = 0;
     peer.TakeOut({0, peer.NextDelivery()}, [&](const BrokerPeer::Handled& handled) {
-        Handled(peer, handled);
+        Handled(peer, FindPeer(handled.peer), handled);
         ++lost;
     });
     peer.GiveUp();

@@ -90,7 +90,8 @@ private:
     void TellOfArrival(const BrokerPeer& peer);
     void TellService(const BrokerPeer& about, int msgId, std::string_view payload);
     void TakeOutWritten(BrokerPeer& receiver);
-    void Handled(const BrokerPeer& receiver, const BrokerPeer::Handled& message);
+    void TakeOut(BrokerPeer& receiver, NumberRange range);
+    void Handled(const BrokerPeer& receiver, BrokerPeer* sender, const BrokerPeer::Handled& message);
     void Done(const Origin& origin);
     void Done(BrokerPeer& sender, std::uint64_t number);
     void ForgetReceiver(BrokerPeer& peer, Route route);

@@ -40,34 +40,48 @@ void BrokerPeer::Detach() {
 }
 
 std::size_t BrokerPeer::Deliver(const Origin& origin, std::string_view messageBody) {
-    std::size_t queued = 0;
+    const std::size_t bytes = IsNamed() ? DeliveryBytes(messageBody) : kFrameHeadBytes + messageBody.size();
+    try {
+        m_sources.push_back({origin.peer, origin.isCharged, origin.stamp.number});
+    } catch (const std::bad_alloc&) {
+        m_lacksMemory = true;
+        return 0;
+    }
+    try {
+        if (IsNamed()) {
+            m_deliveries.Add(bytes, [&](std::string& out) { AppendDelivery(out, origin.stamp, messageBody); });
+        } else {
+            m_deliveries.Count(bytes);
+        }
+    } catch (const std::bad_alloc&) {
+        m_sources.pop_back();
+        m_lacksMemory = true;
+        return 0;
+    }
+    if (!IsNamed()) WriteMessage(messageBody);
+    return bytes;
+}
+
+// It is not kept for one that has not introduced itself.
+void BrokerPeer::WriteMessage(std::string_view messageBody) {
     try {
         std::string frame;
-        if (IsNamed()) {
-            AppendDelivery(frame, origin.stamp, messageBody);
-        } else {
-            AppendMessage(frame, messageBody);
-        }
-        Keep(origin, frame);
-        queued = frame.size();
+        AppendMessage(frame, messageBody);
         if (m_session != nullptr) m_session->Append(frame);
     } catch (const std::bad_alloc&) {
         m_lacksMemory = true;
     }
-    return queued;
 }
 
-void BrokerPeer::Keep(const Origin& origin, std::string_view frame) {
-    m_sources.push_back({origin.peer, origin.isCharged, origin.stamp.number});
+void BrokerPeer::Send() {
+    constexpr std::size_t kMostUnwritten = 256 * 1024;
     try {
-        if (IsNamed()) {
-            m_deliveries.Add(frame);
-        } else {
-            m_deliveries.Count(frame.size());
+        while (m_session != nullptr && HasUnsent() && m_session->Backlog() < kMostUnwritten) {
+            m_session->Append(m_deliveries.Unsent());
+            m_deliveries.SetSent();
         }
     } catch (const std::bad_alloc&) {
-        m_sources.pop_back();
-        throw;
+        m_lacksMemory = true;
     }
 }
 

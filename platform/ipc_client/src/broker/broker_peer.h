@@ -53,14 +53,20 @@ public:
     void SetGraceEnds(std::chrono::steady_clock::time_point ends) { m_graceEnds = ends; }
     std::chrono::steady_clock::time_point GraceEnds() const { return m_graceEnds; }
 
-    // As a receiver. Queues a message for it; returns what that takes, or 0 when there is no memory for it. One that
-    // has lacked memory has to be forgotten: something is missing in its queue.
+    // As a receiver. Queues a message for it until Send; returns what that takes, or 0 when there is no memory for it.
+    // One that has lacked memory has to be forgotten: something is missing in its queue.
     std::size_t Deliver(const Origin& origin, std::string_view messageBody);
     bool LacksMemory() const { return m_lacksMemory; }
     void GiveUp();  // it has no deliveries any more, and will not know what it has missed
     std::uint64_t FirstDelivery() const { return m_deliveries.First(); }
     std::uint64_t NextDelivery() const { return m_deliveries.Next(); }
-    std::string DeliveriesFrom(std::uint64_t number) const { return m_deliveries.From(number); }
+    std::string DeliveriesFrom(std::uint64_t number) const { return m_deliveries.From(number); }  // then AllIsSent
+    void AllIsSent() { m_deliveries.SetAllSent(); }
+
+    // Gives its connection what it has not been given of the queue, as long as not too much is unwritten there: what
+    // somebody does not read is in memory once. It may lack memory then.
+    void Send();
+    bool HasUnsent() const { return !m_deliveries.Unsent().empty(); }
     std::size_t QueuedBytes() const { return m_deliveries.Bytes(); }
 
     // Whose message left its queue, and how many bytes.
@@ -115,7 +121,7 @@ private:
         std::uint64_t number;
     };
 
-    void Keep(const Origin& origin, std::string_view frame);
+    void WriteMessage(std::string_view messageBody);
 
     const unsigned m_number;
     const bool m_isOwn;

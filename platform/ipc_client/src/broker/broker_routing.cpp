@@ -181,18 +181,26 @@ void BrokerLoop::TakeHandled(BrokerPeer& receiver, const std::vector<NumberRange
         if (!receiver.IsNamed() || range.behind > receiver.NextDelivery()) {
             throw ProtocolError("it acknowledges what it was never sent");
         }
-        receiver.TakeOut(range, [&](const BrokerPeer::Handled& message) { Handled(receiver, message); });
+        TakeOut(receiver, range);
     }
 }
 
-void BrokerLoop::TakeOutWritten(BrokerPeer& receiver) {
-    receiver.TakeOutWritten(receiver.Session()->Backlog(),
-                            [&](const BrokerPeer::Handled& message) { Handled(receiver, message); });
+void BrokerLoop::TakeOut(BrokerPeer& receiver, NumberRange range) {
+    BrokerPeer* sender = nullptr;  // of the message before: mostly of the next one, too
+    receiver.TakeOut(range, [&](const BrokerPeer::Handled& message) {
+        if (sender == nullptr || sender->Number() != message.peer) sender = FindPeer(message.peer);
+        Handled(receiver, sender, message);
+    });
 }
 
-void BrokerLoop::Handled(const BrokerPeer& receiver, const BrokerPeer::Handled& message) {
+void BrokerLoop::TakeOutWritten(BrokerPeer& receiver) {
+    receiver.TakeOutWritten(receiver.Session()->Backlog(), [&](const BrokerPeer::Handled& message) {
+        Handled(receiver, FindPeer(message.peer), message);
+    });
+}
+
+void BrokerLoop::Handled(const BrokerPeer& receiver, BrokerPeer* sender, const BrokerPeer::Handled& message) {
     if (!receiver.IsOwn()) m_queuedBytes -= message.bytes;
-    BrokerPeer* const sender = FindPeer(message.peer);
     if (sender == nullptr) return;
     if (message.isCharged) sender->Settle(message.bytes);
     if (sender->IsNamed()) Done(*sender, message.number);
@@ -237,6 +245,7 @@ void BrokerLoop::FlushTouched() {
 void BrokerLoop::Flush(BrokerPeer& peer) {
     const unsigned number = peer.Number();
     peer.Untouch();
+    peer.Send();
     if (peer.LacksMemory()) return GiveUpAndClose(peer, "no memory for what is sent to it", RefusalCode::kLimit);
     if (peer.Session() == nullptr) return;
     AppendNews(peer);

@@ -42,9 +42,8 @@ public:
     std::uint8_t UInt8() { return static_cast<std::uint8_t>(Bytes(1)[0]); }
     std::uint32_t UInt32() {
         const std::string_view field = Bytes(4);
-        std::uint32_t value = 0;
-        for (int i = 3; i >= 0; --i) value = value << 8 | static_cast<std::uint8_t>(field[static_cast<std::size_t>(i)]);
-        return value;
+        const auto byte = [&](std::size_t i) { return std::uint32_t{static_cast<std::uint8_t>(field[i])}; };
+        return byte(0) | byte(1) << 8 | byte(2) << 16 | byte(3) << 24;
     }
     std::uint64_t UInt64() {
         const std::uint64_t low = UInt32();
@@ -178,6 +177,8 @@ void AppendDelivery(std::string& out, const Stamp& stamp, std::string_view messa
     AppendUInt32(out, stamp.sender.user);
     out.append(messageBody);
 }
+
+std::size_t DeliveryBytes(std::string_view messageBody) { return kFrameHeadBytes + kStampBytes + messageBody.size(); }
 
 void AppendAddressed(std::string& out, std::span<const IpcLife> lives, std::uint64_t event,
                      const TagIPCMessageItem& item) {

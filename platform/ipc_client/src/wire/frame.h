@@ -153,6 +153,7 @@ void AppendMessage(std::string& out, std::string_view messageBody);
 void AppendRoutes(std::string& out, FrameType type, std::span<const Route> routes);
 void AppendIntroduction(std::string& out, const Introduction& introduction);
 void AppendDelivery(std::string& out, const Stamp& stamp, std::string_view messageBody);
+std::size_t DeliveryBytes(std::string_view messageBody);  // of that frame
 void AppendAddressed(std::string& out, std::span<const IpcLife> lives, std::uint64_t event,
                      const TagIPCMessageItem& item);  // the item must be postable
 void AppendNumbers(std::string& out, FrameType type, std::span<const NumberRange> numbers);

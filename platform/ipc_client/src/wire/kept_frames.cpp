@@ -7,37 +7,54 @@ namespace ipc_client {
 
 namespace {
 
+constexpr std::size_t kBlockBytes = 64 * 1024;  // a longer frame has a block of its own
 constexpr std::size_t kSlackBytes = 64 * 1024;  // of done messages that may stay in memory,
 constexpr std::size_t kSlackEntries = 1024;     // and how many of them
 
 }  // namespace
 
-void KeptFrames::Add(std::string_view stored, std::size_t bytes) {
-    m_frames.append(stored);
-    try {
-        m_entries.push_back({static_cast<std::uint32_t>(bytes), static_cast<std::uint32_t>(stored.size())});
-    } catch (...) {
-        m_frames.resize(m_frames.size() - stored.size());
-        throw;
+// A block that has room for so many bytes more. The first one grows as it is needed.
+std::string& KeptFrames::BlockFor(std::size_t bytes) {
+    if (m_blocks.empty() || (!m_blocks.back().empty() && m_blocks.back().size() + bytes > kBlockBytes)) {
+        const bool isFirst = m_blocks.empty();
+        m_blocks.emplace_back();
+        if (!isFirst && m_unsentBegin == m_blocks[m_unsentBlock].size()) SetSent();
+        if (!isFirst) m_blocks.back().reserve(std::max(bytes, kBlockBytes));
     }
+    m_blocks.back().reserve(m_blocks.back().size() + bytes);
+    return m_blocks.back();
+}
+
+void KeptFrames::AddEntry(std::size_t stored, std::size_t bytes) {
+    m_entries.push_back({static_cast<std::uint32_t>(bytes), static_cast<std::uint32_t>(stored)});
+    m_storedBytes += stored;
     m_keptBytes += bytes;
+}
+
+std::string_view KeptFrames::Unsent() const {
+    return m_blocks.empty() ? std::string_view() : std::string_view(m_blocks[m_unsentBlock]).substr(m_unsentBegin);
+}
+
+void KeptFrames::SetSent() {
+    if (m_unsentBlock + 1 < m_blocks.size()) {
+        ++m_unsentBlock;
+        m_unsentBegin = 0;
+    } else if (!m_blocks.empty()) {
+        m_unsentBegin = m_blocks.back().size();
+    }
+}
+
+void KeptFrames::SetAllSent() {
+    while (!Unsent().empty()) SetSent();
 }
 
 void KeptFrames::DropDone() {
     while (!m_entries.empty() && (m_entries.front().isDone || IsMostlyDone())) DropFront();
-    if (m_begin == m_frames.size()) {
-        m_frames.clear();
-        if (m_frames.capacity() > kSlackBytes) m_frames.shrink_to_fit();
-        m_begin = 0;
-    } else if (m_begin > kSlackBytes && m_begin > m_frames.size() / 2) {
-        m_frames.erase(0, m_begin);
-        m_begin = 0;
-    }
 }
 
 bool KeptFrames::IsMostlyDone() const {
     return (m_doneEntries > kSlackEntries && m_doneEntries > m_entries.size() / 2) ||
-           m_frames.size() - m_begin > 2 * m_keptBytes + kSlackBytes;
+           m_storedBytes > 2 * m_keptBytes + kSlackBytes;
 }
 
 void KeptFrames::DropFront() {
@@ -45,11 +62,27 @@ void KeptFrames::DropFront() {
     if (front.isDone) {
         --m_doneEntries;
     } else {
-        m_old.emplace(m_first, Old{front, m_frames.substr(m_begin, front.stored)});
+        m_old.emplace(m_first, Old{front, front.stored == 0 ? "" : m_blocks.front().substr(m_begin, front.stored)});
     }
-    m_begin += front.stored;
+    DropFrontBytes(front.stored);
     m_entries.pop_front();
     ++m_first;
+}
+
+void KeptFrames::DropFrontBytes(std::size_t bytes) {
+    if (bytes == 0) return;
+    m_storedBytes -= bytes;
+    m_begin += bytes;
+    if (m_unsentBlock == 0) m_unsentBegin = std::max(m_unsentBegin, m_begin);
+    if (m_begin != m_blocks.front().size()) return;
+    m_begin = 0;
+    if (m_unsentBlock == 0) m_unsentBegin = 0;
+    if (m_unsentBlock != 0) --m_unsentBlock;
+    if (m_blocks.size() == 1 && m_blocks.front().capacity() <= kBlockBytes) {
+        m_blocks.front().clear();
+    } else {
+        m_blocks.pop_front();
+    }
 }
 
 KeptFrames::Entry* KeptFrames::Find(std::uint64_t number) {
@@ -91,10 +124,15 @@ std::string KeptFrames::From(std::uint64_t number) const {
         next = at + 1;
     };
     for (const auto& [at, old] : m_old) append(at, old.frame);
+    auto block = m_blocks.begin();
     std::size_t begin = m_begin;
     std::uint64_t at = m_first;
     for (const Entry& entry : m_entries) {
-        if (!entry.isDone) append(at, std::string_view(m_frames).substr(begin, entry.stored));
+        if (entry.stored != 0 && begin == block->size()) {
+            ++block;
+            begin = 0;
+        }
+        if (!entry.isDone) append(at, entry.stored == 0 ? "" : std::string_view(*block).substr(begin, entry.stored));
         begin += entry.stored;
         ++at;
     }

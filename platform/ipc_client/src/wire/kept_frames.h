@@ -27,10 +27,26 @@ public:
     void StartAt(std::uint64_t number) { m_first = number; }
 
     // Keeps one whole frame.
-    void Add(std::string_view frame) { Add(frame, frame.size()); }
+    void Add(std::string_view frame) {
+        Add(frame.size(), [&](std::string& out) { out.append(frame); });
+    }
+
+    // Keeps one whole frame of so many bytes, which `append` appends to a string that has room for it.
+    template <typename F>
+    void Add(std::size_t bytes, const F& append) {
+        std::string& block = BlockFor(bytes);
+        AddEntry(bytes, bytes);
+        append(block);
+    }
 
     // Counts a frame that cannot be sent again.
-    void Count(std::size_t bytes) { Add({}, bytes); }
+    void Count(std::size_t bytes) { AddEntry(0, bytes); }
+
+    // The next of the frames that were added and not yet sent; empty when there are none. Valid until something
+    // changes. All of it is sent with SetSent, all that there is with SetAllSent.
+    std::string_view Unsent() const;
+    void SetSent();
+    void SetAllSent();
 
     // Calls `done` with the number and the bytes of each message of the range that was not done, in their order.
     template <typename F>
@@ -67,7 +83,7 @@ public:
 private:
     struct Entry {
         std::uint32_t bytes;   // of the frame
-        std::uint32_t stored;  // of it in m_frames
+        std::uint32_t stored;  // of it in m_blocks
         bool isDone = false;
         bool isTaken = false;
         bool isWaiting = false;
@@ -79,17 +95,22 @@ private:
         std::string frame;
     };
 
-    void Add(std::string_view stored, std::size_t bytes);
+    std::string& BlockFor(std::size_t bytes);
+    void AddEntry(std::size_t stored, std::size_t bytes);
     Entry* Find(std::uint64_t number);  // null when it is done
     void DropDone();
     bool IsMostlyDone() const;
     void DropFront();
+    void DropFrontBytes(std::size_t bytes);
 
     std::uint64_t m_first = 0;
     std::deque<Entry> m_entries;
     std::size_t m_doneEntries = 0;
-    std::string m_frames;                // of the entries
-    std::size_t m_begin = 0;             // where the first entry's frame is in m_frames
+    std::deque<std::string> m_blocks;    // frames of the entries, whole ones in each
+    std::size_t m_begin = 0;             // where the first entry's frame is in the first block
+    std::size_t m_storedBytes = 0;       // of the entries
+    std::size_t m_unsentBlock = 0;       // where the first frame that is not sent is: its block,
+    std::size_t m_unsentBegin = 0;       // and where in that
     std::map<std::uint64_t, Old> m_old;  // by number; before m_first
     std::size_t m_keptBytes = 0;
 };

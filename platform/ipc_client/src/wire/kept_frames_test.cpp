@@ -55,6 +55,55 @@ TEST_F(KeptFramesTest, WhatIsDoneBetweenOthersIsSkipped) {
     EXPECT_EQ(kept.Bytes(), 0u);
 }
 
+// What is to be sent, all of it.
+std::string Send(KeptFrames& kept) {
+    std::string sent;
+    for (; !kept.Unsent().empty(); kept.SetSent()) sent += kept.Unsent();
+    return sent;
+}
+
+TEST_F(KeptFramesTest, EachIsSentOnce) {
+    EXPECT_EQ(Send(kept), Frame(0) + Frame(1) + Frame(2) + Frame(3) + Frame(4));
+    EXPECT_EQ(Send(kept), "");
+    kept.Add(Frame(5));
+    Done(kept, {0, 3});
+    EXPECT_EQ(Send(kept), Frame(5));
+    Done(kept, {0, 6});
+    kept.Add(Frame(6));
+    EXPECT_EQ(Send(kept), Frame(6));
+    kept.Add(Frame(7));
+    kept.SetAllSent();
+    EXPECT_EQ(Send(kept), "");
+}
+
+TEST_F(KeptFramesTest, ManyAndLongOnesAreSentAndKeptWhole) {
+    std::string all = Send(kept);
+    std::string sent = all;
+    for (int i = 0; i < 300; ++i) {
+        const std::string frame = Frame(i * 700);
+        kept.Add(frame);
+        all += frame;
+        if (i % 7 == 0) sent += Send(kept);
+    }
+    sent += Send(kept);
+    EXPECT_EQ(sent, all);
+    EXPECT_EQ(kept.From(0), all);
+    Done(kept, {0, 204});
+    const std::string left = Frame(199 * 700) + Frame(200 * 700);  // messages 204 and 205, and others
+    EXPECT_EQ(kept.From(204).substr(0, left.size()), left);
+    for (std::uint64_t i = 204; i < 305; ++i) {
+        kept.Add("x");
+        Done(kept, {i, i + 1});
+        EXPECT_EQ(Send(kept), "x");
+    }
+    EXPECT_EQ(kept.From(305), std::string(101, 'x'));
+}
+
+TEST_F(KeptFramesTest, WhatIsDoneBeforeItIsSentIsNotSent) {
+    Done(kept, {0, 3});
+    EXPECT_EQ(Send(kept), Frame(3) + Frame(4));
+}
+
 TEST_F(KeptFramesTest, NumbersOutsideAreNobodys) {
     EXPECT_EQ(Done(kept, {5, 100}), std::vector<std::uint64_t>());
     Done(kept, {0, 2});
