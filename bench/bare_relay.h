@@ -51,6 +51,8 @@ public:
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
+    pid_t Id() const { return m_pid; }
+
 private:
     const pid_t m_pid;
 };

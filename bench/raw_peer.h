@@ -20,8 +20,8 @@ namespace bench {
 // broker does not keep to the protocol, or says nothing for kPatience.
 class RawPeer {
 public:
-    // Introduces itself, as a life that nobody has had, unless it is to be `isNamed` = false.
-    explicit RawPeer(const wchar_t* pipe, bool isNamed = true) : m_fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    // Introduces itself, as a life that nobody has had.
+    explicit RawPeer(const wchar_t* pipe) : m_fd(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         const std::string path = ipc_client::PipePath(pipe).native();
@@ -32,7 +32,7 @@ public:
         if (connect(m_fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) Die("no broker");
         std::string hello;
         ipc_client::AppendHello(hello);
-        if (isNamed) ipc_client::AppendIntroduction(hello, {1, ipc_client::NewLife(), {}, 0, 0});
+        ipc_client::AppendIntroduction(hello, {1, ipc_client::NewLife(), {}, 0, 0});
         Write(hello);
     }
     ~RawPeer() { close(m_fd); }
@@ -46,11 +46,17 @@ public:
     }
 
     void Write(std::string_view bytes) {
+        if (!MayWrite(bytes)) Die("the broker takes nothing");
+    }
+
+    // False when the broker has closed the connection.
+    bool MayWrite(std::string_view bytes) {
         while (!bytes.empty()) {
             const ssize_t written = send(m_fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
-            if (written <= 0) Die("the broker takes nothing");
+            if (written <= 0) return false;
             bytes.remove_prefix(static_cast<std::size_t>(written));
         }
+        return true;
     }
 
     // Calls `take` with each frame that one read brings; `flags`: of recv. False when nothing had come.

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -227,9 +228,11 @@ public:
     std::optional<FrameView> Next();
 
 private:
-    std::string_view Unread() const { return {m_buffer.data() + m_begin, m_end - m_begin}; }
+    std::string_view Unread() const { return {m_buffer.get() + m_begin, m_end - m_begin}; }
+    void Resize(std::size_t bytes);
 
-    std::vector<char> m_buffer;
+    std::unique_ptr<char[]> m_buffer;  // never cleared: what has not been read to takes no memory
+    std::size_t m_size = 0;
     std::size_t m_begin = 0;  // first byte not yet taken
     std::size_t m_end = 0;    // behind the last byte that came
     bool m_helloTaken = false;

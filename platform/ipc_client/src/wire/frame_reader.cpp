@@ -1,4 +1,6 @@
 #include <cstring>
+#include <memory>
+#include <utility>
 
 #include "wire/frame.h"
 
@@ -9,25 +11,34 @@ constexpr std::size_t kReadBytes = 64 * 1024;  // room offered for one read, at 
 
 }  // namespace
 
-FrameReader::FrameReader() : m_buffer(kReadBytes) {}
+FrameReader::FrameReader() { Resize(kReadBytes); }
+
+// Keeps what has not been taken.
+void FrameReader::Resize(std::size_t bytes) {
+    auto buffer = std::make_unique_for_overwrite<char[]>(bytes);
+    if (m_end != m_begin) std::memcpy(buffer.get(), m_buffer.get() + m_begin, m_end - m_begin);
+    m_buffer = std::move(buffer);
+    m_size = bytes;
+    m_end -= std::exchange(m_begin, 0);
+}
 
 std::span<char> FrameReader::Space() {
     if (m_begin == m_end) {
         m_begin = m_end = 0;
-        if (m_buffer.size() > 16 * kReadBytes) m_buffer = std::vector<char>(kReadBytes);
+        if (m_size > 16 * kReadBytes) Resize(kReadBytes);
     }
-    if (m_buffer.size() - m_end < kReadBytes / 2 && m_begin != 0) {
-        std::memmove(m_buffer.data(), m_buffer.data() + m_begin, m_end - m_begin);
+    if (m_size - m_end < kReadBytes / 2 && m_begin != 0) {
+        std::memmove(m_buffer.get(), m_buffer.get() + m_begin, m_end - m_begin);
         m_end -= m_begin;
         m_begin = 0;
     }
-    if (m_buffer.size() - m_end < kReadBytes / 2) m_buffer.resize(m_buffer.size() * 2);
-    return std::span(m_buffer).subspan(m_end);
+    if (m_size - m_end < kReadBytes / 2) Resize(m_size * 2);
+    return {m_buffer.get() + m_end, m_size - m_end};
 }
 
 void FrameReader::Commit(std::size_t bytes) { m_end += bytes; }
 
-std::size_t FrameReader::GrownBytes() const { return m_buffer.size() - kReadBytes; }
+std::size_t FrameReader::GrownBytes() const { return m_size - kReadBytes; }
 
 bool FrameReader::TakeHello() {
     if (m_helloTaken) return true;
