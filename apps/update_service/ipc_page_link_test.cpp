@@ -101,6 +101,15 @@ TEST_F(PageLinkOverThePipe, TheListCarriesEveryField) {
     EXPECT_FALSE(list[1].isDriver);
 }
 
+TEST_F(PageLinkOverThePipe, TheAnswerToAPageThatHasLeftReachesNoOther) {
+    const IpcLife left{{9}};
+    m_link.SendList(left, {});
+    m_link.SendProgress({left}, "AB", 37);
+    m_link.Send({}, to_page::IPC_MSG_PKG_FAIL, "AB", 0);  // nobody lists it
+    m_link.Send(m_pages, to_page::IPC_MSG_PKG_FINISH, "AB", 0);
+    EXPECT_EQ(Messages(1)[0].msgId, to_page::IPC_MSG_PKG_FINISH.id);
+}
+
 TEST_F(PageLinkOverThePipe, ALongListArrivesWhole) {
     std::vector<Accessory> accessories(1000);
     for (std::size_t i = 0; i < accessories.size(); ++i) {
