@@ -136,7 +136,10 @@ private:
     void TakeIntroduction(const Introduction& broker);
     void GoOn(const Introduction& broker) BASE_REQUIRES(m_routesMutex);
     void TakeDelivery(const DeliveryView& delivery);
-    void DeliverToAll(const MessageView& message, const IpcSender& sender, std::uint64_t delivery);
+    using Copies = std::vector<std::pair<Receiver*, Receiver::Messages>>;
+    Copies CopiesOf(const MessageView& message, const Stamp& stamp, std::uint64_t delivery)
+        BASE_REQUIRES(m_routesMutex);
+    void DeliverToAll(Copies copies) noexcept BASE_REQUIRES(m_routesMutex);
     void TakeDone(const std::vector<NumberRange>& done);
     void TakeWaiting(const std::vector<NumberRange>& waiting);
     bool IsNew(const Stamp& stamp);

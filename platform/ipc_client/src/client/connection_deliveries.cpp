@@ -2,6 +2,8 @@
 
 #include <asio/post.hpp>
 #include <exception>
+#include <new>
+#include <utility>
 
 #include "client/connection.h"
 
@@ -17,9 +19,30 @@ void Connection::TakeDelivery(const DeliveryView& delivery) {
     if (!IsOpen()) throw ProtocolError("a message before the introduction");
     const MessageView message = DecodeMessage(delivery.messageBody);
     const std::uint64_t number = m_deliveries.Begin();
-    if (IsNew(delivery.stamp)) DeliverToAll(message, delivery.stamp.sender, number);
+    {
+        const base::MutexLock lock(m_routesMutex);
+        DeliverToAll(CopiesOf(message, delivery.stamp, number));
+    }
     Handled(number);
     AcknowledgeLater();
+}
+
+// A copy for each receiver, if the message is new. Where there is no memory for all of them, it counts as one that has
+// not come, and comes again on the next connection.
+Connection::Copies Connection::CopiesOf(const MessageView& message, const Stamp& stamp, std::uint64_t delivery) {
+    try {
+        Copies copies;
+        if (const auto entry = m_receivers.find(message.route()); entry != m_receivers.end()) {
+            copies.reserve(entry->second.size());
+            for (Receiver* receiver : entry->second) {
+                copies.emplace_back(receiver, Receiver::Copy(message, stamp.sender, delivery));
+            }
+        }
+        return IsNew(stamp) ? std::move(copies) : Copies();
+    } catch (...) {
+        m_deliveries.TakeBack();
+        throw;
+    }
 }
 
 // What this process has sent to itself may come again, from the next broker. Everything else comes once: the service
@@ -32,8 +55,14 @@ bool Connection::IsNew(const Stamp& stamp) {
 }
 
 bool Connection::IsNewEvent(std::uint64_t event) {
-    if (!m_events.insert(event).second) return false;
+    if (m_events.count(event) != 0) return false;
     m_eventsInOrder.push_back(event);
+    try {
+        m_events.insert(event);
+    } catch (...) {
+        m_eventsInOrder.pop_back();
+        throw;
+    }
     if (m_eventsInOrder.size() > kMostEvents) {
         m_events.erase(m_eventsInOrder.front());
         m_eventsInOrder.pop_front();
@@ -41,15 +70,15 @@ bool Connection::IsNewEvent(std::uint64_t event) {
     return true;
 }
 
-void Connection::DeliverToAll(const MessageView& message, const IpcSender& sender, std::uint64_t delivery) {
-    const base::MutexLock lock(m_routesMutex);
-    const auto entry = m_receivers.find(message.route());
-    if (entry == m_receivers.end()) return;
-    for (Receiver* receiver : entry->second) {
-        m_deliveries.Hold(delivery);
-        if (receiver->Deliver(message, sender, delivery)) continue;
-        m_full.insert(receiver);
-        m_channel->Pause();
+void Connection::DeliverToAll(Copies copies) noexcept {
+    for (auto& [receiver, copy] : copies) {
+        m_deliveries.Hold(copy.front().delivery);
+        if (receiver->Deliver(std::move(copy))) continue;
+        try {
+            m_full.insert(receiver);
+            m_channel->Pause();
+        } catch (const std::bad_alloc&) {  // with the next message
+        }
     }
 }
 

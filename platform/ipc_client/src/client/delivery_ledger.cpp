@@ -19,6 +19,11 @@ std::uint64_t DeliveryLedger::Begin() {
     return m_deliveries.Begin();
 }
 
+void DeliveryLedger::TakeBack() noexcept {
+    const base::MutexLock lock(m_mutex);
+    m_deliveries.TakeBack();
+}
+
 void DeliveryLedger::Hold(std::uint64_t delivery) {
     const base::MutexLock lock(m_mutex);
     m_deliveries.Hold(delivery);

@@ -17,7 +17,8 @@ public:
 
     void Skip(std::uint64_t count);  // the next ones do not come
 
-    std::uint64_t Begin();  // the next delivery; held by whoever begins it
+    std::uint64_t Begin();     // the next delivery; held by whoever begins it
+    void TakeBack() noexcept;  // the last one has not come after all; nobody else holds it
     void Hold(std::uint64_t delivery);
 
     // One of the holders is done with it. Whether somebody waits to be told of that: then Handled is to be asked.

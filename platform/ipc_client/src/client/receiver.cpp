@@ -68,13 +68,18 @@ void Receiver::WaitUntilDone(std::optional<int> msgId) {
     while (m_calling && m_callNumber == callNumber) m_callEnded.Wait(m_mutex);
 }
 
-bool Receiver::Deliver(const MessageView& view, const IpcSender& sender, std::uint64_t delivery) {
-    Message message(view, sender, delivery);
+Receiver::Messages Receiver::Copy(const MessageView& view, const IpcSender& sender, std::uint64_t delivery) {
+    Messages copy;
+    copy.emplace_back(view, sender, delivery);
+    return copy;
+}
+
+bool Receiver::Deliver(Messages copy) noexcept {
     bool isFull = false;
     {
         const base::MutexLock lock(m_mutex);
-        m_messages.push_back(std::move(message));
-        m_bytes += m_messages.back().Cost();
+        m_bytes += copy.front().Cost();
+        m_messages.splice(m_messages.end(), copy);
         isFull = m_isFull = m_bytes > kMaxUndeliveredBytes;
     }
     m_arrived.NotifyOne();

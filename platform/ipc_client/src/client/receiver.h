@@ -2,8 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,11 +58,6 @@ public:
     // the delivery thread.
     void WaitUntilDone(std::optional<int> msgId);
 
-    // Queues a copy of the message, which counts as that delivery. False when it is full by that: whoever delivers
-    // waits for HasRoom. Any thread.
-    bool Deliver(const MessageView& message, const IpcSender& sender, std::uint64_t delivery);
-
-private:
     struct Message {
         Message(const MessageView& view, const IpcSender& from, std::uint64_t number);
         std::size_t Cost() const { return item.text.size() + data.size() + kQueuedMessageOverhead; }
@@ -73,6 +68,14 @@ private:
         std::uint64_t delivery;
     };
 
+    // A copy of the message, which counts as that delivery: one, to be handed to Deliver.
+    using Messages = std::list<Message>;
+    static Messages Copy(const MessageView& view, const IpcSender& sender, std::uint64_t delivery);
+
+    // Queues it. False when the receiver is full by that: whoever delivers waits for HasRoom. Any thread.
+    bool Deliver(Messages copy) noexcept;
+
+private:
     // Delivery thread.
     void DeliverMessages();
     bool WaitForMessage();  // false when the thread is to end
@@ -89,7 +92,7 @@ private:
     base::Condition m_arrived;
     base::Condition m_callEnded;
     std::unordered_map<int, Held> m_callbacks BASE_GUARDED_BY(m_mutex);
-    std::deque<Message> m_messages BASE_GUARDED_BY(m_mutex);
+    Messages m_messages BASE_GUARDED_BY(m_mutex);
     std::size_t m_bytes BASE_GUARDED_BY(m_mutex) = 0;    // what m_messages cost
     bool m_isFull BASE_GUARDED_BY(m_mutex) = false;      // and whoever delivers waits
     bool m_calling BASE_GUARDED_BY(m_mutex) = false;     // a callback runs,

@@ -38,8 +38,8 @@ TEST(Receiver, IsFullBeyondSixtyFourMebibytesUntilHalfAreDelivered) {
     message.data = data;
     {
         const kernel::UiTurn turn;  // no callback is called meanwhile
-        for (int i = 0; i < 4; ++i) EXPECT_TRUE(receiver.Deliver(message, {}, 0)) << i;
-        EXPECT_FALSE(receiver.Deliver(message, {}, 0));
+        for (int i = 0; i < 4; ++i) EXPECT_TRUE(receiver.Deliver(Receiver::Copy(message, {}, 0))) << i;
+        EXPECT_FALSE(receiver.Deliver(Receiver::Copy(message, {}, 0)));
     }
     EXPECT_TRUE(test_support::WaitUntil([&] { return delivered == 5 && listener.deliveredAtRoom != 0; }));
     EXPECT_EQ(listener.deliveredAtRoom, 3) << "30 of 75 mebibytes are left";
@@ -58,14 +58,14 @@ TEST(Receiver, EveryMessageIsHandledOnceItsCallbackReturnedOrThereIsNone) {
             EXPECT_EQ(CurrentIpcSender().process, 7u);
             ++delivered;
         });
-        for (int i = 0; i < 3; ++i) receiver.Deliver(message, {{}, 7, 8}, 0);
+        for (int i = 0; i < 3; ++i) receiver.Deliver(Receiver::Copy(message, {{}, 7, 8}, 0));
         message.msgId = 3;
-        receiver.Deliver(message, {}, 0);
+        receiver.Deliver(Receiver::Copy(message, {}, 0));
         EXPECT_TRUE(test_support::WaitUntil([&] { return listener.handled == 4; }));
         EXPECT_EQ(CurrentIpcSender().process, 0u);
         const kernel::UiTurn turn;
-        receiver.Deliver(message, {}, 0);
-        receiver.Deliver(message, {}, 0);
+        receiver.Deliver(Receiver::Copy(message, {}, 0));
+        receiver.Deliver(Receiver::Copy(message, {}, 0));
     }
     EXPECT_EQ(delivered, 3);
     EXPECT_EQ(listener.handled, 6) << "what waits when a receiver goes counts as handled";

@@ -19,8 +19,9 @@ public:
     // Goes on with that number. Nothing may be outstanding.
     void StartAt(std::uint64_t number);
 
-    std::uint64_t Begin();           // the next message, with one holder: whoever begins it
-    void Skip(std::uint64_t count);  // the next ones are done
+    std::uint64_t Begin();                              // the next message, with one holder: whoever begins it
+    void TakeBack() noexcept { m_holders.pop_back(); }  // the last one, which only its beginner holds
+    void Skip(std::uint64_t count);                     // the next ones are done
     void Hold(std::uint64_t number) { ++HoldersOf(number); }
     void Release(std::uint64_t number) noexcept;
 
