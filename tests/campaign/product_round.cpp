@@ -81,11 +81,24 @@ private:
                 const auto isOffered = [&](const std::string& key) {
                     return m_host->Holds("shown " + key + "updateBtn");
                 };
-                return m_rows.size() == ListedRows() && std::all_of(m_idle.begin(), m_idle.end(), isOffered);
+                return m_rows.size() == ListedRows() && std::all_of(m_idle.begin(), m_idle.end(), isOffered) &&
+                       m_host->Holds("shown accessoriesView") && m_host->Holds("hidden " + m_rows.back() + "devInfo") &&
+                       HeightsAreHeard();
             },
             std::max(m_options.patience, std::chrono::milliseconds(10'000)));
         if (!isThere) m_tally.Find(Wrong::kStuck, "the list does not come");
         return isThere;
+    }
+
+    // Beyond the height that the host knows nothing can be clicked on.
+    bool HeightsAreHeard() const {
+        const auto count = [this](const std::string& kind) {
+            const std::vector<std::string> lines = Messages(kind);
+            return std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+                return line.find("IPC_MSG_CONTENT_HEIGHT") != std::string::npos;
+            });
+        };
+        return count("post ") == count("got  ");
     }
 
     // How many accessories the list of this host's page has, by the trace.
@@ -116,7 +129,7 @@ private:
     }
 
     void Begin(const std::string& key) {
-        m_host->Play("click " + key + "updateBtn");
+        if (!m_host->Play("click " + key + "updateBtn")) m_tally.Find(Wrong::kStuck, "the button of " + key);
         m_idle.erase(key);
     }
 
