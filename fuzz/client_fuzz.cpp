@@ -55,7 +55,7 @@ class Play {
 public:
     Play() : m_connection(SocketPath(), {1ms, 2ms, 1h, 0ms, 1h}), m_receiver(1, m_connection) {
         m_receiver.Set(1, [this](TagIPCMessageItem& item) { m_handled.Add(item); });
-        m_connection.AddReceiver(m_receiver, 1);
+        m_connection.AddReceiver(m_receiver, {1});
     }
     ~Play() { m_connection.RemoveReceiver(m_receiver, {1, 2}); }
 
@@ -85,7 +85,7 @@ public:
                 return Post(fuzz::TakeByte(script));
             case 12:
                 return what / 16 % 2 == 0 ? m_connection.RemoveReceiver(m_receiver, {2})
-                                          : m_connection.AddReceiver(m_receiver, 2);
+                                          : m_connection.AddReceiver(m_receiver, {2});
             case 13:
                 return std::this_thread::sleep_for(100us);  // for the client's threads
             default:

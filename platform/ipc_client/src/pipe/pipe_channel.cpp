@@ -37,7 +37,7 @@ void PipeChannel::HandshakeEnded() {
 
 void PipeChannel::Append(std::string_view frames) {
     const base::MutexLock lock(m_mutex);
-    m_out.Append(frames);
+    if (m_writable) m_out.Append(frames);
 }
 
 void PipeChannel::Flush() {
@@ -185,7 +185,10 @@ void PipeChannel::HandleWritten(std::error_code error, std::size_t bytes) {
         const base::MutexLock lock(m_mutex);
         if (m_closed) return;
         m_out.Written(bytes);
-        if (error) m_writable = false;
+        if (error) {
+            m_writable = false;
+            m_out = {};  // nobody waits for it, who would not read meanwhile
+        }
         goesOn = m_writing = !error && m_out.Bytes() != 0;
         if (!goesOn) m_written.NotifyAll();
     }

@@ -12,7 +12,9 @@
 #include <string>
 
 #include "base/text.h"
+#include "ipc/foreign_peer.h"
 #include "ipc/linux/another_user.h"
+#include "ipc/message_frame.h"
 #include "ipc/pipe_test.h"
 #include "ipc_client/ipc_broker.h"
 #include "ipc_client/ipc_diagnostics.h"
@@ -94,6 +96,19 @@ TEST_F(BrokerSocket, ChildrenInheritNoConnection) {
     Post(client, 1, 1, "both ends are open");
     ASSERT_EQ(inbox.WaitFor(1).size(), 1u);
     EXPECT_EQ(OpenInAChild(), before);
+}
+
+// It is not read, as it owes too much to itself, so its end is found by writing.
+TEST_F(BrokerSocket, APeerThatGoesWithoutHavingReadWhatItSentItselfIsNotKept) {
+    IPCBrokerLimits limits;
+    limits.senderBytes = 64 * 1024;
+    IPCBroker broker(kPipe, limits);
+    broker.Start();
+    ForeignPeer peer(SocketPath());
+    ASSERT_TRUE(peer.Write(Hello() + AnnouncementFrame({{1, 1}})));
+    ASSERT_TRUE(peer.Write(MessageFrame(std::string(64 * 1024, 'o'), {1, 1}), 6));  // more than a socket takes
+    peer.Kill();
+    EXPECT_TRUE(Logged("(process " + std::to_string(peer.Process()) + ") closed: "));
 }
 
 TEST_F(BrokerSocket, TheSocketIsForThisUserOnly) {
