@@ -69,8 +69,7 @@ bool Connection::Send(std::string_view frame) {
     m_posted.Add(frame);
     if (!m_isWatching) WatchSilence();
     if (!m_open) return true;
-    m_open->Append(frame);
-    m_open->FlushGathered();
+    m_open->Gather(frame);
     return true;
 }
 

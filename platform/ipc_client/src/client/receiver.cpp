@@ -88,14 +88,15 @@ bool Receiver::Deliver(Messages copy) noexcept {
 
 void Receiver::DeliverMessages() {
     while (WaitForMessage()) {
-        std::optional<Message> message;
+        std::optional<Taken> taken;
         {
             const kernel::UiTurn turn;
-            if (!TakeMessage(message)) return;
-            DeliverOne(*message);
+            taken = Take();
+            if (!taken) return;
+            DeliverOne(*taken);
         }
-        m_listener.Handled(message->delivery);
-        TellOfRoom();
+        m_listener.Handled(taken->message.delivery);
+        if (taken->wasFull) TellOfRoom();
     }
 }
 
@@ -114,34 +115,29 @@ bool Receiver::WaitForMessage() {
     return !m_stopping;
 }
 
-// False when the thread is to end: then the message stays.
-bool Receiver::TakeMessage(std::optional<Message>& message) {
+// Nothing when the thread is to end: then the message stays.
+std::optional<Receiver::Taken> Receiver::Take() {
     const base::MutexLock lock(m_mutex);
-    if (m_stopping) return false;
-    message.emplace(std::move(m_messages.front()));
+    if (m_stopping) return std::nullopt;
+    Taken taken{std::move(m_messages.front()), nullptr, m_isFull};
     m_messages.pop_front();
-    m_bytes -= message->Cost();
-    return true;
-}
-
-void Receiver::DeliverOne(Message& message) {
-    Held callback = BeginCall(message.item.msgId);
-    if (!callback) return;
-    currentSender = message.sender;
-    Call(*callback, message);
-    currentSender = {};
-    callback.reset();  // what a removed callback holds goes before whoever removed it goes on
-    EndCall();
-}
-
-Receiver::Held Receiver::BeginCall(int msgId) {
-    const base::MutexLock lock(m_mutex);
-    const auto entry = m_callbacks.find(msgId);
-    if (m_stopping || entry == m_callbacks.end()) return nullptr;
+    m_bytes -= taken.message.Cost();
+    const auto entry = m_callbacks.find(taken.message.item.msgId);
+    if (entry == m_callbacks.end()) return taken;
+    taken.callback = entry->second;
     m_calling = true;
-    m_calledMsgId = msgId;
+    m_calledMsgId = entry->first;
     ++m_callNumber;
-    return entry->second;
+    return taken;
+}
+
+void Receiver::DeliverOne(Taken& taken) {
+    if (!taken.callback) return;
+    currentSender = taken.message.sender;
+    Call(*taken.callback, taken.message);
+    currentSender = {};
+    taken.callback.reset();  // what a removed callback holds goes before whoever removed it goes on
+    EndCall();
 }
 
 void Receiver::EndCall() {

@@ -79,11 +79,15 @@ private:
     // Delivery thread.
     void DeliverMessages();
     bool WaitForMessage();  // false when the thread is to end
-    void TellOfRoom();
-    bool TakeMessage(std::optional<Message>& message);
-    void DeliverOne(Message& message);
-    Held BeginCall(int msgId);  // null when there is nothing to call
+    struct Taken {
+        Message message;
+        Held callback;  // null when there is nothing to call; else EndCall is due
+        bool wasFull;
+    };
+    std::optional<Taken> Take();
+    void DeliverOne(Taken& taken);
     void EndCall();
+    void TellOfRoom();
     void Call(const Callback& callback, Message& message) const;
 
     const int m_endpointId;

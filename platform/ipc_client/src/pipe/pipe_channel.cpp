@@ -45,10 +45,11 @@ void PipeChannel::Flush() {
     FlushLocked();
 }
 
-void PipeChannel::FlushGathered() {
+void PipeChannel::Gather(std::string_view frames) {
     constexpr std::chrono::microseconds kClose{20};
     const auto now = std::chrono::steady_clock::now();
     const base::MutexLock lock(m_mutex);
+    m_out.Append(frames);
     if (m_closed || m_writing || !m_writable) return;
     if (now - std::exchange(m_lastWrite, now) < kClose) {
         LeaveToIoThread();

@@ -49,9 +49,9 @@ public:
     // Writes what the pipe takes at once and leaves the rest to the I/O thread. Any thread.
     void Flush();
 
-    // As Flush, but what comes close behind what was written last is left to the I/O thread, which writes all that has
-    // gathered at once. Any thread.
-    void FlushGathered();
+    // Queues whole frames, and flushes, but what comes close behind what was written last is left to the I/O thread,
+    // which writes all that has gathered at once. Any thread.
+    void Gather(std::string_view frames);
 
     // Bytes queued and not yet written. Any thread.
     std::size_t Backlog() const;
@@ -102,7 +102,7 @@ private:
     OutQueue m_out BASE_GUARDED_BY(m_mutex);
     bool m_writing BASE_GUARDED_BY(m_mutex) = false;  // an asynchronous write is under way or about to be
     bool m_writable BASE_GUARDED_BY(m_mutex) = true;  // no write has failed
-    std::chrono::steady_clock::time_point m_lastWrite BASE_GUARDED_BY(m_mutex);  // by FlushGathered
+    std::chrono::steady_clock::time_point m_lastWrite BASE_GUARDED_BY(m_mutex);  // by Gather
     std::atomic<bool> m_closed{false};  // set on the I/O thread, with the mutex held
 };
 
