@@ -129,7 +129,9 @@ private:
     }
 
     void Begin(const std::string& key) {
-        if (!m_host->Play("click " + key + "updateBtn")) m_tally.Find(Wrong::kStuck, "the button of " + key);
+        const bool isPressed = m_host->Play("click " + key + "updateBtn");
+        const bool hasEnded = !isPressed && m_host->Holds("hidden " + key + "hor");  // meanwhile, as it ran before
+        if (!isPressed && !hasEnded) m_tally.Find(Wrong::kStuck, "the button of " + key);
         m_idle.erase(key);
     }
 
