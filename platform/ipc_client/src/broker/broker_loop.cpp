@@ -268,7 +268,7 @@ void BrokerLoop::Greet(BrokerPeer& peer, const Introduction& introduction, bool 
     peer.Posted().TakeDone();  // all of it is told anew
     const std::vector<NumberRange> done = peer.Posted().DoneFrom(introduction.first);
     if (!done.empty()) AppendNumbers(frames, FrameType::kAcknowledge, done);
-    frames += peer.DeliveriesFrom(introduction.received);
+    frames += peer.DeliveriesFrom(std::max(introduction.received, own.first));  // what is before that is given up
     peer.Session()->Append(frames);
     peer.AllIsSent();
     TellWaitingAnew(peer);
