@@ -203,7 +203,10 @@ void PipePeer::TakeIntroduction(const Introduction& broker, bool trusted) {
     if (const auto handled = m_received.DoneFrom(broker.first); !handled.empty()) {
         AppendNumbers(frames, FrameType::kAcknowledge, handled);
     }
-    if (broker.first > m_received.Next()) m_received.Skip(broker.first - m_received.Next());  // given up
+    for (Unhandled& unhandled : m_unhandled) {
+        if (unhandled.delivery < broker.first) unhandled.message = {};  // given up
+    }
+    if (broker.first > m_received.Next()) m_received.Skip(broker.first - m_received.Next());
     m_posted.WaitAnew();
     Send(frames + m_posted.From(broker.received));
 }
