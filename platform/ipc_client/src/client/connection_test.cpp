@@ -10,7 +10,9 @@
 #include <string>
 #include <vector>
 
+#include "base/file.h"
 #include "ipc/pipe_test.h"
+#include "pipe/pipe_path.h"
 
 namespace ipc_client {
 namespace {
@@ -122,9 +124,10 @@ protected:
 };
 
 TEST_F(SilentBroker, ThatOwesSomethingAndDoesNotAnswerIsLeftUnlessItHasSaidThatItDoesNotRead) {
-    const Conversation patient(Folder() / "patient.sock", Introduced() + NotReading(), m_times);
-    const Conversation left(Folder() / "left.sock", Introduced(), m_times);
-    EXPECT_TRUE(Logged("left.sock: connection lost: the broker does not answer"));
+    const std::filesystem::path patientPath = PipePath(L"patient"), leftPath = PipePath(L"left");
+    const Conversation patient(patientPath, Introduced() + NotReading(), m_times);
+    const Conversation left(leftPath, Introduced(), m_times);
+    EXPECT_TRUE(Logged(base::Utf8FromPath(leftPath) + ": connection lost: the broker does not answer"));
     EXPECT_TRUE(patient.connection.IsOpen()) << "which has been silent for longer";
 }
 
