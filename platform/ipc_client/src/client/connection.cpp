@@ -182,7 +182,8 @@ void Connection::FrameArrived(const FrameView& frame) {
 }
 
 void Connection::TakeIntroduction(const Introduction& broker) {
-    if (IsOpen()) throw ProtocolError("a second introduction");
+    if (m_isIntroduced) throw ProtocolError("a second introduction");
+    m_isIntroduced = true;
     m_channel->HandshakeEnded();
     m_openedAt = steady_clock::now();
     m_lastReason.clear();
@@ -225,6 +226,7 @@ void Connection::TakeDone(const std::vector<NumberRange>& done) {
         if (range.behind > m_posted.Next()) throw ProtocolError("messages are done that were never sent");
         m_posted.Done(range, [](std::uint64_t, std::size_t) {});
     }
+    m_taken.ForgetBefore(m_posted.First());
     if (m_isEnding) m_changed.NotifyAll();
 }
 
@@ -294,6 +296,7 @@ void Connection::Closed(std::string_view reason, int) {
         wasOpen = std::exchange(m_open, nullptr) != nullptr;
     }
     m_channel.reset();
+    m_isIntroduced = false;
     if (wasOpen) m_pauses.Lost(steady_clock::now() - m_openedAt);
     const std::string refusal = std::exchange(m_refusal, {});
     ConnectLater(base::Utf8FromPath(m_path) + (wasOpen ? ": connection lost: " : ": ") +

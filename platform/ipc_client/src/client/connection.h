@@ -21,6 +21,7 @@
 #include "base/mutex.h"
 #include "client/delivery_ledger.h"
 #include "client/receiver.h"
+#include "client/taken_numbers.h"
 #include "pipe/pipe_channel.h"
 #include "pipe/pipe_transport.h"
 #include "wire/frame.h"
@@ -169,7 +170,9 @@ private:
     std::string m_lastReason;  // why the pipe could not be reached, as last logged
     std::string m_refusal;     // what the broker has said, for the line that tells of the end
     std::shared_ptr<PipeChannel> m_channel;
-    bool m_isWaiting = false;                    // for the next attempt
+    bool m_isWaiting = false;     // for the next attempt
+    bool m_isIntroduced = false;  // the broker, on this connection
+    TakenNumbers m_taken;
     IpcLife m_broker;                            // the last one that introduced itself
     std::uint32_t m_connections = 0;             // of this life
     std::unordered_set<std::uint64_t> m_events;  // taken, the last kMostEvents of them,

@@ -16,7 +16,7 @@ constexpr std::chrono::milliseconds kAcknowledgeDelay{1};  // so that several me
 }  // namespace
 
 void Connection::TakeDelivery(const DeliveryView& delivery) {
-    if (!IsOpen()) throw ProtocolError("a message before the introduction");
+    if (!m_isIntroduced) throw ProtocolError("a message before the introduction");
     const MessageView message = DecodeMessage(delivery.messageBody);
     const std::uint64_t number = m_deliveries.Begin();
     {
@@ -49,9 +49,7 @@ Connection::Copies Connection::CopiesOf(const MessageView& message, const Stamp&
 // dies with its broker.
 bool Connection::IsNew(const Stamp& stamp) {
     if (stamp.event != 0 && !IsNewEvent(stamp.event)) return false;
-    if (stamp.sender.life != m_life) return true;
-    const base::MutexLock lock(m_stateMutex);
-    return m_posted.Take(stamp.number);
+    return stamp.sender.life != m_life || m_taken.Add(stamp.number);
 }
 
 bool Connection::IsNewEvent(std::uint64_t event) {

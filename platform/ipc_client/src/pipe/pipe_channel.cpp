@@ -46,7 +46,7 @@ void PipeChannel::Flush() {
 }
 
 void PipeChannel::Gather(std::string_view frames) {
-    constexpr std::chrono::microseconds kClose{20};
+    constexpr std::chrono::microseconds kClose{5};
     const auto now = std::chrono::steady_clock::now();
     const base::MutexLock lock(m_mutex);
     m_out.Append(frames);

@@ -92,11 +92,6 @@ KeptFrames::Entry* KeptFrames::Find(std::uint64_t number) {
     return entry.isDone ? nullptr : &entry;
 }
 
-bool KeptFrames::Take(std::uint64_t number) {
-    Entry* const entry = Find(number);
-    return entry != nullptr && !std::exchange(entry->isTaken, true);
-}
-
 void KeptFrames::Wait(NumberRange range) {
     for (std::uint64_t number = std::max(range.first, First()); number < std::min(range.behind, Next()); ++number) {
         if (Entry* const entry = Find(number)) entry->isWaiting = true;

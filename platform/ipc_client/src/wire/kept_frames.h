@@ -67,9 +67,6 @@ public:
         DropDone();
     }
 
-    // Marks a message as taken; false when it has been, or is done: what comes again must not be taken twice.
-    bool Take(std::uint64_t number);
-
     // Marks messages of which the broker says that they wait for somebody.
     void Wait(NumberRange range);
     void WaitAnew();  // none of them waits, as far as another broker has said
@@ -85,7 +82,6 @@ private:
         std::uint32_t bytes;   // of the frame
         std::uint32_t stored;  // of it in m_blocks
         bool isDone = false;
-        bool isTaken = false;
         bool isWaiting = false;
     };
 

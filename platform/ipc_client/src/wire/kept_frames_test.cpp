@@ -110,15 +110,6 @@ TEST_F(KeptFramesTest, NumbersOutsideAreNobodys) {
     EXPECT_EQ(Done(kept, {0, 3}), std::vector<std::uint64_t>{2});
 }
 
-TEST_F(KeptFramesTest, AMessageIsTakenOnceAndNotWhenItIsDone) {
-    EXPECT_TRUE(kept.Take(1));
-    EXPECT_FALSE(kept.Take(1));
-    Done(kept, {0, 1});
-    EXPECT_FALSE(kept.Take(0));
-    EXPECT_TRUE(kept.Take(2));
-    EXPECT_FALSE(kept.Take(5));
-}
-
 TEST_F(KeptFramesTest, AreSettledWhenEachIsDoneOrWaits) {
     Done(kept, {0, 3});
     EXPECT_FALSE(kept.IsSettled());
@@ -146,8 +137,6 @@ TEST_F(KeptFramesTest, OneThatStaysKeepsNoRowOfDoneOnes) {
     EXPECT_EQ(kept.First(), 0u);
     EXPECT_EQ(kept.From(0), Frame(0) + Frame(1) + Frame(2) + Frame(3) + Frame(4) + Skip(100000));
     EXPECT_EQ(kept.From(3), Frame(3) + Frame(4) + Skip(100000));
-    EXPECT_TRUE(kept.Take(2));
-    EXPECT_FALSE(kept.Take(2));
     kept.Wait({0, 5});
     EXPECT_TRUE(kept.IsSettled());
     kept.WaitAnew();
