@@ -45,7 +45,7 @@ LineBudget::Subjects LineBudget::TakeEnded(Clock::time_point now) {
 }
 
 bool LineBudget::SpendOf(const std::string& subject, Clock::time_point now) {
-    const bool isOneMore = m_subjects.size() >= m_limits.subjects && m_subjects.count(subject) == 0;
+    const bool isOneMore = m_subjects.size() >= m_limits.subjects && !m_subjects.contains(subject);
     const auto [entry, isNew] = m_subjects.try_emplace(isOneMore ? std::string() : subject);
     Spent& spent = entry->second;
     if (isNew) {

@@ -100,7 +100,7 @@ void ReceiveRequests(IPCMessageClient& client, PageRequests& requests) {
         note.dataLen = sizeof returned;
         client.PostIPCMessage(note);
     });
-    client.RegisterMessageCallbacks(std::move(callbacks));
+    client.RegisterMessageCallbacks(callbacks);
 }
 
 }  // namespace update_service

@@ -48,7 +48,7 @@ public:
 
     // The same for several ids at once. Messages of these ids that were posted before anybody was there come in the
     // order of their posts; were the ids registered one after the other, they would come id by id.
-    void RegisterMessageCallbacks(std::map<int, std::function<void(TagIPCMessageItem&)>> callbacks);
+    void RegisterMessageCallbacks(const std::map<int, std::function<void(TagIPCMessageItem&)>>& callbacks);
 
     // Removes the callback of that id; false when there was none. Does not return while that callback runs on another
     // thread, and gives up the UI turn while it waits. May be called from a callback, its own included. Any thread.

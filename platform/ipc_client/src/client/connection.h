@@ -140,7 +140,7 @@ private:
     using Copies = std::vector<std::pair<Receiver*, Receiver::Messages>>;
     Copies CopiesOf(const MessageView& message, const Stamp& stamp, std::uint64_t delivery)
         BASE_REQUIRES(m_routesMutex);
-    void DeliverToAll(Copies copies) noexcept BASE_REQUIRES(m_routesMutex);
+    void DeliverToAll(Copies& copies) noexcept BASE_REQUIRES(m_routesMutex);
     void TakeDone(const std::vector<NumberRange>& done);
     void TakeWaiting(const std::vector<NumberRange>& waiting);
     bool IsNew(const Stamp& stamp);

@@ -21,7 +21,8 @@ void Connection::TakeDelivery(const DeliveryView& delivery) {
     const std::uint64_t number = m_deliveries.Begin();
     {
         const base::MutexLock lock(m_routesMutex);
-        DeliverToAll(CopiesOf(message, delivery.stamp, number));
+        Copies copies = CopiesOf(message, delivery.stamp, number);
+        DeliverToAll(copies);
     }
     Handled(number);
     AcknowledgeLater();
@@ -53,7 +54,7 @@ bool Connection::IsNew(const Stamp& stamp) {
 }
 
 bool Connection::IsNewEvent(std::uint64_t event) {
-    if (m_events.count(event) != 0) return false;
+    if (m_events.contains(event)) return false;
     m_eventsInOrder.push_back(event);
     try {
         m_events.insert(event);
@@ -68,7 +69,7 @@ bool Connection::IsNewEvent(std::uint64_t event) {
     return true;
 }
 
-void Connection::DeliverToAll(Copies copies) noexcept {
+void Connection::DeliverToAll(Copies& copies) noexcept {
     for (auto& [receiver, copy] : copies) {
         m_deliveries.Hold(copy.front().delivery);
         if (receiver->Deliver(std::move(copy))) continue;

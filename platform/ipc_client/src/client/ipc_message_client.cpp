@@ -74,10 +74,11 @@ IPCMessageClient::~IPCMessageClient() {
 void IPCMessageClient::RegisterMessageCallback(int msgId, std::function<void(TagIPCMessageItem&)> callback) {
     std::map<int, std::function<void(TagIPCMessageItem&)>> callbacks;
     callbacks.emplace(msgId, std::move(callback));
-    RegisterMessageCallbacks(std::move(callbacks));
+    RegisterMessageCallbacks(callbacks);
 }
 
-void IPCMessageClient::RegisterMessageCallbacks(std::map<int, std::function<void(TagIPCMessageItem&)>> callbacks) {
+void IPCMessageClient::RegisterMessageCallbacks(
+    const std::map<int, std::function<void(TagIPCMessageItem&)>>& callbacks) {
     if (!m_state->receives) {
         for (const auto& [msgId, callback] : callbacks) {
             ipc_client::Log(kIpcLogEvent, "a client that does not receive was given a callback for " +
@@ -89,8 +90,8 @@ void IPCMessageClient::RegisterMessageCallbacks(std::map<int, std::function<void
     std::vector<int> msgIds;
     const base::MutexLock lock(m_state->registration);
     if (!m_state->EnsureReceiver()) return;
-    for (auto& [msgId, callback] : callbacks) {
-        replaced.push_back(m_state->receiver->Set(msgId, std::move(callback)));
+    for (const auto& [msgId, callback] : callbacks) {
+        replaced.push_back(m_state->receiver->Set(msgId, callback));
         msgIds.push_back(msgId);
     }
     m_state->connection->AddReceiver(*m_state->receiver, msgIds);
